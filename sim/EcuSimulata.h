@@ -1,0 +1,168 @@
+#pragma once
+
+#include "Guasti.h"
+#include "ImmagineIniziale.h"
+#include "MemoriaEcu.h"
+#include "ModelloMotore.h"
+#include "RicevitoreComandi.h"
+#include "Taratura.h"
+
+#include "variables/Catalogo.h"
+
+#include <QElapsedTimer>
+#include <QMutex>
+#include <QObject>
+
+#include <functional>
+
+class Linea;
+class QTimer;
+
+// Status byte of an 'e' reply.
+namespace ErroreEcu {
+enum : quint8 {
+    ComandoSconosciuto = 0x01, // letter the firmware does not know
+    ComandoNonAmmesso = 0x02,  // known, but not in the present mode
+    IndirizzoNonValido = 0x03, // range not all in one writable area
+    LunghezzaErrata = 0x04,    // frame too short or too long for the command
+    ScritturaFallita = 0x05,   // the usual code of an injected write fault
+    CodiceTaraturaErrato = 0x06,
+    Fatto = 0xFF,
+};
+}
+
+struct OpzioniEcu
+{
+    int frameAlSecondo = 25;      // 'd' frames per second; 0: the caller drives avanzaTempo()
+    int baud = 9600;
+    bool cadenzaReale = false;    // bytes leave at baud / 10 per second, queued like a UART
+    bool applicazionePresente = true; // false: only the boot loader, 'g' frames
+    int tipoSonda = 0;            // TIPOLAMBDA; non-zero sends lambda ready on 0..255
+    QString fileMemoria;          // programmable area kept here between runs
+    StringheVersione versione;    // used when no memory file supplies an image
+    quint32 seme = 1;
+    int durataCicloMs = 36000;
+    Guasti guasti;
+};
+
+// The ECU at the far end of the line: memory, firmware commands, calibration programs, an
+// engine feeding the live stream, and faults on demand. All state is in the object. It
+// runs in the thread it lives in: open the line there, then moveToThread() if wanted, and
+// call avvia() (e.g. by QMetaObject::invokeMethod) in that thread. From other threads use
+// queued calls for the slots; percorsoDispositivo() and the memory accessors are safe to
+// call from anywhere.
+class EcuSimulata : public QObject
+{
+    Q_OBJECT
+public:
+    enum class Modo { Applicazione, Programmazione, SenzaApplicazione };
+    Q_ENUM(Modo)
+
+    explicit EcuSimulata(const OpzioniEcu &opzioni = {}, QObject *parent = nullptr);
+    ~EcuSimulata() override;
+
+    // Lines. False with erroreLinea() filled when the line cannot be had.
+    bool apriPty(const QString &collegamento = {});
+    bool apriDispositivo(const QString &dispositivo);
+    QString percorsoDispositivo() const;
+    QString erroreLinea() const;
+
+    // Empty unless the memory file could not be read or written.
+    QString erroreMemoria() const;
+
+    // Memory as the firmware sees it; addresses the ECU has not read as 0xFF. A direct
+    // write bypasses faults and modes and is kept in the memory file if it touches the
+    // programmable area; false when the range is not all memory.
+    QByteArray leggiMemoria(quint32 indirizzo, int conteggio) const;
+    bool scriviMemoria(quint32 indirizzo, const QByteArray &dati);
+    // The five version texts into the image, e.g. over one loaded from the memory file.
+    void scriviVersione(const StringheVersione &versione);
+
+    Modo modo() const { return m_modo; }
+    quint8 statoTaratura() const { return m_taratura.stato(); }
+    Taratura::Fase faseTaratura() const { return m_taratura.fase(); }
+    const CampioneMotore &ultimoCampione() const { return m_ultimoCampione; }
+    const Guasti &guasti() const { return m_iniettore.guasti(); }
+    const OpzioniEcu &opzioni() const { return m_opzioni; }
+
+public slots:
+    void avvia();
+    void ferma();
+    // Time moves on by ms: one engine step and, if the application runs, one stream frame.
+    void avanzaTempo(int ms);
+    // Bytes from the tester.
+    void riceviDati(const QByteArray &bytes);
+
+    void scartaOgniNRisposte(int n);
+    void corrompiProssimoFrame();
+    void corrompiOgniNFrame(int n);
+    void impostaRumore(int ogniNFrame, int lunghezza = 8, bool conStx = false);
+    // codice 0xFF takes the fault off that address.
+    void impostaErroreScrittura(quint32 indirizzo, quint8 codice = ErroreEcu::ScritturaFallita);
+    void togliErroriScrittura();
+    void impostaRitardoRisposta(int ms);
+    void impostaStallo(bool attivo);
+    // The line vanishes: the tester's port sees an error. riapriLinea() brings up a new one
+    // (a pty gets a new device path; a fixed symlink follows it).
+    void riaggancia();
+    bool riapriLinea();
+    void impostaCadenzaReale(bool attiva);
+    void impostaFrequenzaFlusso(int frameAlSecondo);
+
+signals:
+    // Exactly what goes onto the line, piece by piece.
+    void datiInviati(const QByteArray &bytes);
+    void frameInviato(const QByteArray &frame);
+    void frameRicevuto(const QByteArray &frame);
+    void byteScartati(const QByteArray &bytes);
+    void rumoreInviato(const QByteArray &bytes);
+    void rispostaScartata(const QByteArray &frame);
+    void lineaChiusa(const QString &motivo);
+    void erroreMemoriaRilevato(const QString &testo);
+
+private:
+    bool usaLinea(Linea *linea);
+    void tick();
+    void passoMotore(int dtMs);
+    void gestisci(const QByteArray &dati);
+    void comandoLettura(const QByteArray &dati);
+    void comandoScrittura(const QByteArray &dati, bool programmazione);
+    void comandoTaratura(const QByteArray &dati);
+    void riavviaApplicazione();
+    SoglieMotore leggiSoglie() const;
+    int leggiRam(int parametro) const;
+    void salvaMemoria();
+
+    void rispondi(const QByteArray &dati, std::function<void()> poi = {});
+    void rispondiEsito(quint8 codice, std::function<void()> poi = {});
+    void emetti(const QByteArray &frame, bool risposta);
+    void accoda(const QByteArray &bytes);
+    void cadenza();
+    void scriviLinea(const QByteArray &bytes);
+
+    OpzioniEcu m_opzioni;
+    Catalogo m_catalogo;
+    mutable QMutex m_mutex; // memory, file and device path
+    MemoriaEcu m_memoria;
+    FileMemoria m_file;
+    QString m_percorso;
+
+    Modo m_modo;
+    RicevitoreComandi m_ricevitore;
+    ModelloMotore m_motore;
+    Taratura m_taratura;
+    CampioneMotore m_ultimoCampione;
+    IniettoreGuasti m_iniettore;
+    int m_vitaMs = 0;
+
+    Linea *m_linea = nullptr;
+    bool m_riagganciato = false;
+
+    QTimer *m_timerFlusso;
+    QTimer *m_timerCadenza;
+    QElapsedTimer m_orologio;
+    qint64 m_ultimoTickMs = 0;
+    QByteArray m_codaTx;
+    qint64 m_inizioCadenzaMs = 0;
+    qint64 m_byteCadenzati = 0;
+};

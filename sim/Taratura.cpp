@@ -1,0 +1,194 @@
+#include "Taratura.h"
+
+void Taratura::azzera()
+{
+    entra(Fase::Nessuna);
+    m_puntiTps.reset();
+}
+
+void Taratura::entra(Fase fase)
+{
+    m_fase = fase;
+    m_tempoMs = 0;
+    m_giriVisti = false;
+    m_passoTps = PassoTps::Riposo;
+    m_tempoPassoMs = 0;
+    m_sommaRiposo = 0;
+    m_campioniRiposo = 0;
+    m_tpsMinimo = 0;
+    m_tpsMassimo = 0;
+    m_ultimoAumentoMs = 0;
+}
+
+int Taratura::comando(int codice, quint8 codiceErrato)
+{
+    switch (codice) {
+    case 0:
+        entra(Fase::GiriSequenza);
+        return 0xFF;
+    case 1:
+        entra(m_fase == Fase::GiriSequenza ? Fase::TpsSequenza : Fase::Nessuna);
+        return 0xFF;
+    case 2:
+        entra(Fase::Ingresso);
+        return NessunaRisposta;
+    case 3:
+        entra(Fase::GiriSingola);
+        return 0xFF;
+    case 4:
+        entra(Fase::TpsSingola);
+        return 0xFF;
+    case 5:
+        entra(Fase::LambdaSingola);
+        return 0xFF;
+    default:
+        return codiceErrato;
+    }
+}
+
+std::optional<std::pair<int, int>> Taratura::prendiPuntiTps()
+{
+    auto punti = m_puntiTps;
+    m_puntiTps.reset();
+    return punti;
+}
+
+void Taratura::passoTps(const CampioneMotore &c)
+{
+    switch (m_passoTps) {
+    case PassoTps::Riposo:
+        // The rest point is the mean of the last second at rest, when the pedal has settled.
+        if (m_tempoPassoMs >= TpsRiposoMs - 1000) {
+            m_sommaRiposo += c.tps;
+            ++m_campioniRiposo;
+        }
+        if (m_tempoPassoMs >= TpsRiposoMs) {
+            m_tpsMinimo = m_campioniRiposo > 0 ? int((m_sommaRiposo + m_campioniRiposo / 2) / m_campioniRiposo)
+                                               : c.tps;
+            m_passoTps = PassoTps::Minimo;
+            m_tempoPassoMs = 0;
+        }
+        break;
+    case PassoTps::Minimo:
+        if (m_tempoPassoMs >= TpsMinimoMs) {
+            m_passoTps = PassoTps::Premi;
+            m_tempoPassoMs = 0;
+        }
+        break;
+    case PassoTps::Premi:
+        if (m_tempoPassoMs >= TpsPremiMs) {
+            m_passoTps = PassoTps::Massimo;
+            m_tempoPassoMs = 0;
+            m_tpsMassimo = c.tps;
+            m_ultimoAumentoMs = 0;
+        }
+        break;
+    case PassoTps::Massimo:
+        // Decided on what came before, so the sample that ends the step is not counted
+        // in a maximum the stream has never shown under 219.
+        if ((m_tempoPassoMs >= TpsMassimoMinMs && m_tempoPassoMs - m_ultimoAumentoMs >= TpsFermoMs)
+            || m_tempoPassoMs >= TpsMassimoMaxMs) {
+            m_passoTps = PassoTps::Appreso;
+            m_tempoPassoMs = 0;
+            m_puntiTps = std::make_pair(m_tpsMinimo, m_tpsMassimo);
+        } else if (c.tps > m_tpsMassimo) {
+            m_tpsMassimo = c.tps;
+            m_ultimoAumentoMs = m_tempoPassoMs;
+        }
+        break;
+    case PassoTps::Appreso:
+        if (m_fase == Fase::TpsSequenza && m_tempoPassoMs >= TpsMemorizzatoMs)
+            entra(Fase::LambdaSequenza);
+        break;
+    }
+}
+
+void Taratura::passo(int dtMs, const CampioneMotore &c)
+{
+    m_tempoMs += dtMs;
+    m_tempoPassoMs += dtMs;
+    switch (m_fase) {
+    case Fase::Nessuna:
+        break;
+    case Fase::Ingresso:
+        if (m_tempoMs >= IngressoMs)
+            entra(Fase::Nessuna);
+        break;
+    case Fase::GiriSequenza:
+    case Fase::GiriSingola:
+        if (m_tempoMs >= MotoreFermoMs && c.giri > 300)
+            m_giriVisti = true;
+        break;
+    case Fase::TpsSequenza:
+    case Fase::TpsSingola:
+        passoTps(c);
+        break;
+    case Fase::LambdaSequenza:
+        if (m_tempoMs >= LambdaSweepMs)
+            entra(Fase::FineSequenza);
+        break;
+    case Fase::LambdaSingola:
+        break;
+    case Fase::FineSequenza:
+        if (m_tempoMs >= FineSequenzaMs)
+            entra(Fase::Nessuna);
+        break;
+    }
+}
+
+quint8 Taratura::stato() const
+{
+    switch (m_fase) {
+    case Fase::Nessuna:
+        return StatoEcu::Normale;
+    case Fase::Ingresso:
+        return StatoEcu::Ingresso;
+    case Fase::GiriSequenza:
+    case Fase::GiriSingola:
+        return m_giriVisti ? StatoEcu::GiriVisto : StatoEcu::GiriAttesa;
+    case Fase::TpsSequenza:
+    case Fase::TpsSingola:
+        switch (m_passoTps) {
+        case PassoTps::Riposo:
+            return m_fase == Fase::TpsSingola && m_tempoPassoMs < 1000 ? StatoEcu::TpsAttesaSingola
+                                                                       : StatoEcu::TpsAttesa;
+        case PassoTps::Minimo:
+            return StatoEcu::TpsMinimo;
+        case PassoTps::Premi:
+            return StatoEcu::TpsPremi;
+        case PassoTps::Massimo:
+            return StatoEcu::TpsMassimo;
+        case PassoTps::Appreso:
+            return m_fase == Fase::TpsSingola ? StatoEcu::TpsFineSingola : StatoEcu::TpsMemorizzato;
+        }
+        break;
+    case Fase::LambdaSequenza:
+        return StatoEcu::LambdaIstruzione;
+    case Fase::LambdaSingola:
+        return m_tempoMs < LambdaSweepMs ? StatoEcu::LambdaIstruzione : StatoEcu::LambdaFineSingola;
+    case Fase::FineSequenza:
+        return StatoEcu::LambdaFine;
+    }
+    return StatoEcu::Normale;
+}
+
+ModoMotore Taratura::modoMotore() const
+{
+    switch (m_fase) {
+    case Fase::Nessuna:
+        return ModoMotore::Ciclo;
+    case Fase::GiriSequenza:
+    case Fase::GiriSingola:
+        return m_tempoMs < MotoreFermoMs ? ModoMotore::Spento : ModoMotore::Minimo;
+    case Fase::TpsSequenza:
+    case Fase::TpsSingola:
+        return m_passoTps == PassoTps::Premi || m_passoTps == PassoTps::Massimo ? ModoMotore::PedalePremuto
+                                                                               : ModoMotore::Minimo;
+    case Fase::LambdaSequenza:
+        return ModoMotore::Sweep;
+    case Fase::LambdaSingola:
+        return m_tempoMs < LambdaSweepMs ? ModoMotore::Sweep : ModoMotore::Minimo;
+    default:
+        return ModoMotore::Minimo;
+    }
+}

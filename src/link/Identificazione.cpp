@@ -1,0 +1,143 @@
+#include "link/Identificazione.h"
+
+#include "link/Frame.h"
+#include "link/Temporizzatore.h"
+#include "shell/StatoProgramma.h"
+#include "variables/Catalogo.h"
+#include "variables/Conversioni.h"
+
+namespace {
+
+struct Lettura
+{
+    int indice;
+    bool daEeprom;
+};
+
+// Order matters: the TPS flag is computed once both calibration points are in.
+constexpr Lettura Letture[] = {
+    {Par::TpsTaratoMassimo, true},
+    {Par::TpsTaratoMinimo, true},
+    {Par::TipoTps, false},
+    {Par::TpsAutoadattante, false},
+};
+
+QString campo(const QByteArray &payload, int da, int larghezza)
+{
+    // One byte, one character, in the ECU's 8-bit set; a short reply gives what it has.
+    return QString::fromLatin1(payload.mid(da - 1, larghezza));
+}
+
+} // namespace
+
+Identificazione::Identificazione(StatoProgramma &stato, Catalogo &catalogo, MotoreDialogo &motore,
+                                 QObject *parent)
+    : QObject(parent)
+    , m_stato(stato)
+    , m_catalogo(catalogo)
+    , m_motore(motore)
+{
+    m_motore.registra(StatoVersione, this);
+}
+
+Identificazione::~Identificazione()
+{
+    m_motore.rimuovi(this);
+}
+
+void Identificazione::avvia()
+{
+    if (m_motore.StatoDialogo != -1)
+        return;
+    m_stato.EcuNormale = -1;
+    emit aggiornaMenu();
+
+    m_motore.svuotaCoda();
+    m_motore.accoda("V");
+    for (const Lettura &l : Letture) {
+        const Parametro &p = m_catalogo.Parametri[static_cast<size_t>(l.indice)];
+        const auto indirizzo = static_cast<quint32>(l.daEeprom ? p.IndirizzoEE : p.IndirizzoRAM);
+        m_motore.accoda('R' + ParolaInByte(indirizzo) + char(p.Dimensione));
+    }
+    if (!m_motore.PortOpen())
+        return;
+    emit frameAbilitato(false);
+    m_motore.avvia(StatoVersione, MotoreDialogo::IntervalloLettura);
+}
+
+void Identificazione::RispostaVita()
+{
+    if (m_stato.EcuNormale != 0)
+        m_stato.EcuNormale = 0;
+}
+
+void Identificazione::risposta(char lettera, int stato, const QByteArray &payload)
+{
+    if (lettera == 'v' && stato == StatoVersione)
+        RispostaVersione(payload);
+    else if (lettera == 'r' && stato == StatoLetture)
+        rispostaLettura(payload);
+    else if (lettera == 'e')
+        fine(false); // refused: the next live frame tries again
+}
+
+void Identificazione::scadenza(int)
+{
+    // The ECU stays unknown, so the next live frame starts all over.
+    emit frameAbilitato(true);
+}
+
+void Identificazione::RispostaVersione(const QByteArray &payload)
+{
+    m_motore.timeOutReq().setEnabled(false);
+    m_stato.InfVeicolo = campo(payload, 2, 10);
+    m_stato.InfData = campo(payload, 12, 10);
+    m_stato.InfCodice = campo(payload, 22, 14);
+    m_stato.InfDatoA = campo(payload, 36, 10);
+    m_stato.InfDatoB = campo(payload, 46, 4);
+
+    m_motore.StatoDialogo = StatoLetture;
+    if (!m_motore.inviaProssimo())
+        fine(true);
+}
+
+void Identificazione::rispostaLettura(const QByteArray &payload)
+{
+    m_motore.timeOutReq().setEnabled(false);
+    const int passo = m_motore.PassoDialogo;
+    if (passo >= 0 && passo < static_cast<int>(std::size(Letture))) {
+        const int indice = Letture[passo].indice;
+        Parametro &p = m_catalogo.Parametri[static_cast<size_t>(indice)];
+        const double grezzo = NumeroBE(payload.mid(1, p.Dimensione));
+        switch (indice) {
+        case Par::TpsTaratoMassimo:
+            p.Max = m_catalogo.daGrezzo(indice, grezzo);
+            break;
+        case Par::TpsTaratoMinimo:
+            p.Min = m_catalogo.daGrezzo(indice, grezzo);
+            m_stato.TpsPresente = TpsPresenteDa(
+                m_catalogo.Parametri[Par::TpsTaratoMassimo].Max, p.Min) ? -1 : 0;
+            break;
+        case Par::TipoTps:
+            m_stato.TipoTpsPresente = grezzo != 0 ? 1 : 0;
+            break;
+        case Par::TpsAutoadattante:
+            m_stato.TpsAutoPresente = grezzo != 0 ? 1 : 0;
+            break;
+        }
+    }
+    if (!m_motore.continua()) {
+        m_motore.PassoDialogo = -1;
+        fine(true);
+    }
+}
+
+void Identificazione::fine(bool completata)
+{
+    m_motore.termina();
+    emit frameAbilitato(true);
+    if (completata) {
+        m_stato.EcuDaIdentificare = 0;
+        emit identificata();
+    }
+}

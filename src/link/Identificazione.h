@@ -1,0 +1,45 @@
+#pragma once
+
+#include "link/MotoreDialogo.h"
+
+#include <QObject>
+
+class Catalogo;
+struct StatoProgramma;
+
+// The program never asks whether an ECU is there: the first live frame starts this, which
+// asks for the version and reads the four cells that decide what the menus offer.
+class Identificazione : public QObject, public GestoreStati
+{
+    Q_OBJECT
+public:
+    static constexpr int StatoVersione = 111;
+    static constexpr int StatoLetture = 112;
+
+    Identificazione(StatoProgramma &stato, Catalogo &catalogo, MotoreDialogo &motore,
+                    QObject *parent = nullptr);
+    ~Identificazione() override;
+
+    // On a live frame while the ECU is still unknown.
+    void avvia();
+    // 'g': an ECU without application.
+    void RispostaVita();
+
+    void risposta(char lettera, int stato, const QByteArray &payload) override;
+    void scadenza(int stato) override;
+
+signals:
+    void aggiornaMenu();
+    // The main frame is disabled while identification holds the link.
+    void frameAbilitato(bool abilitato);
+    void identificata();
+
+private:
+    void RispostaVersione(const QByteArray &payload);
+    void rispostaLettura(const QByteArray &payload);
+    void fine(bool completata);
+
+    StatoProgramma &m_stato;
+    Catalogo &m_catalogo;
+    MotoreDialogo &m_motore;
+};

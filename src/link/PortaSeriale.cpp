@@ -1,0 +1,83 @@
+#include "link/PortaSeriale.h"
+
+PortaSeriale::PortaSeriale(QObject *parent)
+    : Porta(parent)
+{
+    connect(&m_porta, &QSerialPort::readyRead, this, &PortaSeriale::leggi);
+    connect(&m_porta, &QSerialPort::errorOccurred, this, &PortaSeriale::errore);
+}
+
+PortaSeriale::~PortaSeriale()
+{
+    m_porta.disconnect(this);
+}
+
+bool PortaSeriale::apri(const ImpostazioniPorta &impostazioni)
+{
+    chiudi();
+    m_errore.clear();
+    m_porta.setPortName(impostazioni.dispositivo);
+    if (impostazioni.dispositivo.isEmpty()) {
+        m_errore = QStringLiteral("no such serial port");
+        return false;
+    }
+    if (!m_porta.open(QIODevice::ReadWrite)) {
+        m_errore = m_porta.errorString();
+        return false;
+    }
+    const bool ok = m_porta.setBaudRate(impostazioni.velocita)
+        && m_porta.setDataBits(QSerialPort::Data8)
+        && m_porta.setParity(QSerialPort::NoParity)
+        && m_porta.setStopBits(QSerialPort::OneStop)
+        && m_porta.setFlowControl(QSerialPort::NoFlowControl);
+    if (!ok) {
+        m_errore = m_porta.errorString();
+        m_porta.close();
+        return false;
+    }
+    m_porta.clear();
+    return true;
+}
+
+void PortaSeriale::chiudi()
+{
+    if (m_porta.isOpen())
+        m_porta.close();
+}
+
+bool PortaSeriale::PortOpen() const
+{
+    return m_porta.isOpen();
+}
+
+bool PortaSeriale::scrivi(const QByteArray &bytes)
+{
+    if (!m_porta.isOpen())
+        return false;
+    return m_porta.write(bytes) == bytes.size();
+}
+
+QString PortaSeriale::descrizioneErrore() const
+{
+    return m_errore;
+}
+
+void PortaSeriale::leggi()
+{
+    const QByteArray bytes = m_porta.readAll();
+    if (!bytes.isEmpty())
+        emit arrivati(bytes);
+}
+
+void PortaSeriale::errore(QSerialPort::SerialPortError e)
+{
+    // Only a lost device ends the link; a single failed read or write is left to the
+    // time-outs of the dialogue, as on any noisy line.
+    if (e != QSerialPort::ResourceError && e != QSerialPort::PermissionError)
+        return;
+    if (!m_porta.isOpen())
+        return;
+    m_errore = m_porta.errorString();
+    m_porta.close();
+    emit persa(m_errore);
+}

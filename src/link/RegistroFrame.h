@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+class QByteArray;
+
+// The frame log MESSAGGI.TXT: one line of upper-case hex per frame, sent or received,
+// CR LF, no time stamp. Opened, appended and closed for each line so that nothing is
+// lost if the program dies.
+class RegistroFrame
+{
+public:
+    explicit RegistroFrame(QString percorsoFile = {});
+
+    void LogFrame(const QByteArray &bytes) const;
+    const QString &percorso() const { return m_percorso; }
+
+private:
+    QString m_percorso;
+};

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <QString>
+#include <QtGlobal>
+
+#include <array>
+
+class Lingua;
+
+// One live quantity of the 'd' stream and how charts scale it.
+struct Canale
+{
+    static constexpr int LunghezzaNome = 20;
+
+    QString Nome;          // always LunghezzaNome characters, blank padded
+    qint16 InGrafico = 0;  // -1 while drawn in a chart slot
+    QString UM;
+    qint32 MinTabella = 0;
+    qint32 MaxTabella = 0;
+    qint32 MinAsse = 0;
+    qint32 MaxAsse = 0;
+    qint32 MinDisegnato = 0;
+    qint32 MaxDisegnato = 0;
+    double MinMisurato = 0;
+    double MaxMisurato = 0;
+    qint16 DivMaggiori = 0;
+    qint16 DivMinori = 0;
+    qint16 Margine = 0;
+    QString Formato;
+    quint8 Ampiezza = 0;
+};
+
+inline constexpr int NumeroCanali = 16;
+
+// One sample of every channel; Progressivo -1 marks an empty record.
+struct RecordDati
+{
+    std::array<double, NumeroCanali> Valore{};
+    qint32 Progressivo = -1;
+};
+
+// Element 0: newest decoded sample; element 1: the one last shown.
+using DatiAttuali = std::array<RecordDati, 2>;
+
+// A row of the chart window's data panel. Canale -1 ends the list.
+struct RigaDati
+{
+    qint16 Canale = -1;
+    qint16 Visibile = 0;
+    qint16 Selezionabile = 0;
+};
+
+using RigheDati = std::array<RigaDati, NumeroCanali>;
+
+// The rows the chart window starts with.
+RigheDati RigheDatiIniziali();
+
+// The sample counter, the status byte and the two state values are never drawn.
+bool puoAndareInGrafico(int canale);
+
+// Key of a channel in section "PAR_CANALI"; empty outside 0..15.
+QString ChiaveCanale(int indice);
+
+// The description of the 16 channels: names and units from the language file, scales fixed.
+class TabellaCanali
+{
+public:
+    void InizializzaCanali(const Lingua &lingua);
+
+    // Trimmed name, then " [unit]" when the unit is not blank. Empty outside 0..15.
+    QString TitoloCanale(int indice);
+
+    // Working and drawn scales back to the nominal one, nothing in a chart.
+    void AzzeraScale();
+
+    std::array<Canale, NumeroCanali> Canali;
+};

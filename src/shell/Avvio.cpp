@@ -1,0 +1,52 @@
+#include "shell/Avvio.h"
+
+#include "shell/FileSystem.h"
+#include "shell/IstanzaUnica.h"
+#include "shell/Programma.h"
+
+#include <QDir>
+#include <QFile>
+#include <QLocale>
+
+namespace Avvio {
+
+Esito preparaCartella(const QString &percorsoApp, IstanzaUnica &istanza)
+{
+    switch (istanza.acquisisci()) {
+    case IstanzaUnica::Esito::Acquisita:
+        break;
+    case IstanzaUnica::Esito::AltraIstanza:
+        return Esito::AltraIstanza;
+    case IstanzaUnica::Esito::Errore:
+        return Esito::CartellaInutilizzabile;
+    }
+    QDir::setCurrent(percorsoApp);
+    return Esito::Prosegui;
+}
+
+void esegui(Programma &p)
+{
+    StatoProgramma &s = p.stato;
+    const QString decimale = QLocale().decimalPoint();
+    s.SepDecimale = decimale.isEmpty() ? '.' : decimale.at(0).toLatin1();
+
+    // A folder that cannot be made is not reported here: the archive that needs it will say so.
+    for (const char *cartella : {"/MAPPATURE/LPG/", "/MAPPATURE/CNG/", "/SOFTWARE/", "/DATI/"})
+        CreaCartella(s.PercorsoApp + QLatin1String(cartella));
+    for (const char *file : {"/MESSAGGI.TXT", "/MAPPA.TMP"}) {
+        const QString percorso = s.PercorsoApp + QLatin1String(file);
+        if (QFile::exists(percorso))
+            QFile::remove(percorso);
+    }
+
+    p.IniDialogo();
+    p.IniCollegamento();
+    p.catalogo.InizializzaParametri();
+    p.lingua.LeggiImpLingua();
+    p.LeggiImpSeriale();
+    p.ApriPorta();
+    p.canali.InizializzaCanali(p.lingua);
+    p.anello.azzera();
+}
+
+} // namespace Avvio
