@@ -155,9 +155,10 @@ FileIni FileIni::analizza(const QByteArray &byte, const Codifica *forzata)
                     while (v < fineContenuto && vuoto(d[v]))
                         ++v;
                     riga.valore = v;
-                    if (corrente >= 0) {
+                    // Trimmed again as text: a no-break space is a blank to the look-up too.
+                    const QString chiave = ini.testo(p, fineChiave).trimmed();
+                    if (corrente >= 0 && !chiave.isEmpty()) {
                         Sezione &s = ini.m_sezioni[corrente];
-                        const QString chiave = ini.testo(p, fineChiave);
                         const QString piegata = chiave.toCaseFolded();
                         if (!s.chiavi.contains(piegata)) {
                             s.chiavi.insert(piegata, indiceRiga);

@@ -1,0 +1,229 @@
+#include "shell/Programma.h"
+#include "../support/PortaFinta.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+QByteArray daEcu(const QByteArray &dati) { return CreaFrame(dati, 0); }
+
+QByteArray datiLive(quint8 stato, quint16 giri, quint16 tps, quint16 lambda, quint8 zona,
+                    quint8 tipoLambda)
+{
+    QByteArray p("d");
+    p += char(stato);
+    p += char(giri >> 8);
+    p += char(giri & 0xFF);
+    p += char(tps >> 8);
+    p += char(tps & 0xFF);
+    p += char(lambda >> 8);
+    p += char(lambda & 0xFF);
+    p += char(90);   // stepper
+    p += char(1);    // rich/lean
+    p += char(zona);
+    p += char(0);    // pump
+    p += char(1);    // TPS type
+    p += char(2);    // supply
+    p += char(tipoLambda);
+    return p;
+}
+
+QByteArray versione()
+{
+    return "v" + QByteArray("VEICOLO-01") + QByteArray("2026-11-01") + QByteArray("KV-CODE-000042")
+        + QByteArray("DATO-A-123") + QByteArray("B-77");
+}
+
+QByteArray parola(quint16 v) { return QByteArray(1, char(v >> 8)) + char(v & 0xFF); }
+
+} // namespace
+
+class TstIdentificazione : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir cartella;
+    std::unique_ptr<Programma> p;
+    PortaFinta *porta = nullptr;
+    TemporizzatoreManuale *req = nullptr;
+    TemporizzatoreManuale *dati = nullptr;
+
+    void arriva(const QByteArray &payload) { porta->arriva(daEcu(payload)); }
+
+    void identifica(quint16 tpsMax = 900, quint16 tpsMin = 60, quint8 tipoTps = 7, quint8 auto_ = 0)
+    {
+        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        arriva(versione());
+        arriva("r" + parola(tpsMax));
+        arriva("r" + parola(tpsMin));
+        arriva(QByteArray("r") + char(tipoTps));
+        arriva(QByteArray("r") + char(auto_));
+    }
+
+private slots:
+    void init()
+    {
+        auto pf = std::make_unique<PortaFinta>();
+        auto r = std::make_unique<TemporizzatoreManuale>();
+        auto d = std::make_unique<TemporizzatoreManuale>();
+        porta = pf.get();
+        req = r.get();
+        dati = d.get();
+        p = std::make_unique<Programma>(cartella.path(), std::move(pf), std::move(r), std::move(d));
+        p->catalogo.InizializzaParametri();
+        p->IniDialogo();
+        p->IniCollegamento();
+    }
+
+    void firstLiveFrameAsksForVersionAndTheFourCells()
+    {
+        QSignalSpy frame(&p->identificazione, &Identificazione::frameAbilitato);
+        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        QCOMPARE(p->motore.StatoDialogo, qint16(111));
+        QCOMPARE(porta->scritti, QByteArrayList{CreaFrame("V")});
+        QCOMPARE(req->interval(), 5000);
+        QVERIFY(!dati->isEnabled()); // no watchdog during identification
+        QCOMPARE(frame.size(), 1);
+        QCOMPARE(frame.at(0).at(0).toBool(), false);
+
+        arriva(versione());
+        QCOMPARE(p->motore.StatoDialogo, qint16(112));
+        QCOMPARE(porta->scritti.last(), CreaFrame(QByteArray("R\xC1\x12\x02", 4)));
+        QCOMPARE(p->stato.InfVeicolo, QString("VEICOLO-01"));
+        QCOMPARE(p->stato.InfData, QString("2026-11-01"));
+        QCOMPARE(p->stato.InfCodice, QString("KV-CODE-000042"));
+        QCOMPARE(p->stato.InfDatoA, QString("DATO-A-123"));
+        QCOMPARE(p->stato.InfDatoB, QString("B-77"));
+
+        arriva("r" + parola(900));
+        QCOMPARE(porta->scritti.last(), CreaFrame(QByteArray("R\xC1\x10\x02", 4)));
+        arriva("r" + parola(60));
+        QCOMPARE(porta->scritti.last(), CreaFrame(QByteArray("R\x01\x08\x01", 4)));
+        arriva(QByteArray("r\x07"));
+        QCOMPARE(porta->scritti.last(), CreaFrame(QByteArray("R\x01\x09\x01", 4)));
+        arriva(QByteArray("r\x00", 2));
+        QCOMPARE(porta->scritti.size(), 5);
+        QCOMPARE(p->motore.StatoDialogo, qint16(-1));
+        QCOMPARE(p->stato.EcuDaIdentificare, qint16(0));
+        QCOMPARE(p->stato.TpsPresente, qint16(-1));
+        QCOMPARE(p->stato.TipoTpsPresente, qint16(1));
+        QCOMPARE(p->stato.TpsAutoPresente, qint16(0));
+        QCOMPARE(frame.last().at(0).toBool(), true);
+        // The calibration points went through the scale and the mask into the limits.
+        QCOMPARE(p->catalogo.Parametri[Par::TpsTaratoMassimo].Max, 224.0);
+        QCOMPARE(p->catalogo.Parametri[Par::TpsTaratoMinimo].Min, 15.0);
+    }
+
+    void tpsPresenceNeedsBothCellsErased()
+    {
+        identifica(1023, 1023);
+        QCOMPARE(p->stato.TpsPresente, qint16(0));
+        init();
+        identifica(1023, 60);
+        QCOMPARE(p->stato.TpsPresente, qint16(-1));
+    }
+
+    void liveFramesAreDecodedOnceTheEcuIsKnown()
+    {
+        identifica();
+        arriva(datiLive(0, 2500, 1023, 1023, 3, 0));
+        const RecordDati &r = p->stato.DatiAttuali[0];
+        QCOMPARE(r.Valore[2], 2500.0);
+        QCOMPARE(r.Valore[3], 255.0);
+        QCOMPARE(r.Valore[4], 255.0); // scaled when the probe type is 0
+        QCOMPARE(r.Valore[7], 3.0);
+        QCOMPARE(r.Valore[10], 2.0);
+        QCOMPARE(r.Valore[11], 0.0);
+        QCOMPARE(p->stato.DatoNuovo, qint16(-1));
+        QVERIFY(dati->isEnabled());
+
+        arriva(datiLive(0, 2500, 512, 700, 3, 5));
+        QCOMPARE(r.Valore[11], 1.0);
+        QCOMPARE(r.Valore[4], 700.0); // raw for a probe of type 1
+        QCOMPARE(r.Valore[3], 512.0 * 255.0 / 1023.0);
+    }
+
+    void liveFrameDuringAnotherDialogueDoesNotStartIdentification()
+    {
+        p->motore.accoda("V");
+        QVERIFY(p->motore.avvia(1, 5000));
+        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        QCOMPARE(p->motore.StatoDialogo, qint16(1));
+        QCOMPARE(porta->scritti.size(), 1);
+        QCOMPARE(p->stato.EcuDaIdentificare, qint16(-1));
+    }
+
+    void timeOutDuringIdentificationRetriesOnTheNextLiveFrame()
+    {
+        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        QSignalSpy frame(&p->identificazione, &Identificazione::frameAbilitato);
+        QVERIFY(req->scatta());
+        QCOMPARE(frame.size(), 1);
+        QCOMPARE(frame.at(0).at(0).toBool(), true);
+        QCOMPARE(p->motore.StatoDialogo, qint16(-1));
+        QCOMPARE(p->stato.EcuDaIdentificare, qint16(-1));
+        arriva(versione()); // too late: dropped
+        QCOMPARE(porta->scritti.size(), 1);
+        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        QCOMPARE(porta->scritti.size(), 2);
+        QCOMPARE(porta->scritti.last(), CreaFrame("V"));
+    }
+
+    void watchdogMakesTheEcuUnknownAgain()
+    {
+        identifica();
+        QSignalSpy persa(&p->datiLive, &DatiLive::ecuPersa);
+        arriva(datiLive(5, 0, 0, 0, 1, 0));
+        QCOMPARE(p->stato.EcuInMarcia, qint16(0));
+        QVERIFY(dati->scatta());
+        QCOMPARE(persa.size(), 1);
+        QCOMPARE(p->stato.EcuDaIdentificare, qint16(-1));
+        QCOMPARE(p->stato.EcuNormale, qint16(-1));
+        QCOMPARE(p->stato.EcuInMarcia, qint16(1));
+        QVERIFY(!dati->isEnabled());
+        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        QCOMPARE(p->motore.StatoDialogo, qint16(111));
+    }
+
+    void statusOtherThanZeroLeavesRunningAndDropsTheRunningFunction()
+    {
+        identifica();
+        QSignalSpy marcia(&p->datiLive, &DatiLive::inMarciaCambiata);
+        p->stato.FunzioneScelta = 2;
+        arriva(datiLive(1, 800, 100, 500, 1, 0));
+        QCOMPARE(marcia.size(), 1);
+        QCOMPARE(p->stato.FunzioneScelta, qint16(-1));
+        arriva(datiLive(1, 800, 100, 500, 1, 0));
+        QCOMPARE(marcia.size(), 1); // only on a change
+        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        QCOMPARE(marcia.size(), 2);
+        QCOMPARE(p->stato.EcuInMarcia, qint16(1));
+    }
+
+    void signOfLifeWithoutApplication()
+    {
+        identifica();
+        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        QVERIFY(dati->isEnabled());
+        arriva("g");
+        QCOMPARE(p->stato.EcuNormale, qint16(0));
+        QVERIFY(!dati->isEnabled()); // a stream of 'g' never ends in a time-out
+        QCOMPARE(p->stato.EcuDaIdentificare, qint16(0));
+    }
+
+    void recordingRingTakesEachFrameWhileActive()
+    {
+        identifica();
+        p->anello.azzera();
+        p->stato.RegistrazioneAttiva = -1;
+        for (int i = 0; i < 3; ++i)
+            arriva(datiLive(0, quint16(1000 + i), 100, 500, 1, 0));
+        QCOMPARE(p->anello.IndiceRegistrazione, qint16(2));
+        QCOMPARE(p->anello.BufferRegistrazione[2].Valore[2], 1002.0);
+    }
+};
+
+QTEST_GUILESS_MAIN(TstIdentificazione)
+#include "tst_identificazione.moc"
