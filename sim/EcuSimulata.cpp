@@ -52,6 +52,7 @@ EcuSimulata::EcuSimulata(const OpzioniEcu &opzioni, QObject *parent)
     , m_iniettore(opzioni.seme ^ 0x5A5A5A5Au)
     , m_timerFlusso(new QTimer(this))
     , m_timerCadenza(new QTimer(this))
+    , m_timerRicezione(new QTimer(this))
 {
     m_iniettore.guasti() = opzioni.guasti;
     if (!m_file.carica(m_memoria)) {
@@ -64,8 +65,11 @@ EcuSimulata::EcuSimulata(const OpzioniEcu &opzioni, QObject *parent)
     m_timerFlusso->setTimerType(Qt::PreciseTimer);
     connect(m_timerFlusso, &QTimer::timeout, this, &EcuSimulata::tick);
     m_timerCadenza->setTimerType(Qt::PreciseTimer);
-    m_timerCadenza->setInterval(2);
+    m_timerCadenza->setInterval(1);
     connect(m_timerCadenza, &QTimer::timeout, this, &EcuSimulata::cadenza);
+    m_timerRicezione->setTimerType(Qt::PreciseTimer);
+    m_timerRicezione->setSingleShot(true);
+    connect(m_timerRicezione, &QTimer::timeout, this, &EcuSimulata::ricezioneCadenzata);
     m_orologio.start();
 }
 
@@ -314,6 +318,34 @@ void EcuSimulata::riceviDati(const QByteArray &bytes)
 {
     if (m_iniettore.guasti().stallo)
         return; // a stalled ECU hears nothing
+    if (!m_opzioni.cadenzaReale || m_opzioni.baud <= 0) {
+        elaboraRicevuti(bytes);
+        return;
+    }
+    // The pty hands over a whole request at once; a real line takes ten bits a byte, so a
+    // request is heard only when its last byte would have arrived.
+    const qint64 adessoUs = m_orologio.nsecsElapsed() / 1000;
+    const qint64 inizioUs = std::max(adessoUs, m_fineRxUs);
+    m_fineRxUs = inizioUs + bytes.size() * 10'000'000LL / m_opzioni.baud;
+    m_codaRx.push_back({m_fineRxUs, bytes});
+    if (!m_timerRicezione->isActive())
+        m_timerRicezione->start(int((m_codaRx.front().fineUs - adessoUs + 999) / 1000));
+}
+
+void EcuSimulata::ricezioneCadenzata()
+{
+    const qint64 adessoUs = m_orologio.nsecsElapsed() / 1000;
+    while (!m_codaRx.empty() && m_codaRx.front().fineUs <= adessoUs) {
+        const QByteArray bytes = m_codaRx.front().byte;
+        m_codaRx.pop_front();
+        elaboraRicevuti(bytes);
+    }
+    if (!m_codaRx.empty())
+        m_timerRicezione->start(int((m_codaRx.front().fineUs - adessoUs + 999) / 1000));
+}
+
+void EcuSimulata::elaboraRicevuti(const QByteArray &bytes)
+{
     const RicevitoreComandi::Esito esito = m_ricevitore.aggiungi(bytes);
     if (!esito.scartati.isEmpty())
         emit byteScartati(esito.scartati);
@@ -531,6 +563,14 @@ void EcuSimulata::impostaCadenzaReale(bool attiva)
         m_codaTx.clear();
         m_timerCadenza->stop();
         scriviLinea(resto);
+    }
+    if (!attiva) {
+        m_timerRicezione->stop();
+        while (!m_codaRx.empty()) {
+            const QByteArray bytes = m_codaRx.front().byte;
+            m_codaRx.pop_front();
+            elaboraRicevuti(bytes);
+        }
     }
 }
 

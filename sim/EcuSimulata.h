@@ -13,6 +13,7 @@
 #include <QMutex>
 #include <QObject>
 
+#include <deque>
 #include <functional>
 
 class Linea;
@@ -48,9 +49,10 @@ struct OpzioniEcu
 // The ECU at the far end of the line: memory, firmware commands, calibration programs, an
 // engine feeding the live stream, and faults on demand. All state is in the object. It
 // runs in the thread it lives in: open the line there, then moveToThread() if wanted, and
-// call avvia() (e.g. by QMetaObject::invokeMethod) in that thread. From other threads use
-// queued calls for the slots; percorsoDispositivo() and the memory accessors are safe to
-// call from anywhere.
+// call avvia() (e.g. by QMetaObject::invokeMethod) in that thread; let the thread's
+// finished() deleteLater() it. From other threads use queued calls for the slots;
+// percorsoDispositivo(), erroreMemoria() and the memory accessors are safe from anywhere,
+// the other getters only from the object's thread.
 class EcuSimulata : public QObject
 {
     Q_OBJECT
@@ -139,6 +141,8 @@ private:
     void accoda(const QByteArray &bytes);
     void cadenza();
     void scriviLinea(const QByteArray &bytes);
+    void elaboraRicevuti(const QByteArray &bytes);
+    void ricezioneCadenzata();
 
     OpzioniEcu m_opzioni;
     Catalogo m_catalogo;
@@ -160,6 +164,11 @@ private:
 
     QTimer *m_timerFlusso;
     QTimer *m_timerCadenza;
+    QTimer *m_timerRicezione;
+    // Bytes from the tester and the time (us) their last bit has crossed the line.
+    struct InArrivo { qint64 fineUs; QByteArray byte; };
+    std::deque<InArrivo> m_codaRx;
+    qint64 m_fineRxUs = 0;
     QElapsedTimer m_orologio;
     qint64 m_ultimoTickMs = 0;
     QByteArray m_codaTx;

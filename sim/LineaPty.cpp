@@ -9,10 +9,15 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/ioctl.h>
 #include <termios.h>
 #include <unistd.h>
 
 namespace {
+// Bytes left unread at the far end beyond this mean nobody is listening: a tester reads
+// within milliseconds. A real line keeps nothing for a listener that is not there.
+constexpr int ArretratiMassimi = 1024;
+
 QString testoErrno(const char *cosa)
 {
     return QStringLiteral("%1: %2").arg(QLatin1String(cosa), QString::fromLocal8Bit(std::strerror(errno)));
@@ -144,6 +149,9 @@ void LineaPty::scrivi(const QByteArray &dati)
 {
     if (m_master < 0)
         return;
+    int arretrati = 0;
+    if (m_slave >= 0 && ::ioctl(m_slave, TIOCINQ, &arretrati) == 0 && arretrati > ArretratiMassimi)
+        ::tcflush(m_slave, TCIFLUSH);
     const char *p = dati.constData();
     qsizetype resto = dati.size();
     bool svuotato = false;

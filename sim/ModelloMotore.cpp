@@ -156,6 +156,8 @@ CampioneMotore ModelloMotore::passo(int dtMs, const SoglieMotore &s, ModoMotore 
     const Obiettivo o = obiettivo(modo);
     const double dt = dtMs / 1000.0;
     m_giriVeri += (o.giri - m_giriVeri) * (1 - std::exp(-dt / o.tauGiriS));
+    if (o.giri == 0 && m_giriVeri < 2 * GiriMotoreAvviato / 3)
+        m_giriVeri = 0; // too slow to fire: it stops
     const double corsa = VelocitaPedale * dt;
     m_tps += std::clamp(o.tps - m_tps, -corsa, corsa);
 

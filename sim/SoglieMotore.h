@@ -34,8 +34,8 @@ struct SoglieMotore
     int tipoNor = 1; // 0: the normal zone runs on its two thresholds, otherwise on the map
     std::array<int, 4> asseTps{120, 300, 520, 760};
     std::array<int, 7> asseGiri{1000, 1500, 2000, 2500, 3000, 3500, 4000};
-    std::array<int, 40> magroMappa{};
-    std::array<int, 40> riccoMappa{};
+    std::array<int, 40> magroMappa = uniforme(370);
+    std::array<int, 40> riccoMappa = uniforme(590);
 
     int passiMinimo = 3;
     int passiNormale = 4;
@@ -47,4 +47,12 @@ struct SoglieMotore
 
     int incrementoTps = 40;
     int tempoIncrementoTps = 300;
+
+private:
+    static constexpr std::array<int, 40> uniforme(int valore)
+    {
+        std::array<int, 40> a{};
+        a.fill(valore);
+        return a;
+    }
 };

@@ -356,6 +356,7 @@ void TestFileIni::byteQualsiasi()
         QByteArray("\xEF\xBB\xBF"),
         QByteArray("[A]\nk=\xC3"),
         QByteArray("[A]\nk=\xF4\x90\x80\x80\n"),
+        QByteArray("[\xA0S\xA0]\n\xA0k\xA0=v\n\xA0=w\n"),  // no-break spaces round names
         QByteArray(100000, '['),
         QByteArray(100000, '='),
         QByteArray(100000, '\n'),
@@ -363,8 +364,11 @@ void TestFileIni::byteQualsiasi()
     for (const QByteArray &byte : campioni) {
         FileIni ini = FileIni::daByte(byte);
         for (const QString &s : ini.sezioni()) {
-            for (const QString &k : ini.chiavi(s))
+            for (const QString &k : ini.chiavi(s)) {
+                // Every name the file lists can be looked up again.
+                QVERIFY(ini.contiene(s, k));
                 ini.valore(s, k);
+            }
         }
         if (ini.imposta("S", "k", "v"))
             QCOMPARE(FileIni::daByte(ini.byte()).valore("S", "k"), QString("v"));

@@ -1,10 +1,12 @@
 // The simulated ECU driven directly: bytes in, frames out, time moved by hand.
 
 #include "AiutoSim.h"
+#include "RigaComando.h"
 
 #include "variables/Catalogo.h"
 #include "variables/Conversioni.h"
 
+#include <QCommandLineParser>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QSignalSpy>
@@ -281,7 +283,10 @@ private slots:
     {
         EcuSimulata ecu(manuale());
         Raccolta r(ecu);
+        // A zone once entered holds until its exit threshold is crossed, so a change shows
+        // fully from the cycle after the one it was made in.
         const auto zoneDiUnCiclo = [&] {
+            scorri(ecu, 36000);
             r.svuota();
             scorri(ecu, 36000);
             std::set<int> zone;
@@ -621,6 +626,57 @@ private slots:
         QFile f(estraneo);
         QVERIFY(f.open(QIODevice::ReadOnly));
         QCOMPARE(f.readAll(), QByteArray("not an ECU"));
+    }
+
+
+    void opzioniDaRigaDiComando()
+    {
+        const auto interpreta = [](const QStringList &argomenti, ImpostazioniProgramma &imp, QString &errore) {
+            QCommandLineParser parser;
+            PreparaRigaComando(parser);
+            if (!parser.parse(QStringList{QStringLiteral("korvantine-ecu")} + argomenti)) {
+                errore = parser.errorText();
+                return false;
+            }
+            return InterpretaRigaComando(parser, imp, errore);
+        };
+        ImpostazioniProgramma imp;
+        QString errore;
+        QVERIFY2(interpreta({"--baud", "19200", "--rate", "10", "--pace", "--no-application",
+                             "--write-error", "0xC110:7", "--write-error", "160", "--noise", "4:12",
+                             "--stall", "2.5:1", "--hang-up", "30", "--code", "ABC", "--drop-reply", "3"},
+                            imp, errore),
+                 qPrintable(errore));
+        QCOMPARE(imp.ecu.baud, 19200);
+        QCOMPARE(imp.ecu.frameAlSecondo, 10);
+        QVERIFY(imp.ecu.cadenzaReale);
+        QVERIFY(!imp.ecu.applicazionePresente);
+        QCOMPARE(imp.ecu.guasti.erroriScrittura.value(0xC110), quint8(7));
+        QCOMPARE(imp.ecu.guasti.erroriScrittura.value(160), quint8(ErroreEcu::ScritturaFallita));
+        QCOMPARE(imp.ecu.guasti.rumoreOgniNFrame, 4);
+        QCOMPARE(imp.ecu.guasti.lunghezzaRumore, 12);
+        QCOMPARE(imp.ecu.guasti.scartaOgniNRisposte, 3);
+        QCOMPARE(imp.stalloDopoMs, 2500);
+        QCOMPARE(imp.durataStalloMs, 1000);
+        QCOMPARE(imp.riagganciaDopoMs, 30000);
+        QCOMPARE(imp.ecu.versione.codice, QByteArray("ABC"));
+        QVERIFY(imp.versioneData);
+
+        const QList<QStringList> sbagliate = {
+            {"--baud", "1200"},
+            {"--rate", "0"},
+            {"--write-error", "C110"},  // hexadecimal wants its 0x
+            {"--write-error", "0xC110:255"},
+            {"--noise", "3:0"},
+            {"--stall", "soon"},
+            {"--device", "/dev/ttyS0", "--link", "/tmp/ecu"},
+        };
+        for (const QStringList &a : sbagliate) {
+            ImpostazioniProgramma altra;
+            errore.clear();
+            QVERIFY2(!interpreta(a, altra, errore), qPrintable(a.join(' ')));
+            QVERIFY(errore.contains(a.first()));
+        }
     }
 };
 

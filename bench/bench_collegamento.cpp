@@ -1,0 +1,174 @@
+// The link's real port code against the simulated ECU at 38400 baud with every byte paced
+// as on a real line. Prints the line turnaround (from the last byte of a reply leaving the
+// ECU to the first byte of the next request reaching it) and how close 500 single-value
+// reads come to the time their bytes need on the wire.
+#include "EcuSimulata.h"
+#include "link/PortaSeriale.h"
+#include "shell/Programma.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QTemporaryDir>
+#include <QEventLoop>
+#include <QThread>
+#include <QTimer>
+
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+constexpr int Baud = 38400;
+constexpr int Letture = 500;
+constexpr quint32 Indirizzo = 0x00A0; // a two-byte threshold in RAM
+
+// Reads everything queued, then ends the loop.
+class Lettore : public GestoreStati
+{
+public:
+    Lettore(MotoreDialogo &m, QEventLoop &fine) : motore(m), ciclo(fine) {}
+    void risposta(char, int, const QByteArray &) override
+    {
+        motore.timeOutReq().setEnabled(false);
+        ++risposte;
+        if (!motore.continua()) {
+            motore.termina();
+            ciclo.quit();
+        }
+    }
+    void scadenza(int) override
+    {
+        ++scadenze;
+        ciclo.quit();
+    }
+    MotoreDialogo &motore;
+    QEventLoop &ciclo;
+    int risposte = 0;
+    int scadenze = 0;
+};
+
+double percentile(std::vector<double> v, double p)
+{
+    if (v.empty())
+        return 0;
+    std::sort(v.begin(), v.end());
+    const auto i = static_cast<size_t>(p * static_cast<double>(v.size() - 1) + 0.5);
+    return v[std::min(i, v.size() - 1)];
+}
+
+double secondiSulFilo(qint64 byte) { return static_cast<double>(byte) * 10.0 / Baud; }
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication app(argc, argv);
+
+    OpzioniEcu opzioni;
+    opzioni.baud = Baud;
+    opzioni.cadenzaReale = true;
+    auto *ecu = new EcuSimulata(opzioni);
+    if (!ecu->apriPty()) {
+        std::fprintf(stderr, "cannot open a pseudo-terminal: %s\n", qPrintable(ecu->erroreLinea()));
+        return 1;
+    }
+
+    // Times on the ECU's side of the line, taken in the ECU's own thread.
+    QElapsedTimer orologio;
+    orologio.start();
+    std::vector<double> fineRisposta, inizioRichiesta;
+    qint64 byteFlusso = 0;
+    QByteArray uscita;
+    QObject::connect(ecu, &EcuSimulata::datiInviati, ecu, [&](const QByteArray &b) {
+        uscita += b;
+        for (;;) { // frames are whole by the time the paced bytes have all gone
+            const qsizetype stx = uscita.indexOf(char(0x02));
+            if (stx < 0 || uscita.size() < stx + 2) {
+                if (stx < 0)
+                    uscita.clear();
+                return;
+            }
+            const int l = quint8(uscita.at(stx + 1)) & 0x7F;
+            if (uscita.size() < stx + l)
+                return;
+            const char lettera = l > 4 ? uscita.at(stx + 4) : 0;
+            if (lettera == 'r')
+                fineRisposta.push_back(static_cast<double>(orologio.nsecsElapsed()) / 1e6);
+            else if (lettera == 'd')
+                byteFlusso += l;
+            uscita.remove(0, stx + l);
+        }
+    }, Qt::DirectConnection);
+    // The ECU hears a request when its last byte is in; its first byte came that long before.
+    QObject::connect(ecu, &EcuSimulata::frameRicevuto, ecu, [&](const QByteArray &f) {
+        if (f.size() > 4 && f.at(4) == 'R')
+            inizioRichiesta.push_back(static_cast<double>(orologio.nsecsElapsed()) / 1e6
+                                      - secondiSulFilo(f.size()) * 1000.0);
+    }, Qt::DirectConnection);
+
+    QThread filo;
+    ecu->moveToThread(&filo);
+    QObject::connect(&filo, &QThread::finished, ecu, &QObject::deleteLater);
+    filo.start();
+    QMetaObject::invokeMethod(ecu, &EcuSimulata::avvia, Qt::QueuedConnection);
+
+    QTemporaryDir cartella;
+    Programma p(cartella.path(), std::make_unique<PortaSeriale>(), std::make_unique<TemporizzatoreQt>(),
+                std::make_unique<TemporizzatoreQt>());
+    p.catalogo.InizializzaParametri();
+    p.IniDialogo();
+    p.IniCollegamento();
+    p.seriale.VelocitaCom = Baud;
+    p.dispositivoForzato = ecu->percorsoDispositivo();
+    if (!p.ApriPorta()) {
+        std::fprintf(stderr, "cannot open %s: %s\n", qPrintable(p.dispositivoForzato),
+                     qPrintable(p.porta.descrizioneErrore()));
+        return 1;
+    }
+
+    QEventLoop ciclo;
+    QObject::connect(&p.identificazione, &Identificazione::identificata, &ciclo, &QEventLoop::quit);
+    QTimer::singleShot(10000, &ciclo, &QEventLoop::quit);
+    ciclo.exec();
+    if (p.stato.EcuDaIdentificare != 0) {
+        std::fprintf(stderr, "the simulated ECU was not identified\n");
+        return 1;
+    }
+    std::printf("identified %s at %d baud, bytes paced\n", qPrintable(p.stato.InfCodice.trimmed()), Baud);
+
+    Lettore lettore(p.motore, ciclo);
+    p.motore.registra(1, &lettore);
+    p.motore.svuotaCoda();
+    for (int i = 0; i < Letture; ++i)
+        p.motore.accoda('R' + ParolaInByte(Indirizzo) + char(2));
+    const qint64 flussoPrima = byteFlusso;
+    fineRisposta.clear();
+    inizioRichiesta.clear();
+    QElapsedTimer t;
+    t.start();
+    p.motore.avvia(1, MotoreDialogo::IntervalloLettura);
+    ciclo.exec();
+    const double trascorsi = static_cast<double>(t.nsecsElapsed()) / 1e9;
+    p.porta.chiudi();
+    filo.quit();
+    filo.wait();
+
+    // Request: 'R', address, count, in a frame; reply: 'r' and two bytes, in a frame.
+    const qint64 byteDialogo = qint64(Letture) * ((4 + 6) + (3 + 6));
+    const double filoDialogo = secondiSulFilo(byteDialogo);
+    const qint64 flusso = byteFlusso - flussoPrima;
+    std::vector<double> giri;
+    for (size_t k = 1; k < inizioRichiesta.size() && k <= fineRisposta.size(); ++k)
+        giri.push_back(inizioRichiesta[k] - fineRisposta[k - 1]);
+
+    std::printf("reads answered: %d of %d, time-outs: %d\n", lettore.risposte, Letture, lettore.scadenze);
+    std::printf("turnaround, last reply byte to first request byte: median %.2f ms, p99 %.2f ms (%zu samples)\n",
+                percentile(giri, 0.5), percentile(giri, 0.99), giri.size());
+    std::printf("500 reads: %.3f s elapsed; their bytes need %.3f s on the wire: ratio %.2f\n", trascorsi,
+                filoDialogo, trascorsi / filoDialogo);
+    std::printf("live frames shared the ECU's side meanwhile: %lld bytes (%.3f s); ratio with them counted %.2f\n",
+                static_cast<long long>(flusso), secondiSulFilo(flusso),
+                trascorsi / (filoDialogo + secondiSulFilo(flusso)));
+    return 0;
+}

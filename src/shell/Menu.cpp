@@ -1,0 +1,138 @@
+#include "shell/Menu.h"
+
+#include "shell/Lingua.h"
+#include "shell/StatoProgramma.h"
+
+namespace Menu {
+
+namespace {
+
+enum class Condizione {
+    Testo,         // enabled when it has text
+    EcuNormale,    // and the ECU runs its application
+    TpsPresente,   // and the throttle sensor has been calibrated
+    EcuInMarcia    // and the ECU is in normal running
+};
+
+struct Riga
+{
+    IdPagina pagina;
+    Condizione condizione;
+};
+
+using C = Condizione;
+using P = IdPagina;
+
+const std::vector<Riga> Programmazione = {{P::ProgSW, C::Testo}, {P::ProgMappe, C::EcuNormale}};
+const std::vector<Riga> VisualizzaDati = {{P::Strumenti, C::Testo}, {P::Grafici, C::Testo}};
+const std::vector<Riga> MessaPuntoNormale = {{P::MP_Lavoro, C::Testo}, {P::MP_Pompata, C::TpsPresente}};
+const std::vector<Riga> MessaPuntoAssistenza = {
+    {P::MP_Minimo, C::Testo},      {P::MP_Normale, C::Testo},    {P::MP_PienoCarico, C::Testo},
+    {P::MP_CutOff, C::Testo},      {P::MP_Pompata, C::TpsPresente}, {P::MP_Stechio, C::Testo},
+    {P::MP_InibizPC, C::Testo},    {P::MP_RientroCO, C::Testo},  {P::MP_TPS, C::Testo}};
+const std::vector<Riga> Taratura = {
+    {P::T_Giri_Single, C::EcuInMarcia}, {P::T_TPS_Single, C::EcuInMarcia},
+    {P::T_Lambda_Single, C::EcuInMarcia}, {P::T_Parametri, C::EcuInMarcia},
+    {P::SequenzaTaratura, C::Testo}};
+const std::vector<Riga> Utilita = {
+    {P::VisInf, C::EcuNormale},    {P::CreaDiscoSW, C::Testo},    {P::RipriDiscoSW, C::Testo},
+    {P::CancelSW, C::EcuNormale},  {P::CreaDiscoMappe, C::Testo}, {P::RipriMappe, C::Testo},
+    {P::CancelMappe, C::EcuNormale}, {P::ReadMappe, C::EcuNormale}, {P::Comunicazione, C::EcuNormale},
+    {P::SceltaLingua, C::EcuNormale}, {P::Password, C::EcuNormale}};
+
+const std::vector<Riga> *righe(int funzione, int modoAssistenza)
+{
+    switch (funzione) {
+    case 0: return &Programmazione;
+    case 1: return &VisualizzaDati;
+    case 2: return modoAssistenza == 1 ? &MessaPuntoAssistenza : &MessaPuntoNormale;
+    case 3: return &Taratura;
+    case 4: return &Utilita;
+    default: return nullptr;
+    }
+}
+
+bool condizioneVera(Condizione c, const StatoProgramma &s)
+{
+    switch (c) {
+    case Condizione::Testo: return true;
+    case Condizione::EcuNormale: return s.EcuNormale == -1;
+    case Condizione::TpsPresente: return s.TpsPresente != 0;
+    case Condizione::EcuInMarcia: return s.EcuInMarcia == 1;
+    }
+    return false;
+}
+
+} // namespace
+
+Funzioni AggiornaFunzioni(StatoProgramma &stato, const Lingua &lingua)
+{
+    Funzioni f;
+    f.titolo = lingua.LeggiTesto("KORVANTINE", "CAPTION").trimmed();
+    for (int i = 0; i < NumeroFunzioni; ++i)
+        f.caption[static_cast<size_t>(i)] =
+            lingua.LeggiTesto("MainLambda", "FUNZIONE." + QString::number(i)).trimmed();
+    if (stato.EcuNormale != -1)
+        stato.FunzioneScelta = -1;
+    for (int i = 0; i < NumeroFunzioni; ++i)
+        f.abilitata[static_cast<size_t>(i)] = FunzioneAbilitata(i, stato);
+    f.uscita = lingua.LeggiTesto("MainLambda", "USCITA").trimmed();
+    return f;
+}
+
+bool FunzioneAbilitata(int funzione, const StatoProgramma &stato)
+{
+    if (funzione < 0 || funzione >= NumeroFunzioni)
+        return false;
+    if (stato.EcuNormale != -1)
+        return funzione == 0 || funzione == 4;
+    return funzione != 2 || stato.EcuInMarcia == 1;
+}
+
+QString PrefissoOpzioni(int funzione, int modoAssistenza)
+{
+    switch (funzione) {
+    case 0: return QStringLiteral("PROGRAMMAZIONE.");
+    case 1: return QStringLiteral("VISDATI.");
+    case 2: return QStringLiteral("MESSAPUNTO%1.").arg(modoAssistenza == 1 ? 1 : 0);
+    case 3: return QStringLiteral("TARATURA.");
+    case 4: return QStringLiteral("UTILITA.");
+    default: return {};
+    }
+}
+
+std::vector<Voce> Opzioni(int funzione, const StatoProgramma &stato, const Lingua &lingua)
+{
+    const std::vector<Riga> *tabella = righe(funzione, stato.ModoAssistenza);
+    if (!tabella)
+        return {};
+    const QString prefisso = PrefissoOpzioni(funzione, stato.ModoAssistenza);
+    std::vector<Voce> voci(NumeroOpzioni);
+    for (int i = 0; i < NumeroOpzioni; ++i) {
+        Voce &v = voci[static_cast<size_t>(i)];
+        v.caption = lingua.LeggiTesto("MainLambda", prefisso + QString::number(i)).trimmed();
+        v.visibile = !v.caption.isEmpty();
+        // Text for an entry past the table opens nothing, so it stays grey.
+        if (i < static_cast<int>(tabella->size())) {
+            const Riga &r = (*tabella)[static_cast<size_t>(i)];
+            v.pagina = r.pagina;
+            v.abilitata = v.visibile && condizioneVera(r.condizione, stato);
+        }
+    }
+    return voci;
+}
+
+EsitoParola VerificaParola(StatoProgramma &stato, const QString &parola)
+{
+    if (parola.toUpper() == QLatin1String(ParolaAssistenza)) {
+        stato.ModoAssistenza = 1;
+        return EsitoParola::Assistenza;
+    }
+    if (stato.ModoAssistenza == 1) {
+        stato.ModoAssistenza = 0;
+        return EsitoParola::Normale;
+    }
+    return EsitoParola::Errata;
+}
+
+} // namespace Menu

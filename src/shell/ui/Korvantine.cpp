@@ -1,0 +1,451 @@
+#include "shell/ui/Korvantine.h"
+
+#include "shell/Programma.h"
+#include "shell/ui/Comunicazione.h"
+#include "shell/ui/Infor.h"
+#include "shell/ui/Logo.h"
+#include "shell/ui/MainLambda.h"
+#include "shell/ui/MsgBox1.h"
+#include "shell/ui/Password.h"
+#include "shell/ui/SceltaLingua.h"
+#include "shell/ui/VisInf.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDialog>
+#include <QFontDatabase>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QScreen>
+#include <QThread>
+#include <QTimer>
+#include <QVBoxLayout>
+#ifndef QT_NO_SESSIONMANAGER
+#include <QSessionManager>
+#endif
+
+#include <cstdio>
+
+namespace {
+
+// How often a closed page is looked at again while a nested event loop keeps it alive.
+constexpr int IntervalloEliminazione = 50;
+
+} // namespace
+
+Korvantine::Korvantine(Programma &programma, QWidget *parent)
+    : QWidget(parent)
+    , m_programma(programma)
+    , m_area(new QWidget(this))
+    , m_segnalazione(new QLabel(this))
+    , m_segnalazione1(new QLabel(this))
+    , m_timerEliminazione(new QTimer(this))
+{
+    setObjectName(QStringLiteral("Korvantine"));
+    setWindowIcon(IconaProgramma());
+    setMinimumSize(fontMetrics().averageCharWidth() * 100, fontMetrics().height() * 30);
+
+    m_area->setObjectName(QStringLiteral("AreaPagine"));
+    auto *areaLayout = new QVBoxLayout(m_area);
+    areaLayout->setContentsMargins(0, 0, 0, 0);
+
+    auto *box = new QFrame(this);
+    box->setObjectName(QStringLiteral("BoxMessaggi"));
+    box->setFrameShape(QFrame::StyledPanel);
+    box->setFrameShadow(QFrame::Sunken);
+    m_segnalazione1->setObjectName(QStringLiteral("Segnalazione1"));
+    m_segnalazione->setObjectName(QStringLiteral("Segnalazione"));
+    m_segnalazione->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_segnalazione->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    m_segnalazione->setForegroundRole(QPalette::PlaceholderText);
+    // The strip never pushes the page around, however long its texts get.
+    m_segnalazione->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_segnalazione1->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    auto *strip = new QHBoxLayout(box);
+    const int margine = fontMetrics().averageCharWidth();
+    strip->setContentsMargins(margine, margine / 2, margine, margine / 2);
+    strip->addWidget(m_segnalazione1, 3);
+    strip->addWidget(m_segnalazione, 2);
+
+    auto *colonna = new QVBoxLayout(this);
+    colonna->setContentsMargins(0, 0, 0, 0);
+    colonna->setSpacing(0);
+    colonna->addWidget(m_area, 1);
+    colonna->addWidget(box);
+
+    m_timerEliminazione->setInterval(IntervalloEliminazione);
+    connect(m_timerEliminazione, &QTimer::timeout, this, &Korvantine::eliminaSospese);
+
+    registraPagina(IdPagina::Comunicazione,
+                   [](Korvantine &f) { return new Comunicazione(f, PorteDisponibili()); });
+    registraPagina(IdPagina::SceltaLingua, [](Korvantine &f) { return new SceltaLingua(f); });
+    registraPagina(IdPagina::VisInf, [](Korvantine &f) { return new VisInf(f); });
+    registraPagina(IdPagina::Password, [](Korvantine &f) { return new Password(f); },
+                   Apertura::SopraIlMenu);
+    registraPagina(IdPagina::Infor, [](Korvantine &f) { return new Infor(f); },
+                   Apertura::SopraIlMenu);
+    // The tuning, live-data, calibration, programming and archive pages are registered by
+    // their own units; until they are, their menu entries open nothing.
+
+    Programma &p = m_programma;
+    connect(&p, &Programma::portaNonAperta, this, [this](const QString &testo, const QString &titolo) {
+        aggiornaStatoCollegamento();
+        avvisa(testo, titolo, 16);
+    });
+    connect(&p, &Programma::segnalazione, this, [this](const QString &hex) {
+        m_segnalazione->setText(hex);
+        aggiornaStatoCollegamento();
+    });
+    connect(&p.porta, &Porta::persa, this, &Korvantine::aggiornaStatoCollegamento);
+    connect(&p.motore, &MotoreDialogo::cursoreAttesa, this, &Korvantine::cursoreAttesa);
+    connect(&p.identificazione, &Identificazione::aggiornaMenu, this, &Korvantine::AggiornaMenu);
+    connect(&p.identificazione, &Identificazione::frameAbilitato, m_area, &QWidget::setEnabled);
+    connect(&p.identificazione, &Identificazione::identificata, this, [this] {
+        // The TPS cells have just been read: the pump entry follows them at once.
+        AggiornaMenu();
+        aggiornaStatoCollegamento();
+    });
+    connect(&p.datiLive, &DatiLive::inMarciaCambiata, this, &Korvantine::AggiornaMenu);
+    connect(&p.datiLive, &DatiLive::ecuPersa, this, [this] {
+        if (m_programma.stato.TaraturaInCorso != -1)
+            ChiudiPagineTaratura();
+        else
+            RitornoMenu();
+        aggiornaStatoCollegamento();
+    });
+#ifndef QT_NO_SESSIONMANAGER
+    // The end of the session may close the frame; the user's close box may not.
+    connect(qApp, &QGuiApplication::commitDataRequest, this,
+            [this](QSessionManager &) { m_chiusuraConsentita = true; });
+#endif
+}
+
+Korvantine::~Korvantine()
+{
+    cursoreAttesa(false);
+}
+
+void Korvantine::avvia()
+{
+    m_programma.stato.FunzioneScelta = -1;
+    mostraMenu();
+    if (!isVisible()) {
+        const QScreen *schermo = screen();
+        const QSize disponibile = schermo ? schermo->availableGeometry().size() : QSize(1024, 768);
+        const QSize voluta(1024, 740);
+        if (disponibile.width() <= voluta.width() || disponibile.height() <= voluta.height() + 40) {
+            showMaximized();
+        } else {
+            resize(voluta);
+            show();
+        }
+    }
+    m_avviato = true;
+    aggiornaStatoCollegamento();
+    // Held messages come once the frame is painted, so they stand over it.
+    QTimer::singleShot(0, this, &Korvantine::mostraAvvisi);
+}
+
+// ---- pages
+
+void Korvantine::registraPagina(IdPagina id, FabbricaPagina fabbrica, Apertura apertura)
+{
+    if (id == IdPagina::Nessuna)
+        return;
+    if (!fabbrica) {
+        m_registro.erase(id);
+        return;
+    }
+    m_registro[id] = Registrazione{std::move(fabbrica), apertura};
+}
+
+bool Korvantine::paginaRegistrata(IdPagina id) const
+{
+    return m_registro.find(id) != m_registro.end();
+}
+
+MainLambda *Korvantine::menu() const
+{
+    return qobject_cast<MainLambda *>(m_pagina.data());
+}
+
+bool Korvantine::paginaAperta(const QWidget *pagina) const
+{
+    return pagina && (pagina == m_pagina || pagina == m_sopra);
+}
+
+QWidget *Korvantine::apriPagina(IdPagina id)
+{
+    const auto trovata = m_registro.find(id);
+    if (trovata == m_registro.end())
+        return nullptr;
+    // A copy: the factory may register pages of its own.
+    const Registrazione registrazione = trovata->second;
+    QWidget *pagina = registrazione.fabbrica(*this);
+    if (!pagina)
+        return nullptr;
+
+    if (registrazione.apertura == Apertura::SopraIlMenu) {
+        if (m_sopra)
+            togliPagina(m_sopra);
+        if (!m_pagina)
+            mostraMenu();
+        const Qt::WindowFlags flags = pagina->windowFlags() | Qt::Dialog;
+        if (pagina->parentWidget() != this || !pagina->isWindow())
+            pagina->setParent(this, flags);
+        pagina->setWindowModality(Qt::WindowModal);
+        m_sopra = pagina;
+        m_idSopra = id;
+        if (auto *dialogo = qobject_cast<QDialog *>(pagina))
+            connect(dialogo, &QDialog::finished, this, [this, dialogo] { ChiudiPagina(dialogo); });
+        if (MainLambda *m = menu())
+            m->setEnabled(false);
+        pagina->show();
+        pagina->raise();
+        pagina->activateWindow();
+        return pagina;
+    }
+
+    if (m_sopra)
+        togliPagina(m_sopra);
+    if (m_pagina)
+        togliPagina(m_pagina);
+    mettiInArea(pagina, id);
+    return pagina;
+}
+
+void Korvantine::ChiudiPagina(QWidget *pagina, int prossima)
+{
+    if (!pagina)
+        return;
+    if (pagina == m_sopra) {
+        togliPagina(pagina);
+        if (prossima == -1)
+            AvviaTaratura(m_programma.stato.TaraturaInCorso);
+        if (!m_pagina)
+            mostraMenu();
+        if (MainLambda *m = menu())
+            m->setEnabled(!m_sopra);
+        return;
+    }
+    // The menu is never closed: other pages replace it.
+    if (pagina != m_pagina || menu())
+        return;
+    togliPagina(pagina);
+    if (prossima == -1)
+        AvviaTaratura(m_programma.stato.TaraturaInCorso);
+    if (!m_pagina)
+        mostraMenu();
+}
+
+void Korvantine::mostraMenu()
+{
+    if (menu())
+        return;
+    if (m_pagina)
+        togliPagina(m_pagina);
+    auto *m = new MainLambda(*this);
+    mettiInArea(m, IdPagina::Nessuna);
+    m->setEnabled(!m_sopra);
+    m->daiFuoco();
+}
+
+void Korvantine::mettiInArea(QWidget *pagina, IdPagina id)
+{
+    if (pagina->parentWidget() != m_area)
+        pagina->setParent(m_area);
+    m_area->layout()->addWidget(pagina);
+    m_pagina = pagina;
+    m_idPagina = id;
+    if (!pagina->windowTitle().isEmpty())
+        setWindowTitle(pagina->windowTitle());
+    connect(pagina, &QWidget::windowTitleChanged, this, [this, pagina](const QString &titolo) {
+        if (m_pagina == pagina)
+            setWindowTitle(titolo);
+    });
+    pagina->show();
+    if (!pagina->isAncestorOf(QApplication::focusWidget()))
+        pagina->setFocus(Qt::OtherFocusReason);
+}
+
+void Korvantine::togliPagina(QWidget *pagina)
+{
+    if (pagina == m_pagina) {
+        m_pagina = nullptr;
+        m_idPagina = IdPagina::Nessuna;
+    }
+    if (pagina == m_sopra) {
+        m_sopra = nullptr;
+        m_idSopra = IdPagina::Nessuna;
+    }
+    disconnect(pagina, nullptr, this, nullptr);
+    // Its boxes go with it, answered as if closed without a button.
+    for (const BoxAperto &b : m_box) {
+        if (b.box && b.proprietario == pagina)
+            b.box->done(QDialog::Rejected);
+    }
+    if (m_area->layout()->indexOf(pagina) >= 0)
+        m_area->layout()->removeWidget(pagina);
+    pagina->hide();
+    eliminaPiuTardi(pagina);
+}
+
+void Korvantine::eliminaPiuTardi(QWidget *pagina)
+{
+    m_daEliminare.emplace_back(pagina);
+    if (!m_timerEliminazione->isActive())
+        m_timerEliminazione->start();
+}
+
+void Korvantine::eliminaSospese()
+{
+    // Only from the outermost event loop: then no handler of a closed page can be on the
+    // stack under a box that is still open.
+    if (m_profonditaModale > 0 || QThread::currentThread()->loopLevel() > 1)
+        return;
+    m_timerEliminazione->stop();
+    const auto sospese = std::move(m_daEliminare);
+    m_daEliminare.clear();
+    for (const QPointer<QWidget> &pagina : sospese)
+        delete pagina.data();
+}
+
+// ---- messages
+
+int Korvantine::MostraMsg(const QString &testo, int flags, const QString &titolo, int predefinito)
+{
+    return mostraMsg(testo, flags, titolo, predefinito, m_sopra ? m_sopra.data() : m_pagina.data());
+}
+
+int Korvantine::mostraMsg(const QString &testo, int flags, const QString &titolo, int predefinito,
+                          QWidget *proprietario)
+{
+    MsgBox1 box(m_programma.lingua, m_sopra ? m_sopra.data() : this);
+    box.prepara(testo, flags, titolo, predefinito);
+    m_box.push_back({&box, proprietario});
+    eseguiModale(box);
+    std::erase_if(m_box, [&box](const BoxAperto &b) { return b.box == &box || !b.box; });
+    return box.RispostaMsg();
+}
+
+int Korvantine::eseguiModale(QDialog &box)
+{
+    ++m_profonditaModale;
+    const int esito = box.exec();
+    --m_profonditaModale;
+    return esito;
+}
+
+void Korvantine::avvisa(const QString &testo, const QString &titolo, int flags)
+{
+    if (m_avviato && isVisible()) {
+        mostraMsg(testo, flags, titolo, 0, nullptr);
+        return;
+    }
+    std::fprintf(stderr, "%s: %s\n", qPrintable(titolo), qPrintable(testo));
+    m_avvisi.push_back({testo, titolo, flags});
+}
+
+void Korvantine::mostraAvvisi()
+{
+    const auto avvisi = std::move(m_avvisi);
+    m_avvisi.clear();
+    for (const Avviso &a : avvisi)
+        mostraMsg(a.testo, a.flags, a.titolo, 0, nullptr);
+}
+
+// ---- menu and link
+
+void Korvantine::AggiornaMenu()
+{
+    if (MainLambda *m = menu())
+        m->AggiornaMenu();
+}
+
+void Korvantine::RitornoMenu()
+{
+    if (m_pagina && PaginaMessaPunto(m_idPagina))
+        ChiudiPagina(m_pagina);
+    AggiornaMenu();
+}
+
+void Korvantine::ChiudiPagineTaratura()
+{
+    if (m_sopra && PaginaTaratura(m_idSopra))
+        togliPagina(m_sopra);
+    if (m_pagina && PaginaTaratura(m_idPagina))
+        togliPagina(m_pagina);
+    mostraMenu();
+    if (MainLambda *m = menu())
+        m->setEnabled(!m_sopra);
+    StatoProgramma &s = m_programma.stato;
+    s.TaraturaCompleta = 0;
+    s.TaraturaInCorso = -1;
+    s.PassoTaratura = -1;
+}
+
+void Korvantine::impostaAvviaTaratura(std::function<void(int)> avvia)
+{
+    m_avviaTaratura = std::move(avvia);
+}
+
+bool Korvantine::AvviaTaratura(int passo)
+{
+    if (!m_avviaTaratura)
+        return false;
+    m_avviaTaratura(passo);
+    return true;
+}
+
+void Korvantine::aggiornaStatoCollegamento()
+{
+    const StatoProgramma &s = m_programma.stato;
+    int stato = 3;
+    if (!m_programma.porta.PortOpen())
+        stato = 0;
+    else if (s.EcuNormale == 0)
+        stato = 4;
+    else if (s.EcuDaIdentificare != 0)
+        stato = m_programma.motore.StatoDialogo == Identificazione::StatoVersione
+                    || m_programma.motore.StatoDialogo == Identificazione::StatoLetture
+                ? 2
+                : 1;
+    QString testo = m_programma.lingua.LeggiTesto("KORVANTINE", "COLLEGAMENTO." + QString::number(stato)).trimmed();
+    const ImpSeriale &imp = m_programma.seriale;
+    QString porta = m_programma.dispositivoForzato;
+    if (porta.isEmpty())
+        porta = imp.nomeDispositivo.isEmpty() ? imp.Porta : imp.nomeDispositivo;
+    if (!porta.isEmpty())
+        testo += QStringLiteral("   %1, %2").arg(porta).arg(imp.VelocitaCom);
+    if (m_segnalazione1->text() != testo)
+        m_segnalazione1->setText(testo);
+}
+
+void Korvantine::cursoreAttesa(bool attesa)
+{
+    if (attesa == m_inAttesa)
+        return;
+    m_inAttesa = attesa;
+    if (attesa)
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    else
+        QApplication::restoreOverrideCursor();
+}
+
+void Korvantine::Uscita()
+{
+    m_chiusuraConsentita = true;
+    close();
+    emit uscita();
+}
+
+void Korvantine::closeEvent(QCloseEvent *evento)
+{
+    // Only the menu's exit ends the program; a stray click on the close box must not drop
+    // the link in the middle of a transfer.
+    if (m_chiusuraConsentita)
+        evento->accept();
+    else
+        evento->ignore();
+}

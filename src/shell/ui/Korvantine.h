@@ -1,0 +1,149 @@
+#pragma once
+
+#include "shell/IdPagina.h"
+
+#include <QPointer>
+#include <QWidget>
+
+#include <functional>
+#include <map>
+#include <vector>
+
+class MainLambda;
+class MsgBox1;
+class Programma;
+class QDialog;
+class QLabel;
+class QTimer;
+
+// The main frame: one page at a time inside it, the message strip under it. It follows the
+// link (menu refresh, wait cursor, the watchdog's return to the menu) and opens the pages
+// through a registry, so that each page is one unit that the frame does not know.
+//
+// How a page lives:
+// - It is made by its factory when opened, with the frame as its way to everything else
+//   (programma(), MostraMsg(), ChiudiPagina()). It sets its title with setWindowTitle().
+// - It leaves with ChiudiPagina(this). The frame hides it at once and deletes it later,
+//   never while a message box is running, so a handler that is still on the stack may
+//   return through the page safely. Such a handler asks paginaAperta(this) before going on.
+// - When a page is closed under an open message box of its own (the watchdog on a tuning
+//   page), that box closes as if without a button and returns 99.
+class Korvantine : public QWidget
+{
+    Q_OBJECT
+public:
+    using FabbricaPagina = std::function<QWidget *(Korvantine &frame)>;
+
+    enum class Apertura {
+        AlPostoDelMenu,  // replaces the main menu inside the frame
+        SopraIlMenu      // a box over the menu, which stays loaded and disabled; best a QDialog
+    };
+
+    explicit Korvantine(Programma &programma, QWidget *parent = nullptr);
+    ~Korvantine() override;
+
+    Programma &programma() { return m_programma; }
+
+    // Shows the frame with the main menu, selection cleared; then the messages held so far.
+    void avvia();
+
+    // ---- pages
+    // A later registration of the same page replaces the earlier one.
+    void registraPagina(IdPagina id, FabbricaPagina fabbrica,
+                        Apertura apertura = Apertura::AlPostoDelMenu);
+    bool paginaRegistrata(IdPagina id) const;
+    // The page made and shown; nullptr when none is registered or its factory gave none,
+    // and then nothing has changed.
+    QWidget *apriPagina(IdPagina id);
+    // prossima -1 goes on with the calibration step in TaraturaInCorso; anything else
+    // shows the main menu. A page that is not open is left alone.
+    void ChiudiPagina(QWidget *pagina, int prossima = 0);
+    bool paginaAperta(const QWidget *pagina) const;
+    // The page inside the frame (the menu included) and the box over the menu, if any.
+    QWidget *paginaAttiva() const { return m_pagina; }
+    IdPagina idPaginaAttiva() const { return m_idPagina; }
+    QWidget *paginaSopra() const { return m_sopra; }
+    IdPagina idPaginaSopra() const { return m_idSopra; }
+    // The menu when it is the page inside the frame.
+    MainLambda *menu() const;
+
+    // ---- messages
+    // The common message box over the active page; returns the code of the key.
+    int MostraMsg(const QString &testo, int flags, const QString &titolo, int predefinito = 0);
+    // Any other modal box a page runs goes through here, so pages outlive it.
+    int eseguiModale(QDialog &box);
+    // A message that nobody waits for: held until the frame is on screen.
+    void avvisa(const QString &testo, const QString &titolo, int flags);
+
+    // ---- menu and link
+    void AggiornaMenu();
+    // The watchdog: a tuning page goes, the menu comes back.
+    void RitornoMenu();
+    void ChiudiPagineTaratura();
+    // The calibration sequence is driven from outside; without it the menu entry opens nothing.
+    void impostaAvviaTaratura(std::function<void(int passo)> avvia);
+    bool sequenzaTaraturaDisponibile() const { return static_cast<bool>(m_avviaTaratura); }
+    bool AvviaTaratura(int passo);
+    // Port, stream and identification, in the strip.
+    void aggiornaStatoCollegamento();
+
+    // The end of the program: the frame closes and uscita() is emitted.
+    void Uscita();
+
+signals:
+    void uscita();
+
+protected:
+    void closeEvent(QCloseEvent *evento) override;
+
+private:
+    struct Registrazione
+    {
+        FabbricaPagina fabbrica;
+        Apertura apertura = Apertura::AlPostoDelMenu;
+    };
+    struct Avviso
+    {
+        QString testo;
+        QString titolo;
+        int flags = 0;
+    };
+    struct BoxAperto
+    {
+        QPointer<MsgBox1> box;
+        QPointer<QWidget> proprietario;
+    };
+
+    void mostraMenu();
+    void mettiInArea(QWidget *pagina, IdPagina id);
+    void togliPagina(QWidget *pagina);
+    void eliminaPiuTardi(QWidget *pagina);
+    void eliminaSospese();
+    void cursoreAttesa(bool attesa);
+    void mostraAvvisi();
+    int mostraMsg(const QString &testo, int flags, const QString &titolo, int predefinito,
+                  QWidget *proprietario);
+
+    Programma &m_programma;
+    std::map<IdPagina, Registrazione> m_registro;
+    std::function<void(int)> m_avviaTaratura;
+
+    QWidget *m_area;
+    QLabel *m_segnalazione;
+    QLabel *m_segnalazione1;
+    QTimer *m_timerEliminazione;
+
+    QPointer<QWidget> m_pagina;
+    IdPagina m_idPagina = IdPagina::Nessuna;
+    QPointer<QWidget> m_sopra;
+    IdPagina m_idSopra = IdPagina::Nessuna;
+
+    int m_profonditaModale = 0;
+    std::vector<QPointer<QWidget>> m_daEliminare;
+    std::vector<BoxAperto> m_box;
+    std::vector<Avviso> m_avvisi;
+
+    bool m_inAttesa = false;
+    bool m_avviato = false;
+    bool m_chiusuraConsentita = false;
+};

@@ -1,0 +1,212 @@
+// The program's real port code against the simulated ECU on a pseudo-terminal.
+#include "EcuSimulata.h"
+#include "link/PortaSeriale.h"
+#include "shell/Programma.h"
+#include "variables/Conversioni.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+bool checksumValido(const QByteArray &frame)
+{
+    const auto l = frame.size();
+    return l >= 6 && SommaByte(frame.mid(1, l - 3)) == quint8(frame.at(l - 2));
+}
+
+struct Inviato
+{
+    QByteArray payload;
+    CampioneMotore campione;
+};
+
+// Collects every decoded live record, as a page would see it.
+class Raccoglitore : public AscoltatoreDati
+{
+public:
+    void frameNormale(const RecordDati &r) override { record.append(r); }
+    void frameStato(const RecordDati &r) override { record.append(r); }
+    QList<RecordDati> record;
+};
+
+} // namespace
+
+class TstCollegamento : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir cartella;
+    std::unique_ptr<EcuSimulata> ecu;
+    std::unique_ptr<Programma> p;
+    QList<Inviato> inviati;
+    int richiesteVersione = 0;
+
+    void avvia(OpzioniEcu opzioni = {}, const std::function<void(EcuSimulata &)> &prima = {})
+    {
+        p.reset();
+        ecu = std::make_unique<EcuSimulata>(opzioni);
+        if (prima)
+            prima(*ecu);
+        QVERIFY2(ecu->apriPty(), qPrintable(ecu->erroreLinea()));
+        inviati.clear();
+        richiesteVersione = 0;
+        connect(ecu.get(), &EcuSimulata::frameInviato, this, [this](const QByteArray &f) {
+            if (f.size() > 6 && f.at(4) == 'd' && checksumValido(f))
+                inviati.append({f.mid(4, f.size() - 6), ecu->ultimoCampione()});
+        });
+        connect(ecu.get(), &EcuSimulata::frameRicevuto, this, [this](const QByteArray &f) {
+            if (f.size() > 4 && f.at(4) == 'V')
+                ++richiesteVersione;
+        });
+
+        p = std::make_unique<Programma>(cartella.path(), std::make_unique<PortaSeriale>(),
+                                        std::make_unique<TemporizzatoreQt>(),
+                                        std::make_unique<TemporizzatoreQt>());
+        p->catalogo.InizializzaParametri();
+        p->IniDialogo();
+        p->IniCollegamento();
+        p->seriale.VelocitaCom = 38400;
+        p->dispositivoForzato = ecu->percorsoDispositivo();
+        QVERIFY(p->ApriPorta());
+        ecu->avvia();
+    }
+
+private slots:
+    void cleanup()
+    {
+        p.reset();
+        ecu.reset();
+    }
+
+    void identifiesTheEcuAndFollowsItsStream()
+    {
+        StringheVersione v;
+        v.codice = "KVTEST-123456 ";
+        OpzioniEcu o;
+        o.versione = v;
+        o.tipoSonda = 0;
+        avvia(o);
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 3000);
+        QCOMPARE(p->stato.InfCodice, QString("KVTEST-123456 "));
+        QCOMPARE(p->stato.InfVeicolo, QString::fromLatin1(v.veicolo));
+        QCOMPARE(p->stato.InfDatoA, QString::fromLatin1(v.datoA));
+        QCOMPARE(p->stato.InfDatoB, QString::fromLatin1(v.datoB));
+        QCOMPARE(p->stato.TpsPresente, qint16(-1));
+        QCOMPARE(p->motore.StatoDialogo, qint16(-1));
+
+        Raccoglitore r;
+        p->datiLive.aggiungiAscoltatore(&r);
+        QTRY_VERIFY_WITH_TIMEOUT(r.record.size() >= 10, 3000);
+        p->datiLive.rimuoviAscoltatore(&r);
+
+        // Each decoded record is a frame the ECU sent, in order, with nothing lost.
+        const auto corrisponde = [](const RecordDati &d, const QByteArray &bytes) {
+            const auto u8 = [&](int pos) { return double(quint8(bytes.at(pos - 1))); };
+            const auto u16 = [&](int pos) { return u8(pos) * 256 + u8(pos + 1); };
+            return d.Valore[1] == u8(2) && d.Valore[2] == u16(3) && d.Valore[3] == Scala1023(u16(5))
+                && d.Valore[4] == Scala1023(u16(7)) && d.Valore[5] == u8(9) && d.Valore[6] == u8(10)
+                && d.Valore[7] == u8(11) && d.Valore[8] == u8(12) && d.Valore[9] == u8(13)
+                && d.Valore[10] == u8(14) && d.Valore[11] == 0;
+        };
+        qsizetype i = 0;
+        while (i < inviati.size() && !corrisponde(r.record[0], inviati[i].payload))
+            ++i;
+        QVERIFY(i + r.record.size() <= inviati.size());
+        for (const RecordDati &d : r.record) {
+            const Inviato &s = inviati[i++];
+            QVERIFY(corrisponde(d, s.payload));
+            // And the bytes are the engine the simulator was running.
+            QCOMPARE(d.Valore[2], double(s.campione.giri));
+            QCOMPARE(d.Valore[7], double(s.campione.zona));
+        }
+    }
+
+    void lostStreamMakesTheEcuUnknownUntilItComesBack()
+    {
+        avvia();
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 3000);
+        QSignalSpy persa(&p->datiLive, &DatiLive::ecuPersa);
+        // The watchdog runs from the first live frame after identification on.
+        QTRY_VERIFY_WITH_TIMEOUT(p->TimeOutDati.isEnabled(), 2000);
+        ecu->impostaStallo(true);
+        QTest::qWait(1500);
+        QCOMPARE(persa.size(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(persa.size(), 1, 1500);
+        QCOMPARE(p->stato.EcuDaIdentificare, qint16(-1));
+        ecu->impostaStallo(false);
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 3000);
+        QCOMPARE(richiesteVersione, 2);
+    }
+
+    void unansweredVersionFreesTheLinkAndIsAskedAgain()
+    {
+        avvia({}, [](EcuSimulata &e) { e.scartaOgniNRisposte(1); });
+        QTRY_COMPARE_WITH_TIMEOUT(p->motore.StatoDialogo, qint16(111), 2000);
+        QSignalSpy frame(&p->identificazione, &Identificazione::frameAbilitato);
+        QTest::qWait(4000);
+        QCOMPARE(p->motore.StatoDialogo, qint16(111)); // no retry inside the wait
+        ecu->scartaOgniNRisposte(0);
+        QTRY_VERIFY_WITH_TIMEOUT(!frame.isEmpty(), 2000);
+        QCOMPARE(frame.first().at(0).toBool(), true);
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 2000);
+        QCOMPARE(richiesteVersione, 2);
+    }
+
+    void erasedTpsCellsMeanNoTps()
+    {
+        avvia({}, [](EcuSimulata &e) {
+            e.scriviMemoria(0xC110, QByteArray::fromHex("03FF03FF"));
+        });
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 3000);
+        QCOMPARE(p->stato.TpsPresente, qint16(0));
+    }
+
+    void ecuWithoutApplicationIsSeenAsSuch()
+    {
+        OpzioniEcu o;
+        o.applicazionePresente = false;
+        avvia(o);
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuNormale, qint16(0), 2000);
+        QCOMPARE(p->stato.EcuDaIdentificare, qint16(-1));
+        QCOMPARE(p->motore.StatoDialogo, qint16(-1));
+    }
+
+    void noiseAndBadChecksumsLoseOnlyTheFramesTheyHit()
+    {
+        OpzioniEcu o;
+        o.frameAlSecondo = 40;
+        avvia(o);
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 3000);
+
+        int ricevuti = 0;
+        connect(p.get(), &Programma::segnalazione, this, [&](const QString &hex) {
+            if (hex.startsWith(QLatin1String("64")))
+                ++ricevuti;
+        });
+        const qsizetype primo = inviati.size();
+        int corrotti = 0;
+        connect(ecu.get(), &EcuSimulata::frameInviato, this, [&](const QByteArray &f) {
+            if (f.size() > 6 && f.at(4) == 'd' && !checksumValido(f))
+                ++corrotti;
+        });
+        ecu->corrompiOgniNFrame(4);
+        ecu->impostaRumore(3, 8, false);
+        QTest::qWait(2000);
+        ecu->corrompiOgniNFrame(0);
+        ecu->impostaRumore(0);
+        QTest::qWait(200);
+        ecu->impostaStallo(true);
+        QTest::qWait(200);
+        const qsizetype buoni = inviati.size() - primo;
+        QVERIFY(corrotti > 5);
+        // A good frame right behind a bad one waits for the next arrival, so the very last
+        // one may still be in the buffer.
+        QVERIFY2(ricevuti == buoni || ricevuti == buoni - 1,
+                 qPrintable(QStringLiteral("%1 of %2").arg(ricevuti).arg(buoni)));
+    }
+};
+
+QTEST_GUILESS_MAIN(TstCollegamento)
+#include "tst_collegamento.moc"
