@@ -1,19 +1,28 @@
+#include "Demo.h"
+
 #include "link/PortaSeriale.h"
+#include "monitoring/ui/RegistroStrumenti.h"
+#include "pages/RegistroMessaPunto.h"
 #include "shell/Avvio.h"
 #include "shell/IstanzaUnica.h"
 #include "shell/PercorsoApp.h"
 #include "shell/Programma.h"
+#include "shell/ui/Korvantine.h"
+#include "shell/ui/Logo.h"
 
+#include <QApplication>
 #include <QCommandLineParser>
-#include <QCoreApplication>
 
 #include <cstdio>
+#include <memory>
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication app(argc, argv);
-    QCoreApplication::setApplicationName(QStringLiteral("Korvantine"));
-    QCoreApplication::setApplicationVersion(QStringLiteral(KORVANTINE_VERSION));
+    QApplication app(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("Korvantine"));
+    QApplication::setApplicationVersion(QStringLiteral(KORVANTINE_VERSION));
+    QGuiApplication::setDesktopFileName(QStringLiteral("korvantine"));
+    QApplication::setWindowIcon(IconaProgramma());
 
     QCommandLineParser opzioni;
     opzioni.setApplicationDescription(QStringLiteral("Workshop tool for gas-conversion ECUs."));
@@ -22,7 +31,11 @@ int main(int argc, char *argv[])
     const QCommandLineOption home(QStringLiteral("home"),
                                   QStringLiteral("Keep settings, archives and logs in DIR."),
                                   QStringLiteral("DIR"));
+    const QCommandLineOption demo(QStringLiteral("demo"),
+                                  QStringLiteral("Talk to a simulated ECU started inside the program; "
+                                                 "the port in the settings is left as it is."));
     opzioni.addOption(home);
+    opzioni.addOption(demo);
     opzioni.process(app);
 
     const QString cartellaEseguibile = QCoreApplication::applicationDirPath();
@@ -40,26 +53,31 @@ int main(int argc, char *argv[])
     }
     SeminaLingue(percorsoApp, CartelleLingueDistribuite(cartellaEseguibile));
 
+    // Made before the program object, so that it outlives the port that talks to it.
+    Demo ecuDemo;
+    if (opzioni.isSet(demo)) {
+        QString errore;
+        if (!ecuDemo.avvia(errore)) {
+            std::fprintf(stderr, "korvantine: the simulated ECU cannot start: %s\n", qPrintable(errore));
+            return 1;
+        }
+        std::fprintf(stderr, "korvantine: demo with the simulated ECU on %s\n", qPrintable(ecuDemo.percorso()));
+    }
+
     Programma programma(percorsoApp, std::make_unique<PortaSeriale>(),
                         std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
-    // Until the main window exists, messages go to the terminal.
-    QObject::connect(&programma, &Programma::portaNonAperta, [](const QString &testo, const QString &titolo) {
-        std::fprintf(stderr, "%s: %s\n", qPrintable(titolo), qPrintable(testo));
-    });
-    QObject::connect(&programma.identificazione, &Identificazione::identificata, [&programma] {
-        const StatoProgramma &s = programma.stato;
-        std::fprintf(stderr, "ECU identified: %s | %s | %s | %s\n", qPrintable(s.InfCodice),
-                     qPrintable(s.InfVeicolo), qPrintable(s.InfDatoA), qPrintable(s.InfDatoB));
-    });
-    QObject::connect(&programma.datiLive, &DatiLive::ecuPersa, [] {
-        std::fprintf(stderr, "Live data lost: waiting for the ECU\n");
-    });
+    programma.dispositivoForzato = ecuDemo.percorso();
+
+    // The frame exists before the port is opened, so that a failure reaches its message box,
+    // which comes up once the frame is on screen.
+    Korvantine finestra(programma);
+    QObject::connect(&finestra, &Korvantine::uscita, &app, [] { QCoreApplication::exit(0); });
+    // Each unit of pages puts its own into the frame's registry; a menu entry whose page is
+    // in none of them opens nothing.
+    RegistraPagineMessaPunto(finestra);
+    RegistraStrumenti(finestra);
 
     Avvio::esegui(programma);
-    std::fprintf(stderr, "Korvantine started in %s, language %s, port %s at %d baud (%s)\n",
-                 qPrintable(percorsoApp), qPrintable(programma.lingua.LinguaCorrente),
-                 qPrintable(programma.seriale.nomeDispositivo.isEmpty() ? programma.seriale.Porta
-                                                                      : programma.seriale.nomeDispositivo),
-                 programma.seriale.VelocitaCom, programma.porta.PortOpen() ? "open" : "closed");
+    finestra.avvia();
     return app.exec();
 }

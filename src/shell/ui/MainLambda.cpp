@@ -44,11 +44,7 @@ QPushButton[funzione="true"]:focus { border: 2px solid #d08a1a; }
 QPushButton[funzione="true"]:disabled { background: #eef1f3; color: #a3adb5; border-color: #c9d0d6; }
 QGroupBox#BoxMenu {
     background: #1e2830; border: 1px solid #111a20; border-radius: 6px;
-    margin-top: 1.8em; padding: 0.5em 0.3em;
-}
-QGroupBox#BoxMenu::title {
-    subcontrol-origin: margin; subcontrol-position: top left; left: 0.6em; padding: 0 0.2em;
-    font-weight: bold;
+    padding: 0.6em 0.3em;
 }
 QLabel#Versione { color: #5f6b75; }
 QPushButton#Uscita { padding: 0.45em 2.2em; }
@@ -93,6 +89,7 @@ void VoceOpzione::paintEvent(QPaintEvent *)
     }
     QFont f = font();
     f.setPointSizeF(f.pointSizeF() * 1.1);
+    f.setBold(hasFocus() && isEnabled());
     p.setFont(f);
     p.setPen(coloreTesto());
     p.drawText(r.adjusted(margine, 0, -margine, 0), Qt::AlignVCenter | Qt::AlignLeft, text());
@@ -241,7 +238,6 @@ void MainLambda::ScegliFunzione(int indice)
             voce->setVisible(v.visibile);
             voce->setEnabled(v.abilitata);
         }
-        m_boxMenu->setTitle(funzione(indice)->text());
         m_boxMenu->setEnabled(true);
         m_boxMenu->show();
     } else {
@@ -292,6 +288,9 @@ void MainLambda::esc()
         ScegliFunzione(-1);
         return;
     }
+    if (m_inDomanda)
+        return;
+    QScopedValueRollback inDomanda(m_inDomanda, true);
     const Lingua &l = m_frame.programma().lingua;
     // No is the default, so that a second Esc or an Enter does not end the program.
     const int risposta = m_frame.MostraMsg(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_50"), 36,

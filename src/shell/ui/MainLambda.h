@@ -69,4 +69,5 @@ private:
     Logo *m_logo;
     QLabel *m_versione;
     bool m_inApertura = false;
+    bool m_inDomanda = false;
 };

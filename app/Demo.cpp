@@ -1,0 +1,33 @@
+#include "Demo.h"
+
+#include "EcuSimulata.h"
+
+Demo::Demo()
+{
+    m_thread.setObjectName(QStringLiteral("EcuSimulata"));
+}
+
+Demo::~Demo()
+{
+    if (m_thread.isRunning()) {
+        m_thread.quit();
+        m_thread.wait();
+    }
+}
+
+bool Demo::avvia(QString &errore)
+{
+    auto *ecu = new EcuSimulata(OpzioniEcu{});
+    if (!ecu->apriPty()) {
+        errore = ecu->erroreLinea();
+        delete ecu;
+        return false;
+    }
+    m_percorso = ecu->percorsoDispositivo();
+    // The line and the timers move with the object; it is deleted in its own thread.
+    ecu->moveToThread(&m_thread);
+    QObject::connect(&m_thread, &QThread::finished, ecu, &QObject::deleteLater);
+    m_thread.start();
+    QMetaObject::invokeMethod(ecu, &EcuSimulata::avvia, Qt::QueuedConnection);
+    return true;
+}

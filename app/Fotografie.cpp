@@ -1,0 +1,117 @@
+// korvantine-pictures DIR: the main menu, the ECU version page and the port page, rendered to
+// PNG files in DIR against the simulated ECU, in English, as a fitter sees them at 1024x768.
+// Run it with the offscreen platform (scripts/pictures.sh does).
+
+#include "Demo.h"
+
+#include "link/PortaSeriale.h"
+#include "shell/Avvio.h"
+#include "shell/IstanzaUnica.h"
+#include "shell/PercorsoApp.h"
+#include "shell/Programma.h"
+#include "shell/ui/Korvantine.h"
+#include "shell/ui/MainLambda.h"
+
+#include <QApplication>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QTemporaryDir>
+#include <QThread>
+
+#include <cstdio>
+#include <functional>
+#include <memory>
+
+namespace {
+
+bool attendi(const std::function<bool()> &condizione, int millisecondi)
+{
+    QDeadlineTimer scadenza(millisecondi);
+    while (!condizione()) {
+        if (scadenza.hasExpired())
+            return false;
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
+        QThread::msleep(5);
+    }
+    return true;
+}
+
+void pausa(int millisecondi)
+{
+    attendi([] { return false; }, millisecondi);
+}
+
+bool salva(QWidget &finestra, const QDir &cartella, const QString &nome)
+{
+    pausa(300);
+    const QString percorso = cartella.filePath(nome);
+    if (!finestra.grab().save(percorso)) {
+        std::fprintf(stderr, "korvantine-pictures: cannot write %s\n", qPrintable(percorso));
+        return false;
+    }
+    std::printf("%s\n", qPrintable(percorso));
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QApplication app(argc, argv);
+    const QStringList argomenti = QCoreApplication::arguments();
+    if (argomenti.size() != 2) {
+        std::fprintf(stderr, "usage: korvantine-pictures DIR\n");
+        return 2;
+    }
+    // Absolute: the start-up moves the working folder to the program's own.
+    const QDir cartella(QDir(argomenti.at(1)).absolutePath());
+    if (!QDir().mkpath(cartella.path())) {
+        std::fprintf(stderr, "korvantine-pictures: cannot make %s\n", qPrintable(cartella.path()));
+        return 1;
+    }
+
+    // A folder of its own, so that the user's settings play no part in the pictures.
+    QTemporaryDir home;
+    if (!home.isValid())
+        return 1;
+    IstanzaUnica istanza(home.path());
+    if (Avvio::preparaCartella(home.path(), istanza) != Avvio::Esito::Prosegui)
+        return 1;
+    SeminaLingue(home.path(), CartelleLingueDistribuite(QCoreApplication::applicationDirPath()));
+
+    Demo demo;
+    QString errore;
+    if (!demo.avvia(errore)) {
+        std::fprintf(stderr, "korvantine-pictures: %s\n", qPrintable(errore));
+        return 1;
+    }
+    Programma programma(home.path(), std::make_unique<PortaSeriale>(),
+                        std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
+    programma.dispositivoForzato = demo.percorso();
+    Korvantine finestra(programma);
+    Avvio::esegui(programma);
+    finestra.avvia();
+    finestra.showNormal();
+    finestra.resize(1024, 768);
+
+    if (!attendi([&] { return programma.stato.EcuDaIdentificare == 0; }, 15000)) {
+        std::fprintf(stderr, "korvantine-pictures: the simulated ECU was not identified\n");
+        return 1;
+    }
+    pausa(1500);
+
+    bool ok = true;
+    if (MainLambda *menu = finestra.menu()) {
+        menu->ScegliFunzione(4);
+        menu->opzione(0)->setFocus();
+    }
+    ok &= salva(finestra, cartella, QStringLiteral("main-menu.png"));
+
+    if (QWidget *pagina = finestra.apriPagina(IdPagina::VisInf)) {
+        ok &= salva(finestra, cartella, QStringLiteral("visinf.png"));
+        finestra.ChiudiPagina(pagina);
+    }
+    if (finestra.apriPagina(IdPagina::Comunicazione))
+        ok &= salva(finestra, cartella, QStringLiteral("comunicazione.png"));
+    return ok ? 0 : 1;
+}

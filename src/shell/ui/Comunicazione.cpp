@@ -1,0 +1,226 @@
+#include "shell/ui/Comunicazione.h"
+
+#include "shell/Configurazione.h"
+#include "shell/Programma.h"
+#include "shell/ui/Korvantine.h"
+#include "shell/ui/Stile.h"
+
+#include <QApplication>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QScopedValueRollback>
+#include <QSerialPortInfo>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int PorteCom = 10;
+const qint32 Velocita[] = {4800, 9600, 19200, 38400};
+
+// What each list entry writes as "Porta".
+constexpr int RuoloValore = Qt::UserRole;
+
+QString descrizioneDi(const PortaDisponibile &porta)
+{
+    return porta.descrizione.isEmpty() ? porta.percorso
+                                       : QStringLiteral("%1  \u2013  %2").arg(porta.percorso, porta.descrizione);
+}
+
+void rendiNormale(QListWidget *elenco)
+{
+    elenco->setPalette(QPalette());
+}
+
+} // namespace
+
+QList<PortaDisponibile> PorteDisponibili()
+{
+    QList<PortaDisponibile> porte;
+    const auto info = QSerialPortInfo::availablePorts();
+    for (const QString &percorso : PortiSeriali()) {
+        PortaDisponibile porta{percorso, {}};
+        for (const QSerialPortInfo &i : info) {
+            if (i.systemLocation() == percorso) {
+                QStringList parti;
+                if (!i.description().isEmpty())
+                    parti << i.description();
+                if (!i.manufacturer().isEmpty() && !i.description().contains(i.manufacturer()))
+                    parti << i.manufacturer();
+                porta.descrizione = parti.join(QStringLiteral(", "));
+            }
+        }
+        porte.append(porta);
+    }
+    return porte;
+}
+
+Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &porte, QWidget *parent)
+    : QWidget(parent)
+    , m_frame(frame)
+    , m_seriali(new QListWidget(this))
+    , m_baud(new QListWidget(this))
+    , m_salva(new QPushButton(this))
+    , m_esci(new QPushButton(this))
+{
+    setObjectName(QStringLiteral("Comunicazione"));
+    Programma &p = m_frame.programma();
+    const Lingua &l = p.lingua;
+    setWindowTitle(l.LeggiTesto("Comunicazione", "CAPTION").trimmed());
+
+    m_seriali->setObjectName(QStringLiteral("Seriali"));
+    m_baud->setObjectName(QStringLiteral("Baud"));
+    m_salva->setObjectName(QStringLiteral("Salva"));
+    m_esci->setObjectName(QStringLiteral("Esci"));
+
+    // "COMn" is the n-th port the system reports; the entry shows which one that is now.
+    QStringList percorsi;
+    for (const PortaDisponibile &porta : porte)
+        percorsi << porta.percorso;
+    for (int n = 1; n <= PorteCom; ++n) {
+        const QString com = QStringLiteral("COM%1").arg(n);
+        const QString dispositivo = NomeDispositivo(com, n, percorsi);
+        QString testo = com;
+        for (const PortaDisponibile &porta : porte) {
+            if (porta.percorso == dispositivo && !dispositivo.isEmpty())
+                testo = QStringLiteral("%1   (%2)").arg(com, descrizioneDi(porta));
+        }
+        auto *voce = new QListWidgetItem(testo, m_seriali);
+        voce->setData(RuoloValore, com);
+    }
+    // The same ports by their own names, which stay right when another adapter is plugged in.
+    for (const PortaDisponibile &porta : porte) {
+        auto *voce = new QListWidgetItem(descrizioneDi(porta), m_seriali);
+        voce->setData(RuoloValore, porta.percorso);
+    }
+    for (const qint32 v : Velocita) {
+        auto *voce = new QListWidgetItem(QString::number(v), m_baud);
+        voce->setData(RuoloValore, v);
+    }
+
+    auto *etichettaPorta = new QLabel(l.LeggiTesto("Comunicazione", "LABCOM.0").trimmed(), this);
+    auto *etichettaBaud = new QLabel(l.LeggiTesto("Comunicazione", "LABCOM.1").trimmed(), this);
+    etichettaPorta->setObjectName(QStringLiteral("LabCom_0"));
+    etichettaBaud->setObjectName(QStringLiteral("LabCom_1"));
+    etichettaPorta->setBuddy(m_seriali);
+    etichettaBaud->setBuddy(m_baud);
+    auto *segnalazione = new QLabel(l.LeggiTesto("Comunicazione", "SEGNALAZIONE.0").trimmed(), this);
+    segnalazione->setObjectName(QStringLiteral("Segnalazione"));
+    segnalazione->setWordWrap(true);
+    const QString suggerimento = l.LeggiTesto("Comunicazione", "PARAMETRICOM.TOOLTIPTEXT").trimmed();
+    m_seriali->setToolTip(suggerimento + QStringLiteral(" = COM1"));
+    m_baud->setToolTip(suggerimento + QStringLiteral(" = 9600"));
+    m_salva->setText(l.LeggiTesto("TASTI", "SALVA").trimmed());
+    m_esci->setText(l.LeggiTesto("TASTI", "ESCI").trimmed());
+    m_salva->setToolTip(QStringLiteral("F2"));
+    m_esci->setToolTip(QStringLiteral("Esc"));
+
+    const int u = fontMetrics().averageCharWidth();
+    m_seriali->setMinimumWidth(u * 48);
+    m_baud->setMinimumWidth(u * 14);
+    m_baud->setMaximumWidth(u * 22);
+    DimensionaElenco(m_seriali, 14);
+    DimensionaElenco(m_baud, 4);
+
+    auto *griglia = new QGridLayout;
+    griglia->setHorizontalSpacing(3 * u);
+    griglia->addWidget(etichettaPorta, 0, 0);
+    griglia->addWidget(etichettaBaud, 0, 1);
+    griglia->addWidget(m_seriali, 1, 0, Qt::AlignTop);
+    griglia->addWidget(m_baud, 1, 1, Qt::AlignTop);
+
+    auto *tasti = new QHBoxLayout;
+    tasti->addStretch(1);
+    tasti->addWidget(m_salva);
+    tasti->addWidget(m_esci);
+
+    auto *riquadro = new QWidget(this);
+    auto *colonna = new QVBoxLayout(riquadro);
+    colonna->setSpacing(2 * u);
+    colonna->addWidget(CreaIntestazione(windowTitle(), riquadro));
+    colonna->addWidget(segnalazione);
+    colonna->addLayout(griglia);
+    colonna->addLayout(tasti);
+    colonna->addStretch(1);
+    riquadro->setMaximumWidth(u * 110);
+
+    auto *esterno = new QHBoxLayout(this);
+    esterno->setContentsMargins(3 * u, 2 * u, 3 * u, 2 * u);
+    esterno->addStretch(1);
+    esterno->addWidget(riquadro, 6);
+    esterno->addStretch(1);
+
+    // Select what the settings hold now; a value no entry shows leaves the list unselected.
+    p.LeggiImpSeriale();
+    const QString attuale = p.seriale.Porta.startsWith(u'/')
+                                ? p.seriale.Porta
+                                : QStringLiteral("COM%1").arg(p.seriale.PortaCom);
+    for (int i = 0; i < m_seriali->count(); ++i) {
+        if (m_seriali->item(i)->data(RuoloValore).toString() == attuale) {
+            m_seriali->setCurrentRow(i);
+            break;
+        }
+    }
+    for (int i = 0; i < m_baud->count(); ++i) {
+        if (m_baud->item(i)->data(RuoloValore).toInt() == p.seriale.VelocitaCom)
+            m_baud->setCurrentRow(i);
+    }
+
+    connect(m_salva, &QPushButton::clicked, this, &Comunicazione::Salva);
+    connect(m_esci, &QPushButton::clicked, this, &Comunicazione::Esci);
+    connect(m_seriali, &QListWidget::itemSelectionChanged, this, [this] { rendiNormale(m_seriali); });
+    connect(m_baud, &QListWidget::itemSelectionChanged, this, [this] { rendiNormale(m_baud); });
+    auto *f2 = new QShortcut(QKeySequence(Qt::Key_F2), this, this, &Comunicazione::Salva);
+    auto *esc = new QShortcut(QKeySequence(Qt::Key_Escape), this, this, &Comunicazione::Esci);
+    f2->setContext(Qt::WidgetWithChildrenShortcut);
+    esc->setContext(Qt::WidgetWithChildrenShortcut);
+    setFocusProxy(m_seriali);
+}
+
+void Comunicazione::segnalaMancante(QListWidget *elenco)
+{
+    QApplication::beep();
+    QPalette rossa = elenco->palette();
+    rossa.setColor(QPalette::Text, QColor(0xFF, 0, 0));
+    elenco->setPalette(rossa);
+    elenco->setFocus(Qt::OtherFocusReason);
+}
+
+void Comunicazione::Salva()
+{
+    // A message box of this save runs its own event loop: no second save may start in it.
+    if (m_inSalvataggio || !m_frame.paginaAperta(this))
+        return;
+    QScopedValueRollback inSalvataggio(m_inSalvataggio, true);
+    const QList<QListWidgetItem *> porta = m_seriali->selectedItems();
+    const QList<QListWidgetItem *> baud = m_baud->selectedItems();
+    if (porta.isEmpty()) {
+        segnalaMancante(m_seriali);
+        return;
+    }
+    if (baud.isEmpty()) {
+        segnalaMancante(m_baud);
+        return;
+    }
+    Programma &p = m_frame.programma();
+    if (!scriviImpSeriale(p.percorsoIni(), porta.first()->data(RuoloValore).toString(),
+                          baud.first()->data(RuoloValore).toInt())) {
+        // Nothing was written and the old file is whole: the fitter may try again.
+        m_frame.MostraMsg(p.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_19"), 16,
+                          p.lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_2"));
+        return;
+    }
+    p.LeggiImpSeriale();
+    // A port that fails is reported by the frame; the page closes all the same.
+    p.ApriPorta();
+    m_frame.aggiornaStatoCollegamento();
+    m_frame.ChiudiPagina(this);
+}
+
+void Comunicazione::Esci()
+{
+    m_frame.ChiudiPagina(this);
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+#include <QWidget>
+
+class Korvantine;
+class QLabel;
+class QListWidget;
+class QPushButton;
+
+// A serial port the system reports: its device and what the system says it is.
+struct PortaDisponibile
+{
+    QString percorso;
+    QString descrizione;
+};
+
+// The system's ports now, in the order that "COMn" counts them.
+QList<PortaDisponibile> PorteDisponibili();
+
+// The port page: the port and the speed, written to KORVANTINE.INI by Salva, which then
+// reopens the port.
+class Comunicazione : public QWidget
+{
+    Q_OBJECT
+public:
+    Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &porte, QWidget *parent = nullptr);
+
+    void Salva();
+    void Esci();
+
+private:
+    void segnalaMancante(QListWidget *elenco);
+
+    Korvantine &m_frame;
+    QListWidget *m_seriali;
+    QListWidget *m_baud;
+    QPushButton *m_salva;
+    QPushButton *m_esci;
+    bool m_inSalvataggio = false;
+};

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QDialog>
+
+class Korvantine;
+
+// The about box, opened by the logo of the menu.
+class Infor : public QDialog
+{
+    Q_OBJECT
+public:
+    explicit Infor(Korvantine &frame);
+};

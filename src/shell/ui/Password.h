@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QDialog>
+
+class Korvantine;
+class QLineEdit;
+
+// The access word of the service mode.
+class Password : public QDialog
+{
+    Q_OBJECT
+public:
+    explicit Password(Korvantine &frame);
+
+    void TastoOK();
+
+protected:
+    bool eventFilter(QObject *oggetto, QEvent *evento) override;
+
+private:
+    Korvantine &m_frame;
+    QLineEdit *m_parola;
+    bool m_inVerifica = false;
+};
