@@ -61,9 +61,6 @@ int main(int argc, char *argv[])
     QTemporaryDir cartella;
     Programma p(cartella.path(), std::make_unique<PortaSeriale>(), std::make_unique<TemporizzatoreQt>(),
                 std::make_unique<TemporizzatoreQt>());
-    p.catalogo.InizializzaParametri();
-    p.IniDialogo();
-    p.IniCollegamento();
     p.seriale.VelocitaCom = Baud;
     p.dispositivoForzato = ecu->percorsoDispositivo();
     if (!p.ApriPorta()) {

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Renders the main menu, the ECU version page and the port page to docs/pictures/ as a fitter
-# sees them at 1024x768, against the simulated ECU, with the offscreen platform (no display).
+# Renders the main menu, the ECU version page, the port page, the idle page and the instruments
+# to docs/pictures/ as a fitter sees them, against the simulated ECU, with the offscreen platform (no display).
 # Usage: scripts/pictures.sh [build-dir]   (default: build)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -8,5 +8,6 @@ build_dir=${1:-build}
 if [ ! -f "$build_dir/build.ninja" ]; then
   scripts/setup.sh "$build_dir"
 fi
-cmake --build "$build_dir" --target korvantine-pictures
+cmake --build "$build_dir" --target korvantine-pictures foto_pagine
 QT_QPA_PLATFORM=offscreen "$build_dir/app/korvantine-pictures" docs/pictures
+QT_QPA_PLATFORM=offscreen "$build_dir/bench/foto_pagine" docs/pictures

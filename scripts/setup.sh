@@ -4,23 +4,28 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-paquets=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-serialport-dev qt6-charts-dev
+pacchetti=(cmake ninja-build g++ ccache pkg-config qt6-base-dev qt6-serialport-dev qt6-charts-dev
          libqt6opengl6-dev libqt6sql6-sqlite libgl-dev)
-manquants=()
-for p in "${paquets[@]}"; do
-  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || manquants+=("$p")
+mancanti=()
+for p in "${pacchetti[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || mancanti+=("$p")
 done
-if [ ${#manquants[@]} -gt 0 ]; then
-  echo "Installing: ${manquants[*]}"
+if [ ${#mancanti[@]} -gt 0 ]; then
+  echo "Installing: ${mancanti[*]}"
   sudo_cmd=()
   [ "$(id -u)" -eq 0 ] || sudo_cmd=(sudo)
   "${sudo_cmd[@]}" apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq "${manquants[@]}" >/dev/null
+  DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq "${mancanti[@]}" >/dev/null
 fi
+
+# Paths relative to the checkout, so that another clone of the same tree hits the cache.
+export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1
 
 build_dir=${1:-build}
 shift || true
 if [ ! -f "$build_dir/build.ninja" ]; then
-  cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@"
+  # ccache makes a fresh checkout on a machine that has built before (CI) cheap to build.
+  cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+        -DCMAKE_CXX_COMPILER_LAUNCHER=ccache "$@"
 fi
 cmake --build "$build_dir" -j"$(nproc)"

@@ -64,9 +64,6 @@ class TstCollegamento : public QObject
         p = std::make_unique<Programma>(cartella.path(), std::make_unique<PortaSeriale>(),
                                         std::make_unique<TemporizzatoreQt>(),
                                         std::make_unique<TemporizzatoreQt>());
-        p->catalogo.InizializzaParametri();
-        p->IniDialogo();
-        p->IniCollegamento();
         p->seriale.VelocitaCom = 38400;
         p->dispositivoForzato = ecu->percorsoDispositivo();
         QVERIFY(p->ApriPorta());

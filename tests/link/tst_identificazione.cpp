@@ -72,9 +72,6 @@ private slots:
         req = r.get();
         dati = d.get();
         p = std::make_unique<Programma>(cartella.path(), std::move(pf), std::move(r), std::move(d));
-        p->catalogo.InizializzaParametri();
-        p->IniDialogo();
-        p->IniCollegamento();
     }
 
     void firstLiveFrameAsksForVersionAndTheFourCells()
