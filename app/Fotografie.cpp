@@ -1,10 +1,13 @@
-// korvantine-pictures DIR: the main menu, the ECU version page and the port page, rendered to
-// PNG files in DIR against the simulated ECU, in English, as a fitter sees them at 1024x768.
+// korvantine-pictures DIR: the main menu, the ECU version page, the port page, the idle page
+// and the instruments, rendered to PNG files in DIR against the simulated ECU, in English, as
+// a fitter sees them at 1024x768.
 // Run it with the offscreen platform (scripts/pictures.sh does).
 
 #include "Demo.h"
 
 #include "link/PortaSeriale.h"
+#include "monitoring/ui/RegistroStrumenti.h"
+#include "pages/RegistroMessaPunto.h"
 #include "shell/Avvio.h"
 #include "shell/IstanzaUnica.h"
 #include "shell/PercorsoApp.h"
@@ -89,6 +92,8 @@ int main(int argc, char *argv[])
                         std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
     programma.dispositivoForzato = demo.percorso();
     Korvantine finestra(programma);
+    RegistraPagineMessaPunto(finestra);
+    RegistraStrumenti(finestra);
     Avvio::esegui(programma);
     finestra.avvia();
     finestra.showNormal();
@@ -111,7 +116,24 @@ int main(int argc, char *argv[])
         ok &= salva(finestra, cartella, QStringLiteral("visinf.png"));
         finestra.ChiudiPagina(pagina);
     }
-    if (finestra.apriPagina(IdPagina::Comunicazione))
+    if (QWidget *pagina = finestra.apriPagina(IdPagina::Comunicazione)) {
         ok &= salva(finestra, cartella, QStringLiteral("comunicazione.png"));
+        finestra.ChiudiPagina(pagina);
+    }
+
+    const auto linkLibero = [&] { return programma.motore.StatoDialogo == -1; };
+    if (QWidget *pagina = finestra.apriPagina(IdPagina::MP_Minimo)) {
+        attendi(linkLibero, 5000);
+        pausa(600); // a few live frames into the panel
+        ok &= salva(finestra, cartella, QStringLiteral("mp_minimo.png"));
+        finestra.ChiudiPagina(pagina);
+    }
+    // Some way into the engine's cycle, where every instrument has something to say.
+    pausa(7000);
+    if (finestra.apriPagina(IdPagina::Strumenti)) {
+        attendi(linkLibero, 5000);
+        pausa(1500);
+        ok &= salva(finestra, cartella, QStringLiteral("strumenti.png"));
+    }
     return ok ? 0 : 1;
 }

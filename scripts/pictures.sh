@@ -8,6 +8,5 @@ build_dir=${1:-build}
 if [ ! -f "$build_dir/build.ninja" ]; then
   scripts/setup.sh "$build_dir"
 fi
-cmake --build "$build_dir" --target korvantine-pictures foto_pagine
+cmake --build "$build_dir" --target korvantine-pictures
 QT_QPA_PLATFORM=offscreen "$build_dir/app/korvantine-pictures" docs/pictures
-QT_QPA_PLATFORM=offscreen "$build_dir/bench/foto_pagine" docs/pictures
