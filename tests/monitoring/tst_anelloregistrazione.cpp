@@ -1,3 +1,5 @@
+// The recording ring: 41 records filled in turn, numbered by a count that survives clearing.
+
 #include "monitoring/AnelloRegistrazione.h"
 
 #include <QTest>
@@ -20,87 +22,49 @@ class TestAnelloRegistrazione : public QObject
     Q_OBJECT
 
 private slots:
-    void vuoto();
-    void riempimentoEGiro();
-    void copiaSoloICanaliDelFlusso();
-    void azzeraTieneIlConteggio();
-    void conteggioEnorme();
-};
+    void fillsInTurnAndStartsAgainAtZero()
+    {
+        AnelloRegistrazione a;
+        QCOMPARE(int(a.BufferRegistrazione.size()), 41);
+        for (int n = 0; n <= 40; ++n) {
+            QCOMPARE(a.aggiungi(campione(1000 * n)), n == 40); // full on the last slot
+            QCOMPARE(a.IndiceRegistrazione, qint16(n));
+            QCOMPARE(a.BufferRegistrazione[n].Progressivo, n); // the ring's number, not the sample's
+        }
+        // Only the channels of the stream, 1 to 11, are taken.
+        const RecordDati &r = a.BufferRegistrazione[3];
+        for (int c = 0; c < NumeroCanali; ++c)
+            QCOMPARE(r.Valore[c], c >= 1 && c <= 11 ? 3000.0 + c : 0.0);
 
-void TestAnelloRegistrazione::vuoto()
-{
-    AnelloRegistrazione a;
-    QCOMPARE(a.IndiceRegistrazione, qint16(-1));
-    QCOMPARE(a.ContaRegistrazione, -1.0);
-    QCOMPARE(int(a.BufferRegistrazione.size()), 41);
-    for (const RecordDati &r : a.BufferRegistrazione)
-        QCOMPARE(r.Progressivo, -1);
-}
-
-void TestAnelloRegistrazione::riempimentoEGiro()
-{
-    AnelloRegistrazione a;
-    for (int n = 0; n <= 40; ++n) {
-        const bool pieno = a.aggiungi(campione(n));
-        QCOMPARE(pieno, n == 40);
-        QCOMPARE(a.IndiceRegistrazione, qint16(n));
-        QCOMPARE(a.BufferRegistrazione[n].Progressivo, n);
+        QVERIFY(!a.aggiungi(campione(100)));
+        QCOMPARE(a.IndiceRegistrazione, qint16(0));
+        QCOMPARE(a.BufferRegistrazione[0].Progressivo, 41);
+        QCOMPARE(a.BufferRegistrazione[0].Valore[2], 102.0);
+        QCOMPARE(a.BufferRegistrazione[1].Progressivo, 1);
     }
-    QCOMPARE(a.ContaRegistrazione, 40.0);
 
-    // Past the upper bound the ring starts again at 0, overwriting the oldest sample.
-    QVERIFY(!a.aggiungi(campione(100)));
-    QCOMPARE(a.IndiceRegistrazione, qint16(0));
-    QCOMPARE(a.BufferRegistrazione[0].Progressivo, 41);
-    QCOMPARE(a.BufferRegistrazione[0].Valore[2], 102.0);
-    QCOMPARE(a.BufferRegistrazione[1].Progressivo, 1);
+    void clearingKeepsTheCount()
+    {
+        AnelloRegistrazione a;
+        for (int n = 0; n < 5; ++n)
+            a.aggiungi(campione(n));
+        a.azzera();
+        QCOMPARE(a.IndiceRegistrazione, qint16(-1));
+        for (const RecordDati &r : a.BufferRegistrazione)
+            QCOMPARE(r.Progressivo, -1);
+        // Numbers go on after a pause, so a recording shows the gap.
+        a.aggiungi(campione(0));
+        QCOMPARE(a.IndiceRegistrazione, qint16(0));
+        QCOMPARE(a.BufferRegistrazione[0].Progressivo, 5);
 
-    for (int n = 1; n < 40; ++n)
-        QVERIFY(!a.aggiungi(campione(0)));
-    QVERIFY(a.aggiungi(campione(0)));
-    QCOMPARE(a.BufferRegistrazione[40].Progressivo, 81);
-}
-
-void TestAnelloRegistrazione::copiaSoloICanaliDelFlusso()
-{
-    AnelloRegistrazione a;
-    a.aggiungi(campione(1000));
-    const RecordDati &r = a.BufferRegistrazione[0];
-    QCOMPARE(r.Progressivo, 0); // the ring's own number, not the sample's
-    QCOMPARE(r.Valore[0], 0.0);
-    for (int c = 1; c <= 11; ++c)
-        QCOMPARE(r.Valore[c], 1000.0 + c);
-    for (int c = 12; c < NumeroCanali; ++c)
-        QCOMPARE(r.Valore[c], 0.0);
-}
-
-void TestAnelloRegistrazione::azzeraTieneIlConteggio()
-{
-    AnelloRegistrazione a;
-    for (int n = 0; n < 5; ++n)
-        a.aggiungi(campione(n));
-    a.azzera();
-    QCOMPARE(a.IndiceRegistrazione, qint16(-1));
-    for (const RecordDati &r : a.BufferRegistrazione)
-        QCOMPARE(r.Progressivo, -1);
-    QCOMPARE(a.ContaRegistrazione, 4.0);
-
-    // Numbers go on after a pause, so a recording shows the gap.
-    a.aggiungi(campione(0));
-    QCOMPARE(a.IndiceRegistrazione, qint16(0));
-    QCOMPARE(a.BufferRegistrazione[0].Progressivo, 5);
-}
-
-void TestAnelloRegistrazione::conteggioEnorme()
-{
-    AnelloRegistrazione a;
-    a.ContaRegistrazione = 2147483646.0;
-    a.aggiungi(campione(0));
-    QCOMPARE(a.BufferRegistrazione[0].Progressivo, 2147483647);
-    a.aggiungi(campione(0));
-    QCOMPARE(a.ContaRegistrazione, 2147483648.0);
-    QCOMPARE(a.BufferRegistrazione[1].Progressivo, std::numeric_limits<qint32>::min());
-}
+        // A run past 2^31 samples wraps the number round instead of failing.
+        a.ContaRegistrazione = 2147483646.0;
+        a.aggiungi(campione(0));
+        QCOMPARE(a.BufferRegistrazione[1].Progressivo, 2147483647);
+        a.aggiungi(campione(0));
+        QCOMPARE(a.BufferRegistrazione[2].Progressivo, std::numeric_limits<qint32>::min());
+    }
+};
 
 QTEST_APPLESS_MAIN(TestAnelloRegistrazione)
 #include "tst_anelloregistrazione.moc"

@@ -1,9 +1,9 @@
 // The instruments panel: its 13 set-point reads against the simulated ECU wired straight
 // to the port, the display tick on records put in by hand, and the panel on screen.
 
+#include "../../support/FileDiProva.h"
 #include "../../variables/PortaEcu.h"
 
-#include "link/Frame.h"
 #include "monitoring/ui/BarraStrumento.h"
 #include "monitoring/ui/Contagiri.h"
 #include "monitoring/ui/ImmaginiMotorino.h"
@@ -19,6 +19,7 @@
 #include <QTest>
 
 #include <cmath>
+#include <tuple>
 
 using M = ModelloStrumenti;
 
@@ -47,14 +48,8 @@ class TstStrumenti : public QObject
     void record(double giri, double tps, double lambda, double passi, double zona, double pompa, double alim)
     {
         auto &v = p->stato.DatiAttuali[0].Valore;
-        v[1] = 0;
-        v[2] = giri;
-        v[3] = tps;
-        v[4] = lambda;
-        v[5] = passi;
-        v[7] = zona;
-        v[8] = pompa;
-        v[10] = alim;
+        std::tie(v[1], v[2], v[3], v[4], v[5], v[7], v[8], v[10]) =
+            std::tuple(0.0, giri, tps, lambda, passi, zona, pompa, alim);
         p->stato.DatoNuovo = -1;
     }
 
@@ -78,24 +73,16 @@ private slots:
         req = r.get();
         p = std::make_unique<Programma>(cartella.path(), std::move(pe), std::move(r),
                                         std::make_unique<TemporizzatoreManuale>());
-        p->catalogo.InizializzaParametri();
-        p->IniDialogo();
-        p->IniCollegamento();
         p->stato.EcuDaIdentificare = 0;
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        voce(Par::SogliaGiriEntrataMinimo, 1100);
-        voce(Par::SogliaGiriEntrataCutOff, 2000);
-        voce(Par::SogliaGiriEntrataPC, 2600);
-        voce(Par::SogliaTpsEntrataMinimo, 80);
-        voce(Par::SogliaTpsEntrataCutOff, 90);
-        voce(Par::SogliaTpsEntrataPC, 850);
-        voce(Par::PassiControlloMinimo, 3);
-        voce(Par::PassiControlloNormale, 20);
-        voce(Par::PosizioneMotorinoNormale, 120);
-        voce(Par::ScalaLambda, 0);
-        voce(Par::SogliaLambdaRiccoMinimo, 600);
-        voce(Par::SogliaLambdaRiccoNormale, 580);
-        voce(Par::SogliaLambdaRiccoPC, 640);
+        using namespace Par;
+        for (auto [v, grezzo] : {std::pair{SogliaGiriEntrataMinimo, 1100}, {SogliaGiriEntrataCutOff, 2000},
+                                 {SogliaGiriEntrataPC, 2600}, {SogliaTpsEntrataMinimo, 80},
+                                 {SogliaTpsEntrataCutOff, 90}, {SogliaTpsEntrataPC, 850}, {PassiControlloMinimo, 3},
+                                 {PassiControlloNormale, 20}, {PosizioneMotorinoNormale, 120}, {ScalaLambda, 0},
+                                 {SogliaLambdaRiccoMinimo, 600}, {SogliaLambdaRiccoNormale, 580},
+                                 {SogliaLambdaRiccoPC, 640}})
+            voce(v, grezzo);
         modello = std::make_unique<M>(*p);
     }
 
@@ -116,51 +103,29 @@ private slots:
         QVERIFY(attendi());
         QCOMPARE(fine.size(), 1);
         QCOMPARE(fine.at(0).at(0).toBool(), true);
-        QCOMPARE(p->motore.PassoDialogo, qint16(-1));
         QCOMPARE(p->stato.RegistrazioneAttiva, qint16(-1));
         QCOMPARE(p->anello.IndiceRegistrazione, qint16(-1));
 
         QCOMPARE(porta->scritti.size(), 13);
-        for (int passo = 0; passo < M::Passi; ++passo) {
-            const Parametro &par = p->catalogo.Parametri[static_cast<size_t>(M::parametro(passo))];
-            QByteArray richiesta("R");
-            richiesta += ParolaInByte(quint32(par.IndirizzoRAM));
-            richiesta += char(par.Dimensione);
-            QCOMPARE(porta->scritti.at(passo), CreaFrame(richiesta));
-        }
 
         const auto scala = [](int g) { return std::round(g * 255.0 / 1023.0); };
-        QCOMPARE(modello->valore(M::GiriMinimo), 1100.0);
         QCOMPARE(modello->valore(M::GiriPienoCarico), 2600.0);
-        QCOMPARE(modello->valore(M::TpsMinimo), scala(80));
-        QCOMPARE(modello->valore(M::TpsPienoCarico), scala(850));
-        QCOMPARE(modello->valore(M::PosizioneReset), 120.0);
-        QCOMPARE(modello->scalaLambda(), 0.0);
-        QCOMPARE(modello->valore(M::LambdaMinimo), scala(600));
         QCOMPARE(modello->testoValore(M::TpsCutOff), QString::number(scala(90)));
-
+        QCOMPARE(modello->scalaLambda(), 0.0);
         QCOMPARE(*modello->marcatore(M::MarcaTpsPienoCarico), scala(850) / 255);
         QCOMPARE(*modello->marcatore(M::MarcaLambdaNormale), scala(580) / 255);
         QCOMPARE(*modello->marcatore(M::LineaReset), 120.0 / 255);
         QCOMPARE(*modello->marcatore(M::PassiNormSopra), 140.0 / 255);
-        QCOMPARE(*modello->marcatore(M::PassiNormSotto), 100.0 / 255);
-        QCOMPARE(*modello->marcatore(M::PassiMinSopra), 123.0 / 255);
         QCOMPARE(*modello->marcatore(M::PassiMinSotto), 117.0 / 255);
     }
 
-    void rawLambdaScaleKeepsTheRawThresholds()
+    void nothingShownUntilRead()
     {
-        voce(Par::ScalaLambda, 1);
-        voce(Par::SogliaLambdaRiccoMinimo, 200);
-        QVERIFY(modello->carica());
-        QVERIFY(attendi());
-        QCOMPARE(modello->scalaLambda(), 255.0);
-        QCOMPARE(modello->valore(M::LambdaMinimo), 200.0);
-        QCOMPARE(*modello->marcatore(M::MarcaLambdaMinimo), 200.0 / 255);
-    }
+        porta->chiudi();
+        QVERIFY(!modello->carica());
+        QVERIFY(porta->scritti.isEmpty());
 
-    void markersHiddenUntilRead()
-    {
+        porta->apri({});
         ecu->impostaStallo(true);
         QSignalSpy fine(modello.get(), &M::letturaFinita);
         QVERIFY(modello->carica());
@@ -173,18 +138,9 @@ private slots:
         QCOMPARE(fine.at(0).at(0).toBool(), false);
     }
 
-    void closedPortReadsNothing()
-    {
-        porta->chiudi();
-        QVERIFY(!modello->carica());
-        QVERIFY(porta->scritti.isEmpty());
-        QCOMPARE(p->motore.StatoDialogo, qint16(-1));
-    }
-
     void firstRecordShowsEverythingThenOnlyChanges()
     {
-        QVERIFY(modello->carica());
-        QVERIFY(attendi());
+        QVERIFY(pronto());
         QVERIFY(!modello->tick().qualcosa()); // nothing new yet
         record(2500, 40, 120, 90, 2, 0, 1);
         M::Cambiamenti c = modello->tick();
@@ -203,91 +159,56 @@ private slots:
         QVERIFY(c.giri);
         QVERIFY(!c.tps && !c.lambda && !c.motorino && !c.alimentazione && !c.pompata && !c.zona);
         QCOMPARE(p->stato.DatiAttuali[1].Valore[2], 2600.0);
+
+        // Off its scale a pointer stays where it was while the number goes on; the top of a
+        // scale is still on it.
+        record(9500, 255, 300, 90, 2, 0, 1);
+        modello->tick();
+        QCOMPARE(q.giri, QString("9500"));
+        QCOMPARE(q.lancettaGiri, 2.6);
+        QCOMPARE(q.barraTps, 255.0);
+        QCOMPARE(q.lambda, QString("300"));
+        QCOMPARE(q.barraLambda, 120.0);
+        record(8000, 255, 300, 90, 2, 0, 1);
+        modello->tick();
+        QCOMPARE(q.lancettaGiri, 8.0);
     }
 
-    void speedAboveTheScaleLeavesTheNeedle()
+    void stateTexts_data()
     {
-        QVERIFY(pronto());
-        record(3000, 0, 0, 0, 1, 0, 1);
-        modello->tick();
-        record(9500, 0, 0, 0, 1, 0, 1);
-        QVERIFY(modello->tick().giri);
-        QCOMPARE(modello->quadro().giri, QString("9500"));
-        QCOMPARE(modello->quadro().lancettaGiri, 3.0);
-        record(8000, 0, 0, 0, 1, 0, 1); // the top of the scale itself is on it
-        modello->tick();
-        QCOMPARE(modello->quadro().lancettaGiri, 8.0);
-    }
-
-    void barsTakeOnlyValuesOnTheirScale()
-    {
-        QVERIFY(pronto());
-        record(800, 100, 100, 0, 1, 0, 1);
-        modello->tick();
-        record(800, 255, 300, 0, 1, 0, 1);
-        modello->tick();
-        QCOMPARE(modello->quadro().barraTps, 255.0);
-        QCOMPARE(modello->quadro().barraLambda, 100.0);
-        QCOMPARE(modello->quadro().lambda, QString("300"));
-    }
-
-    void supplyStateAndItsColour_data()
-    {
-        QTest::addColumn<double>("valore");
-        QTest::addColumn<QString>("chiave");
+        QTest::addColumn<double>("zona");
+        QTest::addColumn<double>("pompa");
+        QTest::addColumn<double>("alimentazione");
+        QTest::addColumn<QStringList>("chiavi"); // zone, pump, supply
         QTest::addColumn<quint32>("colore");
-        QTest::newRow("petrol") << 0.0 << "TIPO.0" << quint32(0x0000FF);
-        QTest::newRow("gas") << 1.0 << "TIPO.1" << quint32(0x00FF00);
-        QTest::newRow("no third type") << 2.0 << "TIPO.99" << quint32(0x00FFFF);
+        QTest::newRow("no zone, pump at rest, petrol")
+            << 0.0 << 0.0 << 0.0 << QStringList{"ZONA.99", "POMPATA.0", "TIPO.0"} << quint32(0x0000FF);
+        QTest::newRow("zone 5, pumping, gas")
+            << 5.0 << 3.0 << 1.0 << QStringList{"ZONA.5", "POMPATA.99", "TIPO.1"} << quint32(0x00FF00);
+        QTest::newRow("zone above five, no third supply")
+            << 6.0 << 1.0 << 2.0 << QStringList{"ZONA.99", "POMPATA.99", "TIPO.99"} << quint32(0x00FFFF);
     }
 
-    void supplyStateAndItsColour()
+    void stateTexts()
     {
-        QFETCH(double, valore);
-        QFETCH(QString, chiave);
+        QFETCH(double, zona);
+        QFETCH(double, pompa);
+        QFETCH(double, alimentazione);
+        QFETCH(QStringList, chiavi);
         QFETCH(quint32, colore);
         QVERIFY(pronto());
-        record(800, 10, 10, 10, 1, 0, valore);
+        record(800, 10, 10, 10, zona, pompa, alimentazione);
         QVERIFY(modello->tick().alimentazione);
-        QCOMPARE(modello->quadro().alimentazione, testo("ALIMENTAZIONE", chiave));
-        QVERIFY(!modello->quadro().alimentazione.isEmpty());
-        QCOMPARE(modello->quadro().coloreAlimentazione, colore);
-    }
-
-    void pumpAndZoneTexts()
-    {
-        QVERIFY(pronto());
-        record(800, 10, 10, 10, 0, 0, 1);
-        modello->tick();
-        QCOMPARE(modello->quadro().pompata, testo("POMPATA", "POMPATA.0"));
-        QCOMPARE(modello->quadro().zona, testo("ZONE", "ZONA.99"));
-        record(800, 10, 10, 10, 6, 3, 1);
-        modello->tick();
-        QCOMPARE(modello->quadro().pompata, testo("POMPATA", "POMPATA.99"));
-        QCOMPARE(modello->quadro().zona, testo("ZONE", "ZONA.99"));
-        record(800, 10, 10, 10, 5, 1, 1);
-        modello->tick();
-        QCOMPARE(modello->quadro().zona, testo("ZONE", "ZONA.5"));
-    }
-
-    void recordingLineAndClosing()
-    {
-        QFile ini(p->percorsoIni());
-        QVERIFY(ini.open(QIODevice::WriteOnly));
-        ini.write("[MEMORIZZAZIONE]\r\nFileMemor= /tmp/prova.ACQ \r\n");
-        ini.close();
-        QCOMPARE(modello->testoRegistro(), testo("STRUMENTI", "LABREGISTRO.0") + " /tmp/prova.ACQ");
-        QVERIFY(modello->carica());
-        QVERIFY(attendi());
-        p->anello.IndiceRegistrazione = 5;
-        modello->chiudi();
-        QCOMPARE(p->stato.RegistrazioneAttiva, qint16(0));
-        QCOMPARE(p->anello.IndiceRegistrazione, qint16(-1));
+        const M::Quadro &q = modello->quadro();
+        QCOMPARE(QStringList({q.zona, q.pompata, q.alimentazione}),
+                 QStringList({testo("ZONE", chiavi[0]), testo("POMPATA", chiavi[1]), testo("ALIMENTAZIONE", chiavi[2])}));
+        QCOMPARE(q.coloreAlimentazione, colore);
     }
 
     void panelOnScreen()
     {
         modello.reset();
+        scrivi(p->percorsoIni(), "[MEMORIZZAZIONE]\r\nFileMemor= /tmp/prova.ACQ \r\n");
         Strumenti s(*p);
         s.resize(1100, 600);
         s.show();
@@ -297,7 +218,7 @@ private slots:
         QVERIFY(!s.findChild<QWidget *>("Cruscotto")->isVisible()); // until the set points are in
         QVERIFY(attendi());
         QVERIFY(s.findChild<QWidget *>("Cruscotto")->isVisible());
-        QCOMPARE(s.windowTitle(), testo("Strumenti", "CAPTION"));
+        QCOMPARE(s.findChild<QLabel *>("LabRegistro")->text(), testo("STRUMENTI", "LABREGISTRO.0") + " /tmp/prova.ACQ");
         auto *tps = s.findChild<BarraStrumento *>("Dato_TPS");
         QCOMPARE(*tps->marcatore(2), std::round(850 * 255.0 / 1023.0) / 255);
         QCOMPARE(*s.findChild<ScalaMotorino *>("MotorinoZ")->reset(), 120.0 / 255);
@@ -319,9 +240,12 @@ private slots:
         QCOMPARE(alim->palette().color(QPalette::Window), QColor(255, 255, 0));
         QCOMPARE(s.findChild<QLabel *>("ZonaLavoro")->text(), testo("ZONE", "ZONA.3"));
 
+        // Closing stops the recording and empties the ring.
+        p->anello.IndiceRegistrazione = 5;
         QTest::keyClick(&s, Qt::Key_Escape);
         QCOMPARE(chiusa.size(), 1);
         QCOMPARE(p->stato.RegistrazioneAttiva, qint16(0));
+        QCOMPARE(p->anello.IndiceRegistrazione, qint16(-1));
     }
 };
 

@@ -25,30 +25,16 @@
 
 namespace aiuto {
 
-inline QByteArray datiLive(quint8 stato, quint8 zona = 2)
+// A live frame: 800 RPM, TPS 100, lambda 500, stepper 90, zone 2, TPS type 1, supply 2.
+inline QByteArray datiLive(quint8 stato)
 {
-    QByteArray p("d");
-    p += char(stato);
-    p += char(0x03);
-    p += char(0x20); // 800 RPM
-    p += char(0);
-    p += char(100);  // TPS
-    p += char(0x01);
-    p += char(0xF4); // lambda
-    p += char(90);   // stepper
-    p += char(1);    // rich/lean
-    p += char(zona);
-    p += char(0);    // pump
-    p += char(1);    // TPS type
-    p += char(2);    // supply
-    p += char(0);    // probe type
-    return p;
+    const char byte[] = {'d', char(stato), 0x03, 0x20, 0, 100, 0x01, char(0xF4), 90, 1, 2, 0, 1, 2, 0};
+    return QByteArray(byte, sizeof byte);
 }
 
 inline QByteArray versione()
 {
-    return "v" + QByteArray("VEICOLO-01") + QByteArray("2026-11-01") + QByteArray("KV-CODE-000042")
-        + QByteArray("DATO-A-123") + QByteArray("B-77");
+    return "vVEICOLO-012026-11-01KV-CODE-000042DATO-A-123B-77";
 }
 
 inline QByteArray parola(quint16 v)
@@ -61,36 +47,57 @@ inline bool copia(const QString &nome, const QString &cartella)
     return QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/") + nome, cartella + u'/' + nome);
 }
 
+// A port that counts its openings and may refuse them.
+struct PortaContata : PortaFinta
+{
+    bool apri(const ImpostazioniPorta &impostazioni) override
+    {
+        ++aperture;
+        ultime = impostazioni;
+        return riesce && PortaFinta::apri(impostazioni);
+    }
+    int aperture = 0;
+    bool riesce = true;
+    ImpostazioniPorta ultime;
+};
+
+// A page for the tests that counts how many of its kind are alive.
+struct PaginaContata : QWidget
+{
+    explicit PaginaContata(int &v) : vive(v) { ++vive; setWindowTitle(QStringLiteral("Test page")); }
+    ~PaginaContata() override { --vive; }
+    int &vive;
+};
+
 // The program as the start-up leaves it, its port scripted, its two timers fired by hand, and
-// the main frame on screen.
+// the main frame on screen; the ECU identified unless told otherwise.
 struct Ambiente
 {
     QTemporaryDir cartella;
-    Porta *porta = nullptr;
+    PortaContata *porta = nullptr;
     TemporizzatoreManuale *req = nullptr;
     TemporizzatoreManuale *dati = nullptr;
     std::unique_ptr<Programma> programma;
     std::unique_ptr<Korvantine> frame;
 
-    explicit Ambiente(std::unique_ptr<Porta> altraPorta = {}, bool avvia = true)
+    explicit Ambiente(bool identificata = true, bool avvia = true)
     {
         copia(QStringLiteral("ENGLISH.LNG"), cartella.path());
         copia(QStringLiteral("ITALIANO.LNG"), cartella.path());
-        std::unique_ptr<Porta> p = altraPorta ? std::move(altraPorta) : std::make_unique<PortaFinta>();
+        auto p = std::make_unique<PortaContata>();
         auto r = std::make_unique<TemporizzatoreManuale>();
         auto d = std::make_unique<TemporizzatoreManuale>();
         porta = p.get();
         req = r.get();
         dati = d.get();
         programma = std::make_unique<Programma>(cartella.path(), std::move(p), std::move(r), std::move(d));
-        programma->catalogo.InizializzaParametri();
-        programma->IniDialogo();
-        programma->IniCollegamento();
         programma->lingua.LeggiImpLingua();
         programma->LeggiImpSeriale();
         frame = std::make_unique<Korvantine>(*programma);
         if (avvia)
             avviaFrame();
+        if (identificata)
+            identifica();
     }
 
     void avviaFrame()
@@ -102,19 +109,26 @@ struct Ambiente
 
     StatoProgramma &stato() { return programma->stato; }
     MainLambda *menu() { return frame->menu(); }
-    PortaFinta *portaFinta() { return dynamic_cast<PortaFinta *>(porta); }
-
     void arriva(const QByteArray &payload) { emit porta->arrivati(CreaFrame(payload, 0)); }
 
-    // The first live frame and the replies of identification; TPS cells raw.
-    void identifica(quint16 tpsMax = 900, quint16 tpsMin = 60)
+    // The first live frame and the replies of identification: TPS cells 900 and 60 raw, type 7.
+    void identifica()
     {
-        arriva(datiLive(0));
-        arriva(versione());
-        arriva("r" + parola(tpsMax));
-        arriva("r" + parola(tpsMin));
-        arriva(QByteArray("r") + char(7));
-        arriva(QByteArray("r") + char(0));
+        for (const QByteArray &f : {datiLive(0), versione(), "r" + parola(900), "r" + parola(60), QByteArray("r\x07"),
+                                    QByteArray("r\x00", 2)})
+            arriva(f);
+    }
+
+    void registraContata(IdPagina id, int &vive)
+    {
+        frame->registraPagina(id, [&vive](Korvantine &) { return new PaginaContata(vive); });
+    }
+
+    template<typename T = QPushButton>
+    T *sullaPagina(const char *nome)
+    {
+        QWidget *pagina = frame->paginaSopra() ? frame->paginaSopra() : frame->paginaAttiva();
+        return pagina ? pagina->findChild<T *>(QLatin1String(nome)) : nullptr;
     }
 
     QString testo(const char *sezione, const char *chiave)

@@ -1,7 +1,8 @@
 // The dialogues: the port page and what it writes, the language page and the next page load,
-// the ECU version page, the service-mode access word and the about box.
+// the ECU version page and the service-mode access word.
 #include "AiutoUi.h"
 
+#include "../../support/FileDiProva.h"
 #include "shell/FileIni.h"
 #include "shell/ui/Comunicazione.h"
 #include "shell/ui/VisInf.h"
@@ -13,69 +14,30 @@ using aiuto::Ambiente;
 
 namespace {
 
-// A port that counts its openings and may refuse them.
-class PortaContata : public PortaFinta
-{
-public:
-    bool apri(const ImpostazioniPorta &impostazioni) override
-    {
-        ++aperture;
-        ultime = impostazioni;
-        return riesce && PortaFinta::apri(impostazioni);
-    }
-    int aperture = 0;
-    bool riesce = true;
-    ImpostazioniPorta ultime;
-};
-
-QByteArray leggiFile(const QString &percorso)
-{
-    QFile f(percorso);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-bool scriviFile(const QString &percorso, const QByteArray &byte)
-{
-    QFile f(percorso);
-    return f.open(QIODevice::WriteOnly) && f.write(byte) == byte.size();
-}
-
 const QList<PortaDisponibile> Porte = {{"/dev/ttyUSB0", "FT232R USB UART"}, {"/dev/ttyS0", ""}};
 
-struct ConPorta
+// The port page on the system's two ports above, over a settings file that holds ini.
+QWidget *apriComunicazione(Ambiente &a, const QByteArray &ini = {})
 {
-    PortaContata *porta;
-    Ambiente a;
+    if (!ini.isEmpty())
+        scrivi(a.programma->percorsoIni(), ini);
+    a.frame->registraPagina(IdPagina::Comunicazione, [](Korvantine &f) { return new Comunicazione(f, Porte); });
+    return a.frame->apriPagina(IdPagina::Comunicazione);
+}
 
-    ConPorta()
-        : ConPorta(std::make_unique<PortaContata>())
-    {
-    }
-    explicit ConPorta(std::unique_ptr<PortaContata> p)
-        : porta(p.get())
-        , a(std::move(p))
-    {
-        a.frame->registraPagina(IdPagina::Comunicazione,
-                                [](Korvantine &f) { return new Comunicazione(f, Porte); });
-    }
+QString scelta(QListWidget *l)
+{
+    const auto voci = l->selectedItems();
+    return voci.isEmpty() ? QString() : voci.first()->data(Qt::UserRole).toString();
+}
 
-    QListWidget *seriali() { return a.frame->paginaAttiva()->findChild<QListWidget *>(QStringLiteral("Seriali")); }
-    QListWidget *baud() { return a.frame->paginaAttiva()->findChild<QListWidget *>(QStringLiteral("Baud")); }
-    QString ini() { return a.programma->percorsoIni(); }
-    QString scelta(QListWidget *l)
-    {
-        const auto voci = l->selectedItems();
-        return voci.isEmpty() ? QString() : voci.first()->data(Qt::UserRole).toString();
+void scegli(QListWidget *l, const QString &valore)
+{
+    for (int i = 0; i < l->count(); ++i) {
+        if (l->item(i)->data(Qt::UserRole).toString() == valore)
+            l->setCurrentRow(i);
     }
-    int riga(QListWidget *l, const QString &valore)
-    {
-        for (int i = 0; i < l->count(); ++i) {
-            if (l->item(i)->data(Qt::UserRole).toString() == valore)
-                return i;
-        }
-        return -1;
-    }
-};
+}
 
 bool rosso(QListWidget *l)
 {
@@ -89,7 +51,7 @@ class TstDialoghi : public QObject
     Q_OBJECT
 
 private slots:
-    void comunicazioneMostraLeImpostazioni_data()
+    void portPageShowsTheSettings_data()
     {
         QTest::addColumn<QByteArray>("ini");
         QTest::addColumn<QString>("porta");
@@ -101,238 +63,175 @@ private slots:
         QTest::newRow("device not there") << QByteArray("[SERIALE]\r\nPorta=/dev/ttyACM7\r\n") << "" << "9600";
     }
 
-    void comunicazioneMostraLeImpostazioni()
+    void portPageShowsTheSettings()
     {
         QFETCH(QByteArray, ini);
         QFETCH(QString, porta);
         QFETCH(QString, baud);
-        ConPorta c;
-        if (!ini.isEmpty())
-            QVERIFY(scriviFile(c.ini(), ini));
-        QVERIFY(c.a.frame->apriPagina(IdPagina::Comunicazione));
-        QCOMPARE(c.a.frame->windowTitle(), c.a.testo("Comunicazione", "CAPTION"));
-        QCOMPARE(c.seriali()->count(), 12);
-        QCOMPARE(c.scelta(c.seriali()), porta);
-        QCOMPARE(c.scelta(c.baud()), baud);
+        Ambiente a(false);
+        QVERIFY(apriComunicazione(a, ini));
+        auto *seriali = a.sullaPagina<QListWidget>("Seriali");
+        QCOMPARE(a.frame->windowTitle(), a.testo("Comunicazione", "CAPTION"));
+        QCOMPARE(scelta(seriali), porta);
+        QCOMPARE(scelta(a.sullaPagina<QListWidget>("Baud")), baud);
         // COMn counts the system's ports in natural order; the ports follow by their names.
-        QVERIFY(c.seriali()->item(0)->text().contains(QStringLiteral("/dev/ttyS0")));
-        QVERIFY(c.seriali()->item(1)->text().contains(QStringLiteral("FT232R USB UART")));
-        QCOMPARE(c.seriali()->item(2)->text(), QStringLiteral("COM3"));
-        QCOMPARE(c.seriali()->item(10)->data(Qt::UserRole).toString(), QStringLiteral("/dev/ttyUSB0"));
-        const QString suggerimento = c.a.testo("Comunicazione", "PARAMETRICOM.TOOLTIPTEXT");
-        QCOMPARE(c.seriali()->toolTip(), suggerimento + " = COM1");
-        QCOMPARE(c.baud()->toolTip(), suggerimento + " = 9600");
+        QCOMPARE(seriali->count(), 12);
+        QVERIFY(seriali->item(0)->text().contains(QStringLiteral("/dev/ttyS0")));
+        QVERIFY(seriali->item(1)->text().contains(QStringLiteral("FT232R USB UART")));
+        QCOMPARE(seriali->item(2)->text(), QStringLiteral("COM3"));
+        QCOMPARE(seriali->item(10)->data(Qt::UserRole).toString(), QStringLiteral("/dev/ttyUSB0"));
     }
 
-    void salvaSenzaSelezioneNonScriveNulla()
+    void saveWritesNothingWithoutASelectionAndElseReopensThePort()
     {
-        ConPorta c;
+        Ambiente a(false);
+        const QString ini = a.programma->percorsoIni();
         const QByteArray prima("[IMPOSTAZIONI]\r\nLingua=ENGLISH\r\n[SERIALE]\r\nPorta=COM3\r\nBaudRate=19200\r\n");
-        QVERIFY(scriviFile(c.ini(), prima));
-        QVERIFY(c.a.frame->apriPagina(IdPagina::Comunicazione));
-        auto *salva = c.a.frame->paginaAttiva()->findChild<QPushButton *>(QStringLiteral("Salva"));
-        QCOMPARE(salva->text(), c.a.testo("TASTI", "SALVA"));
+        QVERIFY(apriComunicazione(a, prima));
+        auto *seriali = a.sullaPagina<QListWidget>("Seriali");
+        auto *baud = a.sullaPagina<QListWidget>("Baud");
+        QCOMPARE(a.sullaPagina("Salva")->text(), a.testo("TASTI", "SALVA"));
+        seriali->clearSelection();
+        a.sullaPagina("Salva")->click();
+        QVERIFY(rosso(seriali) && seriali->hasFocus());
+        seriali->setCurrentRow(1);
+        QVERIFY(!rosso(seriali));
+        baud->clearSelection();
+        a.sullaPagina("Salva")->click();
+        QVERIFY(rosso(baud));
+        QCOMPARE(a.frame->idPaginaAttiva(), IdPagina::Comunicazione);
+        QTest::keyClick(seriali, Qt::Key_Escape);
+        QVERIFY(a.menu());
+        QCOMPARE(leggi(ini), prima);
+        QCOMPARE(a.porta->aperture, 0);
 
-        c.seriali()->clearSelection();
-        salva->click();
-        QCOMPARE(leggiFile(c.ini()), prima);
-        QCOMPARE(c.a.frame->idPaginaAttiva(), IdPagina::Comunicazione);
-        QVERIFY(rosso(c.seriali()));
-        QVERIFY(c.seriali()->hasFocus());
-        QCOMPARE(c.porta->aperture, 0);
+        // F2 saves too.
+        QVERIFY(a.frame->apriPagina(IdPagina::Comunicazione));
+        scegli(a.sullaPagina<QListWidget>("Seriali"), "/dev/ttyUSB0");
+        scegli(a.sullaPagina<QListWidget>("Baud"), "38400");
+        QTest::keyClick(a.sullaPagina<QListWidget>("Seriali"), Qt::Key_F2);
+        QCOMPARE(FileIni::leggi(ini, "SERIALE", "Porta"), QStringLiteral("/dev/ttyUSB0"));
+        QCOMPARE(FileIni::leggi(ini, "SERIALE", "Baudrate"), QStringLiteral("38400"));
+        QCOMPARE(FileIni::leggi(ini, "IMPOSTAZIONI", "Lingua"), QStringLiteral("ENGLISH"));
+        QCOMPARE(a.porta->aperture, 1);
+        QCOMPARE(a.porta->ultime.dispositivo, QStringLiteral("/dev/ttyUSB0"));
+        QCOMPARE(a.porta->ultime.velocita, 38400);
+        QCOMPARE(a.programma->seriale.VelocitaCom, 38400);
+        QVERIFY(a.menu());
 
-        c.seriali()->setCurrentRow(1);
-        QVERIFY(!rosso(c.seriali()));
-        c.baud()->clearSelection();
-        salva->click();
-        QCOMPARE(leggiFile(c.ini()), prima);
-        QVERIFY(rosso(c.baud()));
-        QCOMPARE(c.a.frame->idPaginaAttiva(), IdPagina::Comunicazione);
-        QCOMPARE(c.porta->aperture, 0);
+        QVERIFY(a.frame->apriPagina(IdPagina::Comunicazione));
+        QCOMPARE(scelta(a.sullaPagina<QListWidget>("Seriali")), QStringLiteral("/dev/ttyUSB0"));
+        scegli(a.sullaPagina<QListWidget>("Seriali"), "COM2");
+        a.sullaPagina("Salva")->click();
+        QCOMPARE(FileIni::leggi(ini, "SERIALE", "Porta"), QStringLiteral("COM2"));
+        QCOMPARE(a.porta->aperture, 2);
     }
 
-    void salvaScriveERiapre()
+    void aPortThatWillNotOpenIsToldAndThePageStillCloses()
     {
-        ConPorta c;
-        QVERIFY(c.a.frame->apriPagina(IdPagina::Comunicazione));
-        c.seriali()->setCurrentRow(c.riga(c.seriali(), "/dev/ttyUSB0"));
-        c.baud()->setCurrentRow(c.riga(c.baud(), "38400"));
-        // F2 saves.
-        QTest::keyClick(c.seriali(), Qt::Key_F2);
-        QCOMPARE(FileIni::leggi(c.ini(), "SERIALE", "Porta"), QStringLiteral("/dev/ttyUSB0"));
-        QCOMPARE(FileIni::leggi(c.ini(), "SERIALE", "Baudrate"), QStringLiteral("38400"));
-        QCOMPARE(c.porta->aperture, 1);
-        QCOMPARE(c.porta->ultime.dispositivo, QStringLiteral("/dev/ttyUSB0"));
-        QCOMPARE(c.porta->ultime.velocita, 38400);
-        QCOMPARE(c.a.programma->seriale.VelocitaCom, 38400);
-        QVERIFY(c.a.menu());
-
-        QVERIFY(c.a.frame->apriPagina(IdPagina::Comunicazione));
-        QCOMPARE(c.scelta(c.seriali()), QStringLiteral("/dev/ttyUSB0"));
-        c.seriali()->setCurrentRow(c.riga(c.seriali(), "COM2"));
-        c.a.frame->paginaAttiva()->findChild<QPushButton *>(QStringLiteral("Salva"))->click();
-        QCOMPARE(FileIni::leggi(c.ini(), "SERIALE", "Porta"), QStringLiteral("COM2"));
-        QCOMPARE(c.porta->aperture, 2);
-    }
-
-    void unaPortaCheNonSiApreChiudeLaPaginaLostesso()
-    {
-        auto p = std::make_unique<PortaContata>();
-        p->riesce = false;
-        ConPorta c(std::move(p));
+        Ambiente a(false);
+        a.porta->riesce = false;
         aiuto::Risponditore r;
-        QVERIFY(c.a.frame->apriPagina(IdPagina::Comunicazione));
-        c.seriali()->setCurrentRow(c.riga(c.seriali(), "COM4"));
-        c.a.frame->paginaAttiva()->findChild<QPushButton *>(QStringLiteral("Salva"))->click();
+        QVERIFY(apriComunicazione(a));
+        scegli(a.sullaPagina<QListWidget>("Seriali"), "COM4");
+        a.sullaPagina("Salva")->click();
         QCOMPARE(r.visti.size(), 1);
-        QCOMPARE(r.visti[0].testo, c.a.testo("SEGNALAZIONI", "SEGNALAZIONE_3"));
-        QCOMPARE(r.visti[0].titolo, c.a.testo("SEGNALAZIONI", "TITOLO_2"));
-        QCOMPARE(FileIni::leggi(c.ini(), "SERIALE", "Porta"), QStringLiteral("COM4"));
-        QVERIFY(c.a.menu());
-        auto *stato = c.a.frame->findChild<QLabel *>(QStringLiteral("Segnalazione1"));
-        QVERIFY(stato->text().startsWith(c.a.testo("KORVANTINE", "COLLEGAMENTO.0")));
+        QCOMPARE(r.visti[0].testo, a.testo("SEGNALAZIONI", "SEGNALAZIONE_3"));
+        QCOMPARE(r.visti[0].titolo, a.testo("SEGNALAZIONI", "TITOLO_2"));
+        QCOMPARE(FileIni::leggi(a.programma->percorsoIni(), "SERIALE", "Porta"), QStringLiteral("COM4"));
+        QVERIFY(a.menu());
+        auto *stato = a.frame->findChild<QLabel *>(QStringLiteral("Segnalazione1"));
+        QVERIFY(stato->text().startsWith(a.testo("KORVANTINE", "COLLEGAMENTO.0")));
     }
 
-    void escEsceSenzaSalvare()
+    void aLanguageChangeReachesTheNextPageLoad()
     {
-        ConPorta c;
-        QVERIFY(c.a.frame->apriPagina(IdPagina::Comunicazione));
-        c.seriali()->setCurrentRow(4);
-        QTest::keyClick(c.seriali(), Qt::Key_Escape);
-        QVERIFY(c.a.menu());
-        QVERIFY(!QFile::exists(c.ini()));
-        QCOMPARE(c.porta->aperture, 0);
-    }
-
-    void laLinguaCambiaAllaProssimaPagina()
-    {
-        Ambiente a;
-        MainLambda *m = a.menu();
-        const QString inglese = m->funzione(0)->text();
+        Ambiente a(false);
+        const QString ini = a.programma->percorsoIni();
+        const QString inglese = a.menu()->funzione(0)->text();
+        aiuto::Risponditore r;
+        // The language in use again: said so, and nothing changes.
         QVERIFY(a.frame->apriPagina(IdPagina::SceltaLingua));
-        auto *elenco = a.frame->paginaAttiva()->findChild<QListWidget *>(QStringLiteral("ElencoLingue"));
+        auto *elenco = a.sullaPagina<QListWidget>("ElencoLingue");
         QCOMPARE(elenco->count(), 2);
         QCOMPARE(elenco->currentItem()->text(), QStringLiteral("ENGLISH.LNG"));
-        QCOMPARE(elenco->selectedItems().size(), 1);
-        elenco->setCurrentRow(1);
-        aiuto::Risponditore r;
-        a.frame->paginaAttiva()->findChild<QPushButton *>(QStringLiteral("Scegli"))->click();
-        QVERIFY(r.visti.isEmpty());
-        QCOMPARE(a.programma->lingua.LinguaCorrente, QStringLiteral("ITALIANO"));
-        QCOMPARE(FileIni::leggi(a.programma->percorsoIni(), "IMPOSTAZIONI", "Lingua"), QStringLiteral("ITALIANO"));
+        a.sullaPagina("Scegli")->click();
+        QCOMPARE(r.visti.size(), 1);
+        QCOMPARE(r.visti[0].testo, a.testo("SceltaLingua", "SEGNALAZIONE.0"));
+        QCOMPARE(r.visti[0].tasti, QStringList{a.testo("TASTI", "OK")});
+        QVERIFY(a.menu());
+        // No choice writes the language in use, silently.
+        QVERIFY(!QFile::exists(ini) || QFile::remove(ini));
+        QVERIFY(a.frame->apriPagina(IdPagina::SceltaLingua));
+        a.sullaPagina<QListWidget>("ElencoLingue")->clearSelection();
+        a.sullaPagina("Scegli")->click();
+        QCOMPARE(r.visti.size(), 1);
+        QCOMPARE(FileIni::leggi(ini, "IMPOSTAZIONI", "Lingua"), QStringLiteral("ENGLISH"));
 
-        MainLambda *nuovo = a.menu();
-        QVERIFY(nuovo);
+        QVERIFY(a.frame->apriPagina(IdPagina::SceltaLingua));
+        a.sullaPagina<QListWidget>("ElencoLingue")->setCurrentRow(1);
+        a.sullaPagina("Scegli")->click();
+        QCOMPARE(r.visti.size(), 1);
+        QCOMPARE(a.programma->lingua.LinguaCorrente, QStringLiteral("ITALIANO"));
+        QCOMPARE(FileIni::leggi(ini, "IMPOSTAZIONI", "Lingua"), QStringLiteral("ITALIANO"));
         const QString italiano = FileIni::leggi(a.cartella.filePath("ITALIANO.LNG"), "MainLambda", "FUNZIONE.0").trimmed();
         QVERIFY(italiano != inglese);
-        QCOMPARE(nuovo->funzione(0)->text(), italiano);
+        QCOMPARE(a.menu()->funzione(0)->text(), italiano);
         QCOMPARE(a.frame->windowTitle(), FileIni::leggi(a.cartella.filePath("ITALIANO.LNG"), "KORVANTINE", "CAPTION").trimmed());
     }
 
-    void laStessaLinguaLoDice()
+    void versionPageFillsWhenIdentificationEnds()
     {
-        Ambiente a;
-        QVERIFY(a.frame->apriPagina(IdPagina::SceltaLingua));
-        aiuto::Risponditore r;
-        a.frame->paginaAttiva()->findChild<QPushButton *>(QStringLiteral("Scegli"))->click();
-        QCOMPARE(r.visti.size(), 1);
-        QCOMPARE(r.visti[0].testo, a.testo("SceltaLingua", "SEGNALAZIONE.0"));
-        QCOMPARE(r.visti[0].titolo, a.testo("SEGNALAZIONI", "TITOLO_1"));
-        QCOMPARE(r.visti[0].tasti, QStringList{a.testo("TASTI", "OK")});
-        QCOMPARE(FileIni::leggi(a.programma->percorsoIni(), "IMPOSTAZIONI", "Lingua"), QStringLiteral("ENGLISH"));
-        QVERIFY(a.menu());
-    }
-
-    void nessunaSceltaRiscriveLaLinguaInUso()
-    {
-        Ambiente a;
-        QVERIFY(a.frame->apriPagina(IdPagina::SceltaLingua));
-        a.frame->paginaAttiva()->findChild<QListWidget *>(QStringLiteral("ElencoLingue"))->clearSelection();
-        aiuto::Risponditore r;
-        a.frame->paginaAttiva()->findChild<QPushButton *>(QStringLiteral("Scegli"))->click();
-        QVERIFY(r.visti.isEmpty());
-        QCOMPARE(a.programma->lingua.LinguaCorrente, QStringLiteral("ENGLISH"));
-        QCOMPARE(FileIni::leggi(a.programma->percorsoIni(), "IMPOSTAZIONI", "Lingua"), QStringLiteral("ENGLISH"));
-        QVERIFY(a.menu());
-    }
-
-    void versioneDellaCentralina()
-    {
-        Ambiente a;
+        Ambiente a(false);
         auto *pagina = qobject_cast<VisInf *>(a.frame->apriPagina(IdPagina::VisInf));
         QVERIFY(pagina);
         QCOMPARE(pagina->valore(0).trimmed(), QString());
-        // Identification completing while the page is open fills it.
         a.identifica();
-        QCOMPARE(pagina->valore(0), QStringLiteral("KV-CODE-000042"));
-        QCOMPARE(pagina->valore(1), QStringLiteral("VEICOLO-01"));
-        QCOMPARE(pagina->valore(2), QStringLiteral("DATO-A-123"));
-        QCOMPARE(pagina->valore(3), QStringLiteral("B-77"));
-        QCOMPARE(pagina->findChild<QLabel *>(QStringLiteral("LabInfC_0"))->text(), a.testo("VisInf", "LABINFC.0"));
+        QCOMPARE((QStringList{pagina->valore(0), pagina->valore(1), pagina->valore(2), pagina->valore(3)}),
+                 (QStringList{"KV-CODE-000042", "VEICOLO-01", "DATO-A-123", "B-77"}));
         QCOMPARE(a.frame->windowTitle(), a.testo("VisInf", "CAPTION"));
-        pagina->findChild<QPushButton *>(QStringLiteral("TastoOK"))->click();
+        a.sullaPagina("TastoOK")->click();
         QVERIFY(a.menu());
     }
 
-    void parolaDAccessoInQualsiasiMaiuscolo()
+    void accessWordInAnyCaseAndTheSilentWayOut()
     {
         Ambiente a;
-        a.identifica();
         MainLambda *m = a.menu();
-        QTest::keyClick(m, Qt::Key_F3);
-        QCOMPARE(m->opzione(2)->isHidden(), true);
-        auto *box = qobject_cast<QDialog *>(a.frame->apriPagina(IdPagina::Password));
-        QVERIFY(box);
-        QCOMPARE(a.frame->paginaSopra(), box);
-        QCOMPARE(a.menu(), m);
-        QVERIFY(!m->isEnabled());
-        auto *parola = box->findChild<QLineEdit *>(QStringLiteral("Parola"));
-        QCOMPARE(parola->echoMode(), QLineEdit::Password);
-        QVERIFY(parola->text().isEmpty());
-
+        const auto prova = [&](const QString &parola) {
+            QVERIFY(a.frame->apriPagina(IdPagina::Password));
+            QCOMPARE(a.menu(), m);
+            QVERIFY(!m->isEnabled());
+            auto *campo = a.sullaPagina<QLineEdit>("Parola");
+            QCOMPARE(campo->echoMode(), QLineEdit::Password);
+            QVERIFY(campo->text().isEmpty());
+            QTest::keyClicks(campo, parola);
+            a.sullaPagina("TastoOK")->click();
+            QVERIFY(!a.frame->paginaSopra());
+            QVERIFY(m->isEnabled());
+        };
         aiuto::Risponditore r;
-        QTest::keyClicks(parola, QStringLiteral("tOrBa"));
-        box->findChild<QPushButton *>(QStringLiteral("TastoOK"))->click();
-        QVERIFY(r.visti.isEmpty());
+        QTest::keyClick(m, Qt::Key_F3);
+        prova(QStringLiteral("tOrBa"));
         QCOMPARE(a.stato().ModoAssistenza, qint16(1));
-        QVERIFY(!a.frame->paginaSopra());
-        QVERIFY(m->isEnabled());
         // The list on view is the old one until the function is chosen again.
         QVERIFY(m->opzione(2)->isHidden());
         QTest::keyClick(m, Qt::Key_F3);
         QVERIFY(!m->opzione(8)->isHidden());
         QCOMPARE(m->opzione(0)->text(), a.testo("MainLambda", "MESSAPUNTO1.0"));
-    }
-
-    void parolaErrata()
-    {
-        Ambiente a;
-        a.identifica();
-        aiuto::Risponditore r;
-        // In service mode a wrong word leaves it, without a word.
-        a.stato().ModoAssistenza = 1;
-        auto *box = a.frame->apriPagina(IdPagina::Password);
-        QTest::keyClicks(box->findChild<QLineEdit *>(QStringLiteral("Parola")), QStringLiteral("torb"));
-        box->findChild<QPushButton *>(QStringLiteral("TastoOK"))->click();
+        // A wrong word leaves service mode without a word; in normal mode it is told.
+        prova(QStringLiteral("torb"));
         QCOMPARE(a.stato().ModoAssistenza, qint16(0));
         QVERIFY(r.visti.isEmpty());
-        QVERIFY(!a.frame->paginaSopra());
-
-        // In normal mode it is told.
-        box = a.frame->apriPagina(IdPagina::Password);
-        QTest::keyClicks(box->findChild<QLineEdit *>(QStringLiteral("Parola")), QStringLiteral("torb"));
-        box->findChild<QPushButton *>(QStringLiteral("TastoOK"))->click();
+        prova(QStringLiteral("torb"));
         QCOMPARE(r.visti.size(), 1);
         QCOMPARE(r.visti[0].testo, a.testo("SEGNALAZIONI", "SEGNALAZIONE_22"));
         QCOMPARE(a.stato().ModoAssistenza, qint16(0));
-        QVERIFY(!a.frame->paginaSopra());
-        QVERIFY(a.menu()->isEnabled());
     }
 
-    void invioPassaAlTastoEdEscAnnulla()
+    void enterInTheAccessBoxMovesOnAndEscCancels()
     {
         Ambiente a;
-        a.identifica();
         MainLambda *m = a.menu();
         QTest::keyClick(m, Qt::Key_F5);
         QTest::keyClick(m, Qt::Key_F11, Qt::ShiftModifier);
@@ -340,35 +239,18 @@ private slots:
         QVERIFY(box);
         QCOMPARE(a.frame->idPaginaSopra(), IdPagina::Password);
         QTRY_VERIFY(box->isActiveWindow());
-        auto *parola = box->findChild<QLineEdit *>(QStringLiteral("Parola"));
+        auto *parola = a.sullaPagina<QLineEdit>("Parola");
         parola->setFocus();
         QTest::keyClicks(parola, QStringLiteral("TORBA"));
         QTest::keyClick(parola, Qt::Key_Return);
-        // Enter moved on like a Tab; nothing was confirmed.
         QCOMPARE(a.frame->paginaSopra(), box);
         QCOMPARE(a.stato().ModoAssistenza, qint16(0));
-        QCOMPARE(box->focusWidget(), box->findChild<QPushButton *>(QStringLiteral("TastoOK")));
-
+        QCOMPARE(box->focusWidget(), a.sullaPagina("TastoOK"));
         QTest::keyClick(box, Qt::Key_Escape);
         QVERIFY(!a.frame->paginaSopra());
         QCOMPARE(a.stato().ModoAssistenza, qint16(0));
         QVERIFY(m->isEnabled());
         QCOMPARE(a.menu(), m);
-    }
-
-    void ilLogoApreLInformazione()
-    {
-        Ambiente a;
-        MainLambda *m = a.menu();
-        m->findChild<QAbstractButton *>(QStringLiteral("Logo"))->click();
-        QCOMPARE(a.frame->idPaginaSopra(), IdPagina::Infor);
-        QVERIFY(!m->isEnabled());
-        QWidget *infor = a.frame->paginaSopra();
-        QCOMPARE(infor->findChild<QLabel *>(QStringLiteral("lblTitle"))->text(), a.testo("Infor", "LBLTITLE"));
-        QVERIFY(infor->findChild<QLabel *>(QStringLiteral("lblVersion"))->text().startsWith(a.testo("Infor", "LBLVERSION")));
-        infor->findChild<QPushButton *>(QStringLiteral("cmdOK"))->click();
-        QVERIFY(!a.frame->paginaSopra());
-        QVERIFY(m->isEnabled());
     }
 };
 
