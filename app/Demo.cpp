@@ -2,6 +2,10 @@
 
 #include "EcuSimulata.h"
 
+namespace kv {
+
+using namespace kv::sim;
+
 Demo::Demo()
 {
     m_thread.setObjectName(QStringLiteral("EcuSimulata"));
@@ -31,3 +35,5 @@ bool Demo::avvia(QString &errore)
     QMetaObject::invokeMethod(ecu, &EcuSimulata::avvia, Qt::QueuedConnection);
     return true;
 }
+
+} // namespace kv

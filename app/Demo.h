@@ -3,6 +3,8 @@
 #include <QString>
 #include <QThread>
 
+namespace kv {
+
 // The simulated ECU of the demo, on a pseudo-terminal, in a thread of its own so that the
 // windows never slow its stream down.
 class Demo
@@ -22,3 +24,5 @@ private:
     QThread m_thread;
     QString m_percorso;
 };
+
+} // namespace kv

@@ -5,12 +5,12 @@
 
 #include "Demo.h"
 
+#include "base/IstanzaUnica.h"
+#include "base/PercorsoApp.h"
 #include "link/PortaSeriale.h"
 #include "monitoring/ui/RegistroStrumenti.h"
-#include "pages/RegistroMessaPunto.h"
+#include "pages/ui/RegistroMessaPunto.h"
 #include "shell/Avvio.h"
-#include "shell/IstanzaUnica.h"
-#include "shell/PercorsoApp.h"
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/MainLambda.h"
@@ -24,6 +24,8 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
+
+using namespace kv;
 
 namespace {
 
@@ -88,8 +90,8 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "korvantine-pictures: %s\n", qPrintable(errore));
         return 1;
     }
-    Programma programma(home.path(), std::make_unique<PortaSeriale>(),
-                        std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
+    Programma programma(home.path(), std::make_unique<PortaSeriale>(), std::make_unique<TemporizzatoreQt>(),
+                        std::make_unique<TemporizzatoreQt>());
     programma.dispositivoForzato = demo.percorso();
     Korvantine finestra(programma);
     RegistraPagineMessaPunto(finestra);

@@ -1,11 +1,11 @@
 #include "Demo.h"
 
+#include "base/IstanzaUnica.h"
+#include "base/PercorsoApp.h"
 #include "link/PortaSeriale.h"
 #include "monitoring/ui/RegistroStrumenti.h"
-#include "pages/RegistroMessaPunto.h"
+#include "pages/ui/RegistroMessaPunto.h"
 #include "shell/Avvio.h"
-#include "shell/IstanzaUnica.h"
-#include "shell/PercorsoApp.h"
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/Logo.h"
@@ -15,6 +15,8 @@
 
 #include <cstdio>
 #include <memory>
+
+using namespace kv;
 
 int main(int argc, char *argv[])
 {
@@ -39,8 +41,8 @@ int main(int argc, char *argv[])
     opzioni.process(app);
 
     const QString cartellaEseguibile = QCoreApplication::applicationDirPath();
-    const QString percorsoApp = RisolviPercorsoApp(opzioni.value(home), cartellaEseguibile,
-                                                   CartellaDatiUtente());
+    const QString percorsoApp =
+        RisolviPercorsoApp(opzioni.value(home), cartellaEseguibile, CartellaDatiUtente());
     IstanzaUnica istanza(percorsoApp);
     switch (Avvio::preparaCartella(percorsoApp, istanza)) {
     case Avvio::Esito::Prosegui:
@@ -61,11 +63,12 @@ int main(int argc, char *argv[])
             std::fprintf(stderr, "korvantine: the simulated ECU cannot start: %s\n", qPrintable(errore));
             return 1;
         }
-        std::fprintf(stderr, "korvantine: demo with the simulated ECU on %s\n", qPrintable(ecuDemo.percorso()));
+        std::fprintf(stderr, "korvantine: demo with the simulated ECU on %s\n",
+                     qPrintable(ecuDemo.percorso()));
     }
 
-    Programma programma(percorsoApp, std::make_unique<PortaSeriale>(),
-                        std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
+    Programma programma(percorsoApp, std::make_unique<PortaSeriale>(), std::make_unique<TemporizzatoreQt>(),
+                        std::make_unique<TemporizzatoreQt>());
     programma.dispositivoForzato = ecuDemo.percorso();
 
     // The frame exists before the port is opened, so that a failure reaches its message box,

@@ -8,14 +8,17 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QTemporaryDir>
 #include <QEventLoop>
+#include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
 
 #include <algorithm>
 #include <cstdio>
 #include <vector>
+
+using namespace kv;
+using namespace kv::sim;
 
 namespace {
 
@@ -57,7 +60,10 @@ double percentile(std::vector<double> v, double p)
     return v[std::min(i, v.size() - 1)];
 }
 
-double secondiSulFilo(qint64 byte) { return static_cast<double>(byte) * 10.0 / Baud; }
+double secondiSulFilo(qint64 byte)
+{
+    return static_cast<double>(byte) * 10.0 / Baud;
+}
 
 } // namespace
 
@@ -80,32 +86,38 @@ int main(int argc, char *argv[])
     std::vector<double> fineRisposta, inizioRichiesta;
     qint64 byteFlusso = 0;
     QByteArray uscita;
-    QObject::connect(ecu, &EcuSimulata::datiInviati, ecu, [&](const QByteArray &b) {
-        uscita += b;
-        for (;;) { // frames are whole by the time the paced bytes have all gone
-            const qsizetype stx = uscita.indexOf(char(0x02));
-            if (stx < 0 || uscita.size() < stx + 2) {
-                if (stx < 0)
-                    uscita.clear();
-                return;
+    QObject::connect(
+        ecu, &EcuSimulata::datiInviati, ecu,
+        [&](const QByteArray &b) {
+            uscita += b;
+            for (;;) { // frames are whole by the time the paced bytes have all gone
+                const qsizetype stx = uscita.indexOf(char(0x02));
+                if (stx < 0 || uscita.size() < stx + 2) {
+                    if (stx < 0)
+                        uscita.clear();
+                    return;
+                }
+                const int l = quint8(uscita.at(stx + 1)) & 0x7F;
+                if (uscita.size() < stx + l)
+                    return;
+                const char lettera = l > 4 ? uscita.at(stx + 4) : 0;
+                if (lettera == 'r')
+                    fineRisposta.push_back(static_cast<double>(orologio.nsecsElapsed()) / 1e6);
+                else if (lettera == 'd')
+                    byteFlusso += l;
+                uscita.remove(0, stx + l);
             }
-            const int l = quint8(uscita.at(stx + 1)) & 0x7F;
-            if (uscita.size() < stx + l)
-                return;
-            const char lettera = l > 4 ? uscita.at(stx + 4) : 0;
-            if (lettera == 'r')
-                fineRisposta.push_back(static_cast<double>(orologio.nsecsElapsed()) / 1e6);
-            else if (lettera == 'd')
-                byteFlusso += l;
-            uscita.remove(0, stx + l);
-        }
-    }, Qt::DirectConnection);
+        },
+        Qt::DirectConnection);
     // The ECU hears a request when its last byte is in; its first byte came that long before.
-    QObject::connect(ecu, &EcuSimulata::frameRicevuto, ecu, [&](const QByteArray &f) {
-        if (f.size() > 4 && f.at(4) == 'R')
-            inizioRichiesta.push_back(static_cast<double>(orologio.nsecsElapsed()) / 1e6
-                                      - secondiSulFilo(f.size()) * 1000.0);
-    }, Qt::DirectConnection);
+    QObject::connect(
+        ecu, &EcuSimulata::frameRicevuto, ecu,
+        [&](const QByteArray &f) {
+            if (f.size() > 4 && f.at(4) == 'R')
+                inizioRichiesta.push_back(static_cast<double>(orologio.nsecsElapsed()) / 1e6
+                                          - secondiSulFilo(f.size()) * 1000.0);
+        },
+        Qt::DirectConnection);
 
     QThread filo;
     ecu->moveToThread(&filo);
@@ -160,12 +172,14 @@ int main(int argc, char *argv[])
         giri.push_back(inizioRichiesta[k] - fineRisposta[k - 1]);
 
     std::printf("reads answered: %d of %d, time-outs: %d\n", lettore.risposte, Letture, lettore.scadenze);
-    std::printf("turnaround, last reply byte to first request byte: median %.2f ms, p99 %.2f ms (%zu samples)\n",
-                percentile(giri, 0.5), percentile(giri, 0.99), giri.size());
+    std::printf(
+        "turnaround, last reply byte to first request byte: median %.2f ms, p99 %.2f ms (%zu samples)\n",
+        percentile(giri, 0.5), percentile(giri, 0.99), giri.size());
     std::printf("500 reads: %.3f s elapsed; their bytes need %.3f s on the wire: ratio %.2f\n", trascorsi,
                 filoDialogo, trascorsi / filoDialogo);
-    std::printf("live frames shared the ECU's side meanwhile: %lld bytes (%.3f s); ratio with them counted %.2f\n",
-                static_cast<long long>(flusso), secondiSulFilo(flusso),
-                trascorsi / (filoDialogo + secondiSulFilo(flusso)));
+    std::printf(
+        "live frames shared the ECU's side meanwhile: %lld bytes (%.3f s); ratio with them counted %.2f\n",
+        static_cast<long long>(flusso), secondiSulFilo(flusso),
+        trascorsi / (filoDialogo + secondiSulFilo(flusso)));
     return 0;
 }

@@ -2,10 +2,10 @@
 // byte paced as on a real line, against the time its twelve frames need on the wire.
 #include "EcuSimulata.h"
 #include "link/PortaSeriale.h"
-#include "pages/MP_Minimo.h"
+#include "pages/PianiLettura.h"
+#include "pages/ui/MP_Minimo.h"
 #include "shell/Programma.h"
 #include "variables/Catalogo.h"
-#include "variables/PianiLettura.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -18,12 +18,18 @@
 #include <cstdio>
 #include <vector>
 
+using namespace kv;
+using namespace kv::sim;
+
 namespace {
 
 constexpr int Baud = 38400;
 constexpr int Aperture = 20;
 
-double secondiSulFilo(qint64 byte) { return static_cast<double>(byte) * 10.0 / Baud; }
+double secondiSulFilo(qint64 byte)
+{
+    return static_cast<double>(byte) * 10.0 / Baud;
+}
 
 double mediana(std::vector<double> v)
 {
@@ -48,10 +54,13 @@ int main(int argc, char *argv[])
         return 1;
     }
     qint64 byteFlusso = 0;
-    QObject::connect(ecu, &EcuSimulata::frameInviato, ecu, [&](const QByteArray &f) {
-        if (f.size() > 4 && f.at(4) == 'd')
-            byteFlusso += f.size();
-    }, Qt::DirectConnection);
+    QObject::connect(
+        ecu, &EcuSimulata::frameInviato, ecu,
+        [&](const QByteArray &f) {
+            if (f.size() > 4 && f.at(4) == 'd')
+                byteFlusso += f.size();
+        },
+        Qt::DirectConnection);
     QThread filo;
     ecu->moveToThread(&filo);
     QObject::connect(&filo, &QThread::finished, ecu, &QObject::deleteLater);
@@ -113,13 +122,15 @@ int main(int argc, char *argv[])
 
     std::printf("MP_Minimo opening read at %d baud, bytes paced, live stream running\n", Baud);
     std::printf("frames: %zu requests (%lld bytes) and %zu replies (%lld bytes)\n", piano->righe.size(),
-                static_cast<long long>(byteRichieste), piano->righe.size(), static_cast<long long>(byteRisposte));
+                static_cast<long long>(byteRichieste), piano->righe.size(),
+                static_cast<long long>(byteRisposte));
     std::printf("time on the wire for those frames: %.2f ms\n", filo12 * 1000.0);
-    std::printf("time to open the page (load to last reply), %d openings: median %.2f ms, min %.2f ms, max %.2f ms\n",
-                Aperture, mediana(tempi), *std::min_element(tempi.begin(), tempi.end()),
-                *std::max_element(tempi.begin(), tempi.end()));
+    std::printf(
+        "time to open the page (load to last reply), %d openings: median %.2f ms, min %.2f ms, max %.2f ms\n",
+        Aperture, mediana(tempi), *std::min_element(tempi.begin(), tempi.end()),
+        *std::max_element(tempi.begin(), tempi.end()));
     std::printf("live frames on the ECU's side meanwhile: median %.2f ms of line time\n", mediana(flussi));
-    std::printf("ratio, opening time to wire time: %.2f; openings that failed: %d\n", mediana(tempi) / (filo12 * 1000.0),
-                scadute);
+    std::printf("ratio, opening time to wire time: %.2f; openings that failed: %d\n",
+                mediana(tempi) / (filo12 * 1000.0), scadute);
     return scadute == 0 ? 0 : 1;
 }

@@ -8,6 +8,8 @@
 
 #include <cstdio>
 
+using namespace kv;
+
 namespace {
 
 QByteArray flusso(int frames)

@@ -1,10 +1,12 @@
 // Any bytes as a configuration or language file: parsing, every look-up and a write must
 // neither crash nor lose the key just written.
-#include "shell/FileIni.h"
+#include "base/FileIni.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+
+using namespace kv;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *dati, size_t dimensione)
 {
@@ -21,10 +23,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *dati, size_t dimensione)
 
     // Write into the first section found (or a new one) and read the value back.
     const QStringList sezioni = ini.sezioni();
-    const QString sezione = sezioni.isEmpty() || sezioni.first().isEmpty()
-            || sezioni.first() != sezioni.first().trimmed()
-        ? QStringLiteral("SERIALE")
-        : sezioni.first();
+    const QString sezione =
+        sezioni.isEmpty() || sezioni.first().isEmpty() || sezioni.first() != sezioni.first().trimmed()
+            ? QStringLiteral("SERIALE")
+            : sezioni.first();
     const QString valore = QStringLiteral("COM3");
     if (ini.imposta(sezione, QStringLiteral("Porta"), valore)) {
         const FileIni riletto = FileIni::daByte(ini.byte());

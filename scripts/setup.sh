@@ -4,7 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-pacchetti=(cmake ninja-build g++ ccache pkg-config qt6-base-dev qt6-serialport-dev qt6-charts-dev
+pacchetti=(cmake ninja-build g++ ccache pkg-config clang-format qt6-base-dev qt6-serialport-dev qt6-charts-dev
          libqt6opengl6-dev libqt6sql6-sqlite libgl-dev)
 mancanti=()
 for p in "${pacchetti[@]}"; do

@@ -11,9 +11,11 @@
 
 #include <algorithm>
 
+namespace kv::sim {
+
 namespace {
 constexpr int LunghezzaFrameDati = 15 + Frame::Sovraccarico;
-constexpr int PeriodoVitaMs = 250;        // 'g' frames of the boot loader, four a second
+constexpr int PeriodoVitaMs = 250; // 'g' frames of the boot loader, four a second
 constexpr quint8 VersioneBootLoader = 0x01;
 constexpr int LetturaMassima = Frame::LunghezzaMassima - Frame::Sovraccarico - 1;
 
@@ -368,7 +370,8 @@ void EcuSimulata::gestisci(const QByteArray &dati)
         case 'V':
             if (!soloLettera)
                 return rispondiEsito(ErroreEcu::LunghezzaErrata);
-            return rispondi(QByteArray(1, 'v') + leggiMemoria(MappaMemoria::Veicolo, MappaMemoria::LunghezzaVersione));
+            return rispondi(QByteArray(1, 'v')
+                            + leggiMemoria(MappaMemoria::Veicolo, MappaMemoria::LunghezzaVersione));
         case 'R':
             return comandoLettura(dati);
         case 'W':
@@ -625,3 +628,5 @@ void EcuSimulata::impostaStallo(bool attivo)
         m_ricevitore.svuota();
     }
 }
+
+} // namespace kv::sim

@@ -16,8 +16,11 @@
 #include <deque>
 #include <functional>
 
-class Linea;
 class QTimer;
+
+namespace kv::sim {
+
+class Linea;
 
 // Status byte of an 'e' reply.
 namespace ErroreEcu {
@@ -30,17 +33,17 @@ enum : quint8 {
     CodiceTaraturaErrato = 0x06,
     Fatto = 0xFF,
 };
-}
+} // namespace ErroreEcu
 
 struct OpzioniEcu
 {
-    int frameAlSecondo = 25;      // 'd' frames per second; 0: the caller drives avanzaTempo()
+    int frameAlSecondo = 25; // 'd' frames per second; 0: the caller drives avanzaTempo()
     int baud = 9600;
-    bool cadenzaReale = false;    // bytes leave at baud / 10 per second, queued like a UART
+    bool cadenzaReale = false;        // bytes leave at baud / 10 per second, queued like a UART
     bool applicazionePresente = true; // false: only the boot loader, 'g' frames
-    int tipoSonda = 0;            // TIPOLAMBDA; non-zero sends lambda ready on 0..255
-    QString fileMemoria;          // programmable area kept here between runs
-    StringheVersione versione;    // used when no memory file supplies an image
+    int tipoSonda = 0;                // TIPOLAMBDA; non-zero sends lambda ready on 0..255
+    QString fileMemoria;              // programmable area kept here between runs
+    StringheVersione versione;        // used when no memory file supplies an image
     quint32 seme = 1;
     int durataCicloMs = 36000;
     Guasti guasti;
@@ -57,7 +60,11 @@ class EcuSimulata : public QObject
 {
     Q_OBJECT
 public:
-    enum class Modo { Applicazione, Programmazione, SenzaApplicazione };
+    enum class Modo {
+        Applicazione,
+        Programmazione,
+        SenzaApplicazione
+    };
     Q_ENUM(Modo)
 
     explicit EcuSimulata(const OpzioniEcu &opzioni = {}, QObject *parent = nullptr);
@@ -166,7 +173,11 @@ private:
     QTimer *m_timerCadenza;
     QTimer *m_timerRicezione;
     // Bytes from the tester and the time (us) their last bit has crossed the line.
-    struct InArrivo { qint64 fineUs; QByteArray byte; };
+    struct InArrivo
+    {
+        qint64 fineUs;
+        QByteArray byte;
+    };
     std::deque<InArrivo> m_codaRx;
     qint64 m_fineRxUs = 0;
     QElapsedTimer m_orologio;
@@ -175,3 +186,5 @@ private:
     qint64 m_inizioCadenzaMs = 0;
     qint64 m_byteCadenzati = 0;
 };
+
+} // namespace kv::sim

@@ -2,6 +2,8 @@
 
 #include "link/Frame.h"
 
+namespace kv::sim {
+
 IniettoreGuasti::Uscita IniettoreGuasti::applica(const QByteArray &frame, bool risposta)
 {
     Uscita u;
@@ -46,3 +48,5 @@ quint8 IniettoreGuasti::erroreScrittura(quint32 indirizzo, int conteggio) const
         return it.value();
     return 0xFF;
 }
+
+} // namespace kv::sim

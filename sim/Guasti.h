@@ -6,6 +6,8 @@
 
 #include <random>
 
+namespace kv::sim {
+
 // Faults the simulated ECU can be told to show. 0 switches a counter off.
 struct Guasti
 {
@@ -14,10 +16,10 @@ struct Guasti
     bool corrompiProssimo = false; // the next frame leaves with a bad checksum
     int rumoreOgniNFrame = 0;      // a burst of noise goes out before every n-th frame
     int lunghezzaRumore = 8;
-    bool rumoreConStx = false;     // whether the noise may hold the start byte 0x02
+    bool rumoreConStx = false;             // whether the noise may hold the start byte 0x02
     QMap<quint32, quint8> erroriScrittura; // a write touching the address gets 'e' code
     int ritardoRispostaMs = 0;
-    bool stallo = false;           // no replies, no stream, commands ignored
+    bool stallo = false; // no replies, no stream, commands ignored
 };
 
 // Applies the frame faults to what leaves the ECU, in order: a reply may be dropped; a
@@ -47,3 +49,5 @@ private:
     quint64 m_frame = 0;
     std::mt19937 m_casuale;
 };
+
+} // namespace kv::sim

@@ -8,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+namespace kv::sim {
+
 using namespace MappaMemoria;
 
 namespace {
@@ -61,9 +63,9 @@ std::vector<std::pair<int, int>> valoriDiFabbrica()
         {Par::TipoPC, 0},
         {Par::PosizioneMotorinoCutOff, 30},
         {Par::TipoCO, 1},
-        {Par::FrequenzaControlloMinimo, 98},  // about 10 steps/s
-        {Par::PrimaFrequenzaNormale, 49},     // about 20 steps/s
-        {Par::SecondaFrequenzaNormale, 39},   // about 25 steps/s
+        {Par::FrequenzaControlloMinimo, 98}, // about 10 steps/s
+        {Par::PrimaFrequenzaNormale, 49},    // about 20 steps/s
+        {Par::SecondaFrequenzaNormale, 39},  // about 25 steps/s
         {Par::IncrementoTps, 40},
         {Par::TempoIncrementoTps, 300},
         {Par::TempoInibizionePompata, 10},
@@ -120,8 +122,7 @@ void ScriviVersione(MemoriaEcu &memoria, const StringheVersione &versione)
     memoria.scrivi(DatoB, campo(versione.datoB, LunghezzaDatoB));
 }
 
-void ScriviImmagineIniziale(MemoriaEcu &memoria, const Catalogo &catalogo,
-                            const StringheVersione &versione)
+void ScriviImmagineIniziale(MemoriaEcu &memoria, const Catalogo &catalogo, const StringheVersione &versione)
 {
     // A reset vector and a jump at the start make the image look like code to anyone
     // who dumps it; the firmware itself is not simulated.
@@ -147,3 +148,5 @@ void AvviaRam(MemoriaEcu &memoria, const Catalogo &catalogo)
             memoria.scrivi(quint32(p.IndirizzoRAM), memoria.leggi(quint32(p.IndirizzoEE), p.Dimensione));
     }
 }
+
+} // namespace kv::sim

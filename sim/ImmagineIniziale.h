@@ -2,7 +2,12 @@
 
 #include <QByteArray>
 
+namespace kv {
 class Catalogo;
+}
+
+namespace kv::sim {
+
 class MemoriaEcu;
 
 // The five texts of the version reply, each cut or padded with blanks to its width.
@@ -17,8 +22,7 @@ struct StringheVersione
 
 // Writes the software header and the factory tuning of every catalogue entry into the
 // programmable area, at the catalogue's EEPROM addresses.
-void ScriviImmagineIniziale(MemoriaEcu &memoria, const Catalogo &catalogo,
-                            const StringheVersione &versione);
+void ScriviImmagineIniziale(MemoriaEcu &memoria, const Catalogo &catalogo, const StringheVersione &versione);
 
 // Writes only the version texts, leaving the rest of the image as it is.
 void ScriviVersione(MemoriaEcu &memoria, const StringheVersione &versione);
@@ -26,3 +30,5 @@ void ScriviVersione(MemoriaEcu &memoria, const StringheVersione &versione);
 // What the firmware does at boot: RAM cleared, the RAM-only cells to their defaults,
 // then every entry that has both homes copied from EEPROM to RAM.
 void AvviaRam(MemoriaEcu &memoria, const Catalogo &catalogo);
+
+} // namespace kv::sim

@@ -4,6 +4,8 @@
 #include <QObject>
 #include <QString>
 
+namespace kv::sim {
+
 // The ECU's end of the serial line. Bytes go out unchanged and come in as they arrive.
 class Linea : public QObject
 {
@@ -30,3 +32,5 @@ signals:
 protected:
     QString m_errore;
 };
+
+} // namespace kv::sim

@@ -2,6 +2,8 @@
 
 #include <QSerialPort>
 
+namespace kv::sim {
+
 LineaDispositivo::LineaDispositivo(QString dispositivo, int baud, QObject *parent)
     : Linea(parent)
     , m_dispositivo(std::move(dispositivo))
@@ -29,7 +31,8 @@ bool LineaDispositivo::apri()
     m_errore.clear();
     m_porta->setPortName(m_dispositivo);
     if (!m_porta->open(QIODevice::ReadWrite)) {
-        m_errore = QStringLiteral("cannot open the serial device %1: %2").arg(m_dispositivo, m_porta->errorString());
+        m_errore =
+            QStringLiteral("cannot open the serial device %1: %2").arg(m_dispositivo, m_porta->errorString());
         return false;
     }
     if (!m_porta->setBaudRate(m_baud) || !m_porta->setDataBits(QSerialPort::Data8)
@@ -61,3 +64,5 @@ void LineaDispositivo::scrivi(const QByteArray &dati)
     if (m_porta->isOpen())
         m_porta->write(dati);
 }
+
+} // namespace kv::sim

@@ -4,6 +4,8 @@
 
 class QSerialPort;
 
+namespace kv::sim {
+
 // A real serial device, e.g. the far end of a null-modem cable: 8 data bits, no parity,
 // one stop bit, no handshake, at the given rate.
 class LineaDispositivo : public Linea
@@ -24,3 +26,5 @@ private:
     int m_baud;
     QSerialPort *m_porta;
 };
+
+} // namespace kv::sim

@@ -13,6 +13,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+namespace kv::sim {
+
 namespace {
 // Bytes left unread at the far end beyond this mean nobody is listening: a tester reads
 // within milliseconds. A real line keeps nothing for a listener that is not there.
@@ -27,8 +29,7 @@ QString testoErrno(const char *cosa)
 LineaPty::LineaPty(QString collegamento, QObject *parent)
     : Linea(parent)
     , m_collegamento(std::move(collegamento))
-{
-}
+{}
 
 LineaPty::~LineaPty()
 {
@@ -85,7 +86,8 @@ bool LineaPty::creaCollegamento()
     if (info.isSymLink()) {
         QFile::remove(m_collegamento);
     } else if (info.exists()) {
-        m_errore = QStringLiteral("%1 exists and is not a symbolic link; it is left alone").arg(m_collegamento);
+        m_errore =
+            QStringLiteral("%1 exists and is not a symbolic link; it is left alone").arg(m_collegamento);
         return false;
     }
     if (!QFile::link(m_percorso, m_collegamento)) {
@@ -174,3 +176,5 @@ void LineaPty::scrivi(const QByteArray &dati)
         break;
     }
 }
+
+} // namespace kv::sim

@@ -4,6 +4,8 @@
 
 class QSocketNotifier;
 
+namespace kv::sim {
+
 // A pseudo-terminal: we hold the master, the tester opens the slave device as it would a
 // serial port. We also keep the slave open ourselves, so that the master does not see a
 // hang-up before the tester arrives or after it leaves; closing both is what makes the
@@ -35,3 +37,5 @@ private:
     int m_slave = -1;
     QSocketNotifier *m_notificatore = nullptr;
 };
+
+} // namespace kv::sim

@@ -2,6 +2,8 @@
 
 #include <QtGlobal>
 
+namespace kv::sim {
+
 // Where things live in the simulated ECU. RAM is the working copy the firmware runs on;
 // the programmable area holds the software, and inside it the EEPROM block with the
 // stored parameters and the map.
@@ -32,4 +34,11 @@ inline constexpr int LunghezzaVersione = 48;
 
 // The area a whole range of addresses falls in. A range that straddles two areas, or
 // touches an address the ECU does not have, is Nessuna.
-enum class AreaMemoria { Nessuna, Ram, Eeprom, Software };
+enum class AreaMemoria {
+    Nessuna,
+    Ram,
+    Eeprom,
+    Software
+};
+
+} // namespace kv::sim

@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QSaveFile>
 
+namespace kv::sim {
+
 using namespace MappaMemoria;
 
 namespace {
@@ -10,16 +12,11 @@ constexpr int DimensioneRam = int(FineRam - InizioRam + 1);
 
 bool dentro(quint32 indirizzo, int conteggio, quint32 inizio, quint32 fine)
 {
-    return conteggio > 0 && indirizzo >= inizio
-           && quint64(indirizzo) + quint64(conteggio) - 1 <= fine;
+    return conteggio > 0 && indirizzo >= inizio && quint64(indirizzo) + quint64(conteggio) - 1 <= fine;
 }
 } // namespace
 
-MemoriaEcu::MemoriaEcu()
-    : m_ram(DimensioneRam, '\0')
-    , m_software(DimensioneSoftware, char(0xFF))
-{
-}
+MemoriaEcu::MemoriaEcu() : m_ram(DimensioneRam, '\0'), m_software(DimensioneSoftware, char(0xFF)) {}
 
 AreaMemoria MemoriaEcu::area(quint32 indirizzo, int conteggio)
 {
@@ -108,10 +105,11 @@ bool FileMemoria::salva(const MemoriaEcu &memoria)
     if (!attivo())
         return false;
     QSaveFile f(m_percorso);
-    if (!f.open(QIODevice::WriteOnly) || f.write(memoria.immagine()) != DimensioneSoftware
-        || !f.commit()) {
+    if (!f.open(QIODevice::WriteOnly) || f.write(memoria.immagine()) != DimensioneSoftware || !f.commit()) {
         m_errore = QStringLiteral("cannot save the memory file %1: %2").arg(m_percorso, f.errorString());
         return false;
     }
     return true;
 }
+
+} // namespace kv::sim

@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <QString>
 
+namespace kv::sim {
+
 // The bytes of the simulated ECU: RAM and the programmable area. Addresses the ECU does
 // not have read as 0xFF and cannot be written.
 class MemoriaEcu
@@ -53,3 +55,5 @@ private:
     QString m_percorso;
     QString m_errore;
 };
+
+} // namespace kv::sim

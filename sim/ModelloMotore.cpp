@@ -3,13 +3,15 @@
 #include <algorithm>
 #include <cmath>
 
+namespace kv::sim {
+
 namespace {
 constexpr double Pi = 3.14159265358979323846;
 constexpr qint64 RitardoSondaMs = 200;
 constexpr int GiriMotoreAvviato = 300;
-constexpr int RiscaldamentoMs = 4000;     // on petrol until the reducer is warm
-constexpr double VelocitaPedale = 1500;   // raw TPS per second
-constexpr double VelocitaMotorino = 200;  // steps per second when driven to a position
+constexpr int RiscaldamentoMs = 4000;    // on petrol until the reducer is warm
+constexpr double VelocitaPedale = 1500;  // raw TPS per second
+constexpr double VelocitaMotorino = 200; // steps per second when driven to a position
 constexpr int DurataSweepMs = 6000;
 
 // Phases of the drive cycle in seconds of a 36-second cycle; other lengths stretch them.
@@ -23,11 +25,11 @@ struct Fase
 };
 constexpr Fase FasiCiclo[] = {
     {8, 850, ModelloMotore::TpsRiposo, 1.0, 0},  // idle
-    {11, 3000, 600, 1.0, 0},                      // acceleration
-    {20, 2500, 330, 1.2, 30},                     // cruise
-    {26, 4600, 945, 1.2, 0},                      // full load
-    {32, 950, ModelloMotore::TpsRiposo, 2.5, 0},  // over-run: the fuel cut shows here
-    {36, 850, ModelloMotore::TpsRiposo, 1.0, 0},  // back to idle
+    {11, 3000, 600, 1.0, 0},                     // acceleration
+    {20, 2500, 330, 1.2, 30},                    // cruise
+    {26, 4600, 945, 1.2, 0},                     // full load
+    {32, 950, ModelloMotore::TpsRiposo, 2.5, 0}, // over-run: the fuel cut shows here
+    {36, 850, ModelloMotore::TpsRiposo, 1.0, 0}, // back to idle
 };
 
 int periodoMs(int ticks)
@@ -48,8 +50,7 @@ int banda(int valore, const int *assi, int n)
 ModelloMotore::ModelloMotore(quint32 seme, int durataCicloMs)
     : m_durataCicloMs(std::max(1000, durataCicloMs))
     , m_casuale(seme)
-{
-}
+{}
 
 double ModelloMotore::rumore(double ampiezza)
 {
@@ -181,8 +182,8 @@ CampioneMotore ModelloMotore::passo(int dtMs, const SoglieMotore &s, ModoMotore 
     c.zona = m_zona.aggiorna(c.giri, c.tps, s, dtMs);
 
     // The mixture the probe sees now is the one the engine burnt RitardoSondaMs ago.
-    const double richiesta = 100 + 30.0 * c.tps / 1023 + 6 * m_giriVeri / 4000
-                             + 5 * std::sin(2 * Pi * double(m_tempoMs) / 7000);
+    const double richiesta =
+        100 + 30.0 * c.tps / 1023 + 6 * m_giriVeri / 4000 + 5 * std::sin(2 * Pi * double(m_tempoMs) / 7000);
     m_miscele.emplace_back(m_tempoMs, m_actpos - richiesta);
     double miscela = m_miscele.front().second;
     while (m_miscele.size() > 1 && m_miscele[1].first <= m_tempoMs - RitardoSondaMs) {
@@ -210,3 +211,5 @@ CampioneMotore ModelloMotore::passo(int dtMs, const SoglieMotore &s, ModoMotore 
     m_ultimo = c;
     return c;
 }
+
+} // namespace kv::sim

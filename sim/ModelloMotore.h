@@ -9,6 +9,8 @@
 #include <random>
 #include <utility>
 
+namespace kv::sim {
+
 // What the engine is asked to do. Ciclo is the demo drive; the others are what the
 // calibration programs need from the car and from the fitter at the pedal.
 enum class ModoMotore {
@@ -86,3 +88,5 @@ private:
     CampioneMotore m_ultimo;
     std::mt19937 m_casuale;
 };
+
+} // namespace kv::sim

@@ -2,6 +2,8 @@
 
 #include "link/Frame.h"
 
+namespace kv::sim {
+
 namespace {
 // Nothing the tester sends is longer than a frame; a buffer this large is only noise.
 constexpr qsizetype LimiteBuffer = 4096;
@@ -65,3 +67,5 @@ QByteArray RicevitoreComandi::datiDi(const QByteArray &frame)
         return {};
     return frame.mid(4, frame.size() - Frame::Sovraccarico);
 }
+
+} // namespace kv::sim

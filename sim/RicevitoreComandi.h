@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QList>
 
+namespace kv::sim {
+
 // The ECU's side of frame reassembly: collects what the tester sends and hands out the
 // whole frames addressed to the ECU. Anything that does not check out (length, address,
 // end byte, checksum) costs only its start byte, and the search goes on from the next
@@ -13,7 +15,7 @@ public:
     struct Esito
     {
         QList<QByteArray> frame; // whole frames, STX to ETX
-        QByteArray scartati; // bytes given up on, for the log
+        QByteArray scartati;     // bytes given up on, for the log
     };
 
     Esito aggiungi(const QByteArray &bytes);
@@ -26,3 +28,5 @@ public:
 private:
     QByteArray m_buffer;
 };
+
+} // namespace kv::sim

@@ -2,18 +2,20 @@
 
 #include <QCommandLineParser>
 
+namespace kv::sim {
+
 namespace {
-const QString TestoAiuto = QStringLiteral(
-    "Simulated Korvantine ECU. It opens a pseudo-terminal (or a serial device) and behaves\n"
-    "there like the ECU of a gas kit: it streams live data, answers the tester's commands,\n"
-    "runs the calibration programs and takes new software and maps.\n"
-    "\n"
-    "Point the workshop program's serial port at the device printed on the first line,\n"
-    "\"ECU simulator ready on /dev/pts/N\", or at the fixed path given with --link.\n"
-    "Stop it with Ctrl-C. While it runs: kill -USR1 <pid> switches a stall on and off,\n"
-    "kill -USR2 <pid> hangs up the line.\n"
-    "\n"
-    "Addresses take 0x for hexadecimal (0xC110), plain digits are decimal.");
+const QString TestoAiuto =
+    QStringLiteral("Simulated Korvantine ECU. It opens a pseudo-terminal (or a serial device) and behaves\n"
+                   "there like the ECU of a gas kit: it streams live data, answers the tester's commands,\n"
+                   "runs the calibration programs and takes new software and maps.\n"
+                   "\n"
+                   "Point the workshop program's serial port at the device printed on the first line,\n"
+                   "\"ECU simulator ready on /dev/pts/N\", or at the fixed path given with --link.\n"
+                   "Stop it with Ctrl-C. While it runs: kill -USR1 <pid> switches a stall on and off,\n"
+                   "kill -USR2 <pid> hangs up the line.\n"
+                   "\n"
+                   "Addresses take 0x for hexadecimal (0xC110), plain digits are decimal.");
 
 bool intero(const QCommandLineParser &p, const QString &nome, int minimo, int massimo, int &valore,
             QString &errore)
@@ -72,50 +74,73 @@ void PreparaRigaComando(QCommandLineParser &parser)
     parser.addHelpOption();
     parser.addOptions({
         {{QStringLiteral("d"), QStringLiteral("device")},
-         QStringLiteral("Use this serial device (e.g. /dev/ttyUSB0 at the end of a null-modem cable) instead of a pseudo-terminal."),
+         QStringLiteral("Use this serial device (e.g. /dev/ttyUSB0 at the end of a null-modem cable) instead "
+                        "of a pseudo-terminal."),
          QStringLiteral("path")},
         {{QStringLiteral("l"), QStringLiteral("link")},
-         QStringLiteral("Also make this fixed path a symbolic link to the pseudo-terminal. An existing link is replaced, a real file is not."),
+         QStringLiteral("Also make this fixed path a symbolic link to the pseudo-terminal. An existing link "
+                        "is replaced, a real file is not."),
          QStringLiteral("path")},
         {{QStringLiteral("b"), QStringLiteral("baud")},
-         QStringLiteral("Line speed: 4800, 9600, 19200 or 38400. Default 9600."), QStringLiteral("rate")},
+         QStringLiteral("Line speed: 4800, 9600, 19200 or 38400. Default 9600."),
+         QStringLiteral("rate")},
         {{QStringLiteral("r"), QStringLiteral("rate")},
-         QStringLiteral("Live-data frames per second. Default 25."), QStringLiteral("frames")},
+         QStringLiteral("Live-data frames per second. Default 25."),
+         QStringLiteral("frames")},
         {QStringLiteral("pace"),
-         QStringLiteral("Send every byte at the pace of the line speed (10 bits a byte), replies queued behind the live data, as on a real line.")},
+         QStringLiteral("Send every byte at the pace of the line speed (10 bits a byte), replies queued "
+                        "behind the live data, as on a real line.")},
         {QStringLiteral("no-application"),
-         QStringLiteral("Start as an ECU without software: only the boot loader runs, sending 'g' frames and taking programming commands.")},
+         QStringLiteral("Start as an ECU without software: only the boot loader runs, sending 'g' frames and "
+                        "taking programming commands.")},
         {{QStringLiteral("m"), QStringLiteral("memory")},
-         QStringLiteral("Keep the EEPROM and software area in this file: loaded at start if present, saved on every write."),
+         QStringLiteral("Keep the EEPROM and software area in this file: loaded at start if present, saved "
+                        "on every write."),
          QStringLiteral("file")},
-        {QStringLiteral("vehicle"), QStringLiteral("Vehicle text of the version reply (10 characters)."), QStringLiteral("text")},
-        {QStringLiteral("date"), QStringLiteral("Date text of the version reply (10 characters)."), QStringLiteral("text")},
-        {QStringLiteral("code"), QStringLiteral("Software code of the version reply (14 characters)."), QStringLiteral("text")},
-        {QStringLiteral("datum-a"), QStringLiteral("Datum A of the version reply (10 characters)."), QStringLiteral("text")},
-        {QStringLiteral("datum-b"), QStringLiteral("Datum B of the version reply (4 characters)."), QStringLiteral("text")},
+        {QStringLiteral("vehicle"), QStringLiteral("Vehicle text of the version reply (10 characters)."),
+         QStringLiteral("text")},
+        {QStringLiteral("date"), QStringLiteral("Date text of the version reply (10 characters)."),
+         QStringLiteral("text")},
+        {QStringLiteral("code"), QStringLiteral("Software code of the version reply (14 characters)."),
+         QStringLiteral("text")},
+        {QStringLiteral("datum-a"), QStringLiteral("Datum A of the version reply (10 characters)."),
+         QStringLiteral("text")},
+        {QStringLiteral("datum-b"), QStringLiteral("Datum B of the version reply (4 characters)."),
+         QStringLiteral("text")},
         {QStringLiteral("lambda-type"),
-         QStringLiteral("Lambda probe type reported in the live data, 0 or 1 (1 sends lambda on 0..255). Default 0."),
+         QStringLiteral(
+             "Lambda probe type reported in the live data, 0 or 1 (1 sends lambda on 0..255). Default 0."),
          QStringLiteral("type")},
         {QStringLiteral("cycle"),
-         QStringLiteral("Length in seconds of the drive cycle idle - acceleration - cruise - full load - over-run. Default 36."),
+         QStringLiteral("Length in seconds of the drive cycle idle - acceleration - cruise - full load - "
+                        "over-run. Default 36."),
          QStringLiteral("seconds")},
-        {QStringLiteral("seed"), QStringLiteral("Seed of the random noise, for repeatable runs. Default 1."), QStringLiteral("n")},
-        {QStringLiteral("drop-reply"), QStringLiteral("Fault: do not send every n-th reply."), QStringLiteral("n")},
-        {QStringLiteral("corrupt"), QStringLiteral("Fault: spoil the checksum of every n-th frame sent."), QStringLiteral("n")},
-        {QStringLiteral("corrupt-next"), QStringLiteral("Fault: spoil the checksum of the first frame sent.")},
+        {QStringLiteral("seed"), QStringLiteral("Seed of the random noise, for repeatable runs. Default 1."),
+         QStringLiteral("n")},
+        {QStringLiteral("drop-reply"), QStringLiteral("Fault: do not send every n-th reply."),
+         QStringLiteral("n")},
+        {QStringLiteral("corrupt"), QStringLiteral("Fault: spoil the checksum of every n-th frame sent."),
+         QStringLiteral("n")},
+        {QStringLiteral("corrupt-next"),
+         QStringLiteral("Fault: spoil the checksum of the first frame sent.")},
         {QStringLiteral("noise"),
-         QStringLiteral("Fault: a burst of random bytes before every n-th frame, of the given length (default 8)."),
+         QStringLiteral(
+             "Fault: a burst of random bytes before every n-th frame, of the given length (default 8)."),
          QStringLiteral("n[:length]")},
         {QStringLiteral("noise-stx"), QStringLiteral("Let the noise hold the start byte 0x02 too.")},
         {QStringLiteral("write-error"),
-         QStringLiteral("Fault: a write touching this address is refused with this 'e' code (default 5). May be repeated."),
+         QStringLiteral("Fault: a write touching this address is refused with this 'e' code (default 5). May "
+                        "be repeated."),
          QStringLiteral("address[:code]")},
-        {QStringLiteral("delay"), QStringLiteral("Fault: every reply leaves this many milliseconds late."), QStringLiteral("ms")},
+        {QStringLiteral("delay"), QStringLiteral("Fault: every reply leaves this many milliseconds late."),
+         QStringLiteral("ms")},
         {QStringLiteral("stall"),
-         QStringLiteral("Fault: after this many seconds stop answering and streaming, for the given seconds (0 or none: until SIGUSR1)."),
+         QStringLiteral("Fault: after this many seconds stop answering and streaming, for the given seconds "
+                        "(0 or none: until SIGUSR1)."),
          QStringLiteral("after[:for]")},
         {QStringLiteral("hang-up"),
-         QStringLiteral("Fault: after this many seconds the line vanishes, as if the cable were pulled."), QStringLiteral("after")},
+         QStringLiteral("Fault: after this many seconds the line vanishes, as if the cable were pulled."),
+         QStringLiteral("after")},
         {{QStringLiteral("v"), QStringLiteral("verbose")},
          QStringLiteral("Log every frame to standard error, in hexadecimal, with its direction.")},
     });
@@ -127,7 +152,8 @@ bool InterpretaRigaComando(const QCommandLineParser &p, ImpostazioniProgramma &i
     imp.dispositivo = p.value(QStringLiteral("device"));
     imp.collegamento = p.value(QStringLiteral("link"));
     if (!imp.dispositivo.isEmpty() && !imp.collegamento.isEmpty()) {
-        errore = QStringLiteral("--link is for the pseudo-terminal; with --device the device path is already fixed");
+        errore = QStringLiteral(
+            "--link is for the pseudo-terminal; with --device the device path is already fixed");
         return false;
     }
     if (!intero(p, QStringLiteral("baud"), 0, 1000000, o.baud, errore))
@@ -207,10 +233,14 @@ bool InterpretaRigaComando(const QCommandLineParser &p, ImpostazioniProgramma &i
             return false;
         }
     }
-    if (p.isSet(QStringLiteral("hang-up")) && !secondiInMs(p.value(QStringLiteral("hang-up")), imp.riagganciaDopoMs)) {
-        errore = QStringLiteral("--hang-up wants a number of seconds, not \"%1\"").arg(p.value(QStringLiteral("hang-up")));
+    if (p.isSet(QStringLiteral("hang-up"))
+        && !secondiInMs(p.value(QStringLiteral("hang-up")), imp.riagganciaDopoMs)) {
+        errore = QStringLiteral("--hang-up wants a number of seconds, not \"%1\"")
+                     .arg(p.value(QStringLiteral("hang-up")));
         return false;
     }
     imp.verboso = p.isSet(QStringLiteral("verbose"));
     return true;
 }
+
+} // namespace kv::sim

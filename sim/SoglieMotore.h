@@ -2,6 +2,8 @@
 
 #include <array>
 
+namespace kv::sim {
+
 // The tuning the firmware runs on, as raw numbers out of its RAM: RPM as measured, TPS and
 // lambda on 0..1023 (lambda on 0..255 when scalaLambda255), stepper rates as periods in
 // ticks of 1.024 ms.
@@ -56,3 +58,5 @@ private:
         return a;
     }
 };
+
+} // namespace kv::sim

@@ -1,5 +1,7 @@
 #include "Taratura.h"
 
+namespace kv::sim {
+
 void Taratura::azzera()
 {
     entra(Fase::Nessuna);
@@ -63,8 +65,8 @@ void Taratura::passoTps(const CampioneMotore &c)
             ++m_campioniRiposo;
         }
         if (m_tempoPassoMs >= TpsRiposoMs) {
-            m_tpsMinimo = m_campioniRiposo > 0 ? int((m_sommaRiposo + m_campioniRiposo / 2) / m_campioniRiposo)
-                                               : c.tps;
+            m_tpsMinimo =
+                m_campioniRiposo > 0 ? int((m_sommaRiposo + m_campioniRiposo / 2) / m_campioniRiposo) : c.tps;
             m_passoTps = PassoTps::Minimo;
             m_tempoPassoMs = 0;
         }
@@ -183,7 +185,7 @@ ModoMotore Taratura::modoMotore() const
     case Fase::TpsSequenza:
     case Fase::TpsSingola:
         return m_passoTps == PassoTps::Premi || m_passoTps == PassoTps::Massimo ? ModoMotore::PedalePremuto
-                                                                               : ModoMotore::Minimo;
+                                                                                : ModoMotore::Minimo;
     case Fase::LambdaSequenza:
         return ModoMotore::Sweep;
     case Fase::LambdaSingola:
@@ -192,3 +194,5 @@ ModoMotore Taratura::modoMotore() const
         return ModoMotore::Minimo;
     }
 }
+
+} // namespace kv::sim

@@ -7,6 +7,8 @@
 #include <optional>
 #include <utility>
 
+namespace kv::sim {
+
 // Status byte of the 'd' stream (channel FLAGPA).
 namespace StatoEcu {
 enum : quint8 {
@@ -25,7 +27,7 @@ enum : quint8 {
     GiriAttesa = 239,
     Ingresso = 255,
 };
-}
+} // namespace StatoEcu
 
 // The firmware's calibration programs, switched by the 'A' command and reported only
 // through the status byte. The tester's pages follow the byte, so the order matters:
@@ -84,13 +86,19 @@ public:
     std::optional<std::pair<int, int>> prendiPuntiTps();
 
 private:
-    enum class PassoTps { Riposo, Minimo, Premi, Massimo, Appreso };
+    enum class PassoTps {
+        Riposo,
+        Minimo,
+        Premi,
+        Massimo,
+        Appreso
+    };
 
     void entra(Fase fase);
     void passoTps(const CampioneMotore &c);
 
     Fase m_fase = Fase::Nessuna;
-    int m_tempoMs = 0;        // in the present phase
+    int m_tempoMs = 0; // in the present phase
     bool m_giriVisti = false;
     PassoTps m_passoTps = PassoTps::Riposo;
     int m_tempoPassoMs = 0;
@@ -101,3 +109,5 @@ private:
     int m_ultimoAumentoMs = 0;
     std::optional<std::pair<int, int>> m_puntiTps;
 };
+
+} // namespace kv::sim

@@ -1,5 +1,7 @@
 #include "ZonaLavoro.h"
 
+namespace kv::sim {
+
 int ZonaLavoro::aggiorna(int giri, int tps, const SoglieMotore &s, int dtMs)
 {
     switch (m_zona) {
@@ -37,3 +39,5 @@ int ZonaLavoro::aggiorna(int giri, int tps, const SoglieMotore &s, int dtMs)
     }
     return m_zona;
 }
+
+} // namespace kv::sim

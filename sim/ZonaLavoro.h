@@ -2,6 +2,8 @@
 
 #include "SoglieMotore.h"
 
+namespace kv::sim {
+
 // The working zones as the stream reports them (channel MZONACT).
 namespace Zona {
 enum : int {
@@ -11,7 +13,7 @@ enum : int {
     CutOff = 4,      // over-run fuel cut
     Rientro = 5,     // coming back from cut-off
 };
-}
+} // namespace Zona
 
 // Chooses the working zone from measured RPM and raw TPS with the entry and exit
 // thresholds in RAM, so that every pair acts as a hysteresis:
@@ -28,9 +30,15 @@ public:
 
     int zona() const { return m_zona; }
     int aggiorna(int giri, int tps, const SoglieMotore &s, int dtMs);
-    void azzera() { m_zona = Zona::Minimo; m_rientroMs = 0; }
+    void azzera()
+    {
+        m_zona = Zona::Minimo;
+        m_rientroMs = 0;
+    }
 
 private:
     int m_zona = Zona::Minimo;
     int m_rientroMs = 0;
 };
+
+} // namespace kv::sim

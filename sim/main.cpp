@@ -16,6 +16,9 @@
 #include <sys/signalfd.h>
 #include <unistd.h>
 
+using namespace kv;
+using namespace kv::sim;
+
 namespace {
 
 // Ctrl-C, SIGTERM and the two fault signals reach the event loop through a signalfd,
@@ -23,8 +26,7 @@ namespace {
 class SegnaliProcesso : public QObject
 {
 public:
-    SegnaliProcesso(EcuSimulata &ecu, QObject *parent)
-        : QObject(parent)
+    SegnaliProcesso(EcuSimulata &ecu, QObject *parent) : QObject(parent)
     {
         sigset_t insieme;
         sigemptyset(&insieme);
@@ -98,8 +100,8 @@ int main(int argc, char *argv[])
     if (imp.versioneData && !imp.ecu.fileMemoria.isEmpty())
         ecu.scriviVersione(imp.ecu.versione);
 
-    const bool aperta = imp.dispositivo.isEmpty() ? ecu.apriPty(imp.collegamento)
-                                                  : ecu.apriDispositivo(imp.dispositivo);
+    const bool aperta =
+        imp.dispositivo.isEmpty() ? ecu.apriPty(imp.collegamento) : ecu.apriDispositivo(imp.dispositivo);
     if (!aperta) {
         std::fprintf(stderr, "korvantine-ecu: %s\n", qPrintable(ecu.erroreLinea()));
         return 1;
@@ -146,7 +148,8 @@ int main(int argc, char *argv[])
     std::printf("ECU simulator ready on %s\n", qPrintable(ecu.percorsoDispositivo()));
     std::fflush(stdout);
     if (!imp.collegamento.isEmpty())
-        std::fprintf(stderr, "link: %s -> %s\n", qPrintable(imp.collegamento), qPrintable(ecu.percorsoDispositivo()));
+        std::fprintf(stderr, "link: %s -> %s\n", qPrintable(imp.collegamento),
+                     qPrintable(ecu.percorsoDispositivo()));
 
     return app.exec();
 }

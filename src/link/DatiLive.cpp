@@ -2,12 +2,14 @@
 
 #include "link/Identificazione.h"
 #include "link/MotoreDialogo.h"
+#include "link/StatoProgramma.h"
 #include "link/Temporizzatore.h"
 #include "monitoring/AnelloRegistrazione.h"
-#include "shell/StatoProgramma.h"
 #include "variables/Conversioni.h"
 
 #include <algorithm>
+
+namespace kv {
 
 DatiLive::DatiLive(StatoProgramma &stato, MotoreDialogo &motore, Identificazione &identificazione,
                    Temporizzatore &timeOutDati, AnelloRegistrazione *anello, QObject *parent)
@@ -48,7 +50,7 @@ void DatiLive::decodifica(const QByteArray &payload, RecordDati &record)
         v[static_cast<size_t>(canale)] = NumeroBE(byte(canale + 4));
 }
 
-template<typename F>
+template <typename F>
 void DatiLive::perOgniAscoltatore(F &&f)
 {
     // A listener may remove itself (a page closing) while we walk the list.
@@ -113,3 +115,5 @@ void DatiLive::watchdog()
     m_stato.EcuDaIdentificare = -1;
     emit ecuPersa();
 }
+
+} // namespace kv

@@ -4,6 +4,8 @@
 
 #include <vector>
 
+namespace kv {
+
 class AnelloRegistrazione;
 class Identificazione;
 class MotoreDialogo;
@@ -31,8 +33,7 @@ public:
     static constexpr int IntervalloWatchdog = 2000;
 
     DatiLive(StatoProgramma &stato, MotoreDialogo &motore, Identificazione &identificazione,
-             Temporizzatore &timeOutDati, AnelloRegistrazione *anello = nullptr,
-             QObject *parent = nullptr);
+             Temporizzatore &timeOutDati, AnelloRegistrazione *anello = nullptr, QObject *parent = nullptr);
 
     void RispostaDati(const QByteArray &payload);
     void RispostaVita();
@@ -51,7 +52,8 @@ signals:
 
 private:
     void watchdog();
-    template<typename F> void perOgniAscoltatore(F &&f);
+    template <typename F>
+    void perOgniAscoltatore(F &&f);
 
     StatoProgramma &m_stato;
     MotoreDialogo &m_motore;
@@ -60,3 +62,5 @@ private:
     AnelloRegistrazione *m_anello;
     std::vector<AscoltatoreDati *> m_ascoltatori;
 };
+
+} // namespace kv

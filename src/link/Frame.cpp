@@ -2,6 +2,8 @@
 
 #include "link/RegistroFrame.h"
 
+namespace kv {
+
 quint8 SommaByte(const QByteArray &bytes)
 {
     quint8 somma = 0;
@@ -68,3 +70,5 @@ FrameUscita InviaProssimo(QByteArray &coda, RegistroFrame *registro)
         registro->LogFrame(uscita.Byte);
     return uscita;
 }
+
+} // namespace kv

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QtGlobal>
 
+namespace kv {
+
 // The frame on the wire, both ways: STX, LEN|0x80, receiver address, sender address,
 // DATA (command or reply letter first), CHK, ETX.
 namespace Frame {
@@ -10,7 +12,7 @@ inline constexpr char STX = 0x02;
 inline constexpr char ETX = 0x03;
 inline constexpr quint8 IndirizzoEcu = 0x3A;
 inline constexpr quint8 IndirizzoTester = 0xF1;
-inline constexpr int Sovraccarico = 6;     // bytes around the data
+inline constexpr int Sovraccarico = 6;       // bytes around the data
 inline constexpr int LunghezzaMassima = 127; // what the 7-bit length can describe
 } // namespace Frame
 
@@ -38,3 +40,5 @@ class RegistroFrame;
 
 // Takes the next whole frame off the queue and logs it; noise before it is dropped.
 FrameUscita InviaProssimo(QByteArray &coda, RegistroFrame *registro = nullptr);
+
+} // namespace kv

@@ -1,10 +1,12 @@
 #include "link/Identificazione.h"
 
 #include "link/Frame.h"
+#include "link/StatoProgramma.h"
 #include "link/Temporizzatore.h"
-#include "shell/StatoProgramma.h"
 #include "variables/Catalogo.h"
 #include "variables/Conversioni.h"
+
+namespace kv {
 
 namespace {
 
@@ -115,8 +117,8 @@ void Identificazione::rispostaLettura(const QByteArray &payload)
             break;
         case Par::TpsTaratoMinimo:
             p.Min = m_catalogo.daGrezzo(indice, grezzo);
-            m_stato.TpsPresente = TpsPresenteDa(
-                m_catalogo.Parametri[Par::TpsTaratoMassimo].Max, p.Min) ? -1 : 0;
+            m_stato.TpsPresente =
+                TpsPresenteDa(m_catalogo.Parametri[Par::TpsTaratoMassimo].Max, p.Min) ? -1 : 0;
             break;
         case Par::TipoTps:
             m_stato.TipoTpsPresente = grezzo != 0 ? 1 : 0;
@@ -141,3 +143,5 @@ void Identificazione::fine(bool completata)
         emit identificata();
     }
 }
+
+} // namespace kv

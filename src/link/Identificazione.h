@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+namespace kv {
+
 class Catalogo;
 struct StatoProgramma;
 
@@ -43,3 +45,5 @@ private:
     Catalogo &m_catalogo;
     MotoreDialogo &m_motore;
 };
+
+} // namespace kv

@@ -4,6 +4,8 @@
 #include "link/TabellaStati.h"
 #include "link/Temporizzatore.h"
 
+namespace kv {
+
 MotoreDialogo::MotoreDialogo(Porta &porta, Temporizzatore &timeOutReq, RegistroFrame *registro,
                              QObject *parent)
     : QObject(parent)
@@ -129,7 +131,8 @@ void MotoreDialogo::instrada(const QByteArray &payload)
     }
 
     const qint16 statoIngresso = StatoDialogo;
-    const bool erroreEcu = lettera == 'e' && (payload.size() < 2 || static_cast<quint8>(payload.at(1)) != 0xFF);
+    const bool erroreEcu =
+        lettera == 'e' && (payload.size() < 2 || static_cast<quint8>(payload.at(1)) != 0xFF);
     if (!erroreEcu && TabellaStati::rispostaAttesa(statoIngresso) != lettera)
         return; // a late or stray reply: the state does not wait for it
     GestoreStati *g = gestore(statoIngresso);
@@ -165,8 +168,9 @@ void MotoreDialogo::scadenzaTimeOutReq()
     if (GestoreStati *g = gestore(StatoDialogo)) {
         try {
             g->scadenza(StatoDialogo);
-        } catch (...) {
-        }
+        } catch (...) {}
     }
     StatoDialogo = -1;
 }
+
+} // namespace kv

@@ -7,6 +7,8 @@
 #include <array>
 #include <functional>
 
+namespace kv {
+
 class Porta;
 class RegistroFrame;
 class Temporizzatore;
@@ -25,8 +27,7 @@ public:
 
 // Thrown by a send that the port refused; the engine turns it into a short time-out.
 struct ErroreInvio
-{
-};
+{};
 
 // Strict stop-and-wait: one request on the line, then its reply or a time-out. A page
 // fills the queue, sets a state of its own and sends the first frame; the reply handlers
@@ -92,3 +93,5 @@ private:
     std::function<void(const QByteArray &)> m_gestoreDati;
     std::function<void()> m_gestoreVita;
 };
+
+} // namespace kv

@@ -3,6 +3,8 @@
 #include <QObject>
 #include <QString>
 
+namespace kv {
+
 // Serial settings as the program keeps them: 8 data bits, no parity, one stop bit.
 struct ImpostazioniPorta
 {
@@ -30,3 +32,5 @@ signals:
     // The line went away under us (an adapter pulled out): the port is closed by then.
     void persa(const QString &motivo);
 };
+
+} // namespace kv

@@ -1,7 +1,8 @@
 #include "link/PortaSeriale.h"
 
-PortaSeriale::PortaSeriale(QObject *parent)
-    : Porta(parent)
+namespace kv {
+
+PortaSeriale::PortaSeriale(QObject *parent) : Porta(parent)
 {
     connect(&m_porta, &QSerialPort::readyRead, this, &PortaSeriale::leggi);
     connect(&m_porta, &QSerialPort::errorOccurred, this, &PortaSeriale::errore);
@@ -25,11 +26,9 @@ bool PortaSeriale::apri(const ImpostazioniPorta &impostazioni)
         m_errore = m_porta.errorString();
         return false;
     }
-    const bool ok = m_porta.setBaudRate(impostazioni.velocita)
-        && m_porta.setDataBits(QSerialPort::Data8)
-        && m_porta.setParity(QSerialPort::NoParity)
-        && m_porta.setStopBits(QSerialPort::OneStop)
-        && m_porta.setFlowControl(QSerialPort::NoFlowControl);
+    const bool ok = m_porta.setBaudRate(impostazioni.velocita) && m_porta.setDataBits(QSerialPort::Data8)
+                    && m_porta.setParity(QSerialPort::NoParity) && m_porta.setStopBits(QSerialPort::OneStop)
+                    && m_porta.setFlowControl(QSerialPort::NoFlowControl);
     if (!ok) {
         m_errore = m_porta.errorString();
         m_porta.close();
@@ -81,3 +80,5 @@ void PortaSeriale::errore(QSerialPort::SerialPortError e)
     m_porta.close();
     emit persa(m_errore);
 }
+
+} // namespace kv

@@ -4,6 +4,8 @@
 
 #include <QSerialPort>
 
+namespace kv {
+
 class PortaSeriale : public Porta
 {
     Q_OBJECT
@@ -24,3 +26,5 @@ private:
     QSerialPort m_porta;
     QString m_errore;
 };
+
+} // namespace kv

@@ -4,10 +4,9 @@
 
 #include <QFile>
 
-RegistroFrame::RegistroFrame(QString percorsoFile)
-    : m_percorso(std::move(percorsoFile))
-{
-}
+namespace kv {
+
+RegistroFrame::RegistroFrame(QString percorsoFile) : m_percorso(std::move(percorsoFile)) {}
 
 void RegistroFrame::LogFrame(const QByteArray &bytes) const
 {
@@ -18,3 +17,5 @@ void RegistroFrame::LogFrame(const QByteArray &bytes) const
         return; // the log is an aid; a full disk must not stop the link
     file.write(HexFrame(bytes) + "\r\n");
 }
+
+} // namespace kv

@@ -4,6 +4,8 @@
 
 class QByteArray;
 
+namespace kv {
+
 // The frame log MESSAGGI.TXT: one line of upper-case hex per frame, sent or received,
 // CR LF, no time stamp. Opened, appended and closed for each line so that nothing is
 // lost if the program dies.
@@ -18,3 +20,5 @@ public:
 private:
     QString m_percorso;
 };
+
+} // namespace kv

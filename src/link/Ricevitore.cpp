@@ -5,10 +5,9 @@
 
 #include <cstring>
 
-Ricevitore::Ricevitore(RegistroFrame *registro)
-    : m_registro(registro)
-{
-}
+namespace kv {
+
+Ricevitore::Ricevitore(RegistroFrame *registro) : m_registro(registro) {}
 
 void Ricevitore::ricevi(const QByteArray &bytes)
 {
@@ -48,9 +47,14 @@ void Ricevitore::AnalizzaRicevuto()
     if (m_inAnalisi)
         return;
     m_inAnalisi = true;
-    struct Uscita {
+    struct Uscita
+    {
         Ricevitore *r;
-        ~Uscita() { r->m_inAnalisi = false; r->compatta(); }
+        ~Uscita()
+        {
+            r->m_inAnalisi = false;
+            r->compatta();
+        }
     } uscita{this};
 
     for (;;) {
@@ -59,7 +63,8 @@ void Ricevitore::AnalizzaRicevuto()
             return;
 
         const char *dati = m_buf.constData() + m_inizio;
-        const void *stx = std::memchr(dati + m_senzaStx, Frame::STX, static_cast<size_t>(disponibili - m_senzaStx));
+        const void *stx =
+            std::memchr(dati + m_senzaStx, Frame::STX, static_cast<size_t>(disponibili - m_senzaStx));
         if (!stx) {
             // The noise stays until an STX comes; remember how far we looked.
             m_senzaStx = disponibili;
@@ -100,3 +105,5 @@ void Ricevitore::AnalizzaRicevuto()
             m_gestore(payload);
     }
 }
+
+} // namespace kv

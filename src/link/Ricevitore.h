@@ -4,6 +4,8 @@
 
 #include <functional>
 
+namespace kv {
+
 class RegistroFrame;
 
 // Reassembles frames from whatever the port delivers (BufferRx and AnalizzaRicevuto).
@@ -41,3 +43,5 @@ private:
     qsizetype m_senzaStx = 0; // bytes from m_inizio on known to hold no STX
     bool m_inAnalisi = false;
 };
+
+} // namespace kv

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace kv {
+
 // Which reply letter each dialogue state waits for. States group by ten, and the group
 // names the owner that a reply or a time-out is routed to.
 namespace TabellaStati {
@@ -8,9 +10,17 @@ namespace TabellaStati {
 char rispostaAttesa(int stato);
 
 // -1 for the free link and for states below 1.
-constexpr int gruppo(int stato) { return stato >= 1 ? (stato - 1) / 10 : -1; }
+constexpr int gruppo(int stato)
+{
+    return stato >= 1 ? (stato - 1) / 10 : -1;
+}
 
 // The first state of a group, the one of its opening read.
-constexpr int primoDelGruppo(int stato) { return gruppo(stato) * 10 + 1; }
+constexpr int primoDelGruppo(int stato)
+{
+    return gruppo(stato) * 10 + 1;
+}
 
 } // namespace TabellaStati
+
+} // namespace kv

@@ -1,7 +1,8 @@
 #include "link/Temporizzatore.h"
 
-TemporizzatoreQt::TemporizzatoreQt(QObject *parent)
-    : Temporizzatore(parent)
+namespace kv {
+
+TemporizzatoreQt::TemporizzatoreQt(QObject *parent) : Temporizzatore(parent)
 {
     m_timer.setTimerType(Qt::PreciseTimer);
     connect(&m_timer, &QTimer::timeout, this, &Temporizzatore::scaduto);
@@ -22,3 +23,5 @@ bool TemporizzatoreManuale::scatta()
     emit scaduto();
     return true;
 }
+
+} // namespace kv

@@ -3,6 +3,8 @@
 #include <QObject>
 #include <QTimer>
 
+namespace kv {
+
 // A timer with the Enabled and Interval of the program's design. The dialogue engine sees
 // only this, so tests can fire it by hand and the program can use a QTimer.
 class Temporizzatore : public QObject
@@ -55,3 +57,5 @@ private:
     int m_intervallo = 0;
     bool m_abilitato = false;
 };
+
+} // namespace kv

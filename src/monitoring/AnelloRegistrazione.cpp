@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+namespace kv {
+
 namespace {
 // The channels the stream fills: 1 (status) to 11 (lambda probe type).
 constexpr int PrimoCanale = 1;
@@ -43,3 +45,5 @@ bool AnelloRegistrazione::aggiungi(const RecordDati &campione)
         r.Valore[c] = campione.Valore[c];
     return IndiceRegistrazione == LimiteSuperiore;
 }
+
+} // namespace kv

@@ -4,6 +4,8 @@
 
 #include <array>
 
+namespace kv {
+
 // The last 41 samples, kept while a monitor window is open so that a recording starts with
 // what happened just before the fitter pressed the button.
 class AnelloRegistrazione
@@ -22,6 +24,8 @@ public:
     bool aggiungi(const RecordDati &campione);
 
     std::array<RecordDati, Dimensione> BufferRegistrazione;
-    qint16 IndiceRegistrazione = -1;  // newest element, -1 when empty
-    double ContaRegistrazione = -1;   // number of the newest sample, -1 before the first
+    qint16 IndiceRegistrazione = -1; // newest element, -1 when empty
+    double ContaRegistrazione = -1;  // number of the newest sample, -1 before the first
 };
+
+} // namespace kv

@@ -1,6 +1,8 @@
 #include "monitoring/Canali.h"
 
-#include "shell/Lingua.h"
+#include "base/Lingua.h"
+
+namespace kv {
 
 namespace {
 
@@ -62,8 +64,16 @@ RigheDati RigheDatiIniziali()
 {
     RigheDati righe{};
     const std::array<RigaDati, 10> elenco{{
-        {2, 1, 1}, {3, 1, 1}, {4, 1, 1}, {5, 1, 1}, {6, 1, 1},
-        {7, 1, 1}, {8, 1, 1}, {9, 0, 1}, {10, 1, 1}, {11, 0, 1},
+        {2, 1, 1},
+        {3, 1, 1},
+        {4, 1, 1},
+        {5, 1, 1},
+        {6, 1, 1},
+        {7, 1, 1},
+        {8, 1, 1},
+        {9, 0, 1},
+        {10, 1, 1},
+        {11, 0, 1},
     }};
     for (std::size_t i = 0; i < elenco.size(); ++i)
         righe[i] = elenco[i];
@@ -117,3 +127,5 @@ void TabellaCanali::AzzeraScale()
         c.InGrafico = 0;
     }
 }
+
+} // namespace kv

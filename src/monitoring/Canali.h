@@ -5,6 +5,8 @@
 
 #include <array>
 
+namespace kv {
+
 class Lingua;
 
 // One live quantity of the 'd' stream and how charts scale it.
@@ -12,8 +14,8 @@ struct Canale
 {
     static constexpr int LunghezzaNome = 20;
 
-    QString Nome;          // always LunghezzaNome characters, blank padded
-    qint16 InGrafico = 0;  // -1 while drawn in a chart slot
+    QString Nome;         // always LunghezzaNome characters, blank padded
+    qint16 InGrafico = 0; // -1 while drawn in a chart slot
     QString UM;
     qint32 MinTabella = 0;
     qint32 MaxTabella = 0;
@@ -75,3 +77,5 @@ public:
 
     std::array<Canale, NumeroCanali> Canali;
 };
+
+} // namespace kv

@@ -1,12 +1,14 @@
 #include "shell/Avvio.h"
 
-#include "shell/FileSystem.h"
-#include "shell/IstanzaUnica.h"
+#include "base/FileSystem.h"
+#include "base/IstanzaUnica.h"
 #include "shell/Programma.h"
 
 #include <QDir>
 #include <QFile>
 #include <QLocale>
+
+namespace kv {
 
 namespace Avvio {
 
@@ -50,3 +52,5 @@ void esegui(Programma &p)
 }
 
 } // namespace Avvio
+
+} // namespace kv

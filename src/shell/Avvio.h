@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace kv {
+
 class IstanzaUnica;
 class Programma;
 
@@ -11,7 +13,7 @@ namespace Avvio {
 
 enum class Esito {
     Prosegui,
-    AltraIstanza,        // end at once, silently
+    AltraIstanza, // end at once, silently
     CartellaInutilizzabile
 };
 
@@ -24,3 +26,5 @@ Esito preparaCartella(const QString &percorsoApp, IstanzaUnica &istanza);
 void esegui(Programma &programma);
 
 } // namespace Avvio
+
+} // namespace kv

@@ -1,5 +1,7 @@
 #pragma once
 
+namespace kv {
+
 // Every page the main frame can open, by its form name. The menu says which one an entry
 // opens; the main frame opens it through the page registry, where a page that is not built
 // yet is simply absent.
@@ -66,3 +68,5 @@ constexpr bool PaginaTaratura(IdPagina id)
 {
     return id >= IdPagina::T_Giri_Single && id <= IdPagina::T_Lambda;
 }
+
+} // namespace kv

@@ -2,6 +2,8 @@
 
 #include <QStringList>
 
+namespace kv {
+
 namespace InfoProgramma {
 
 QString NumeroVersione(const QString &versione)
@@ -32,3 +34,5 @@ QString TestoVersione(const QString &etichetta)
 }
 
 } // namespace InfoProgramma
+
+} // namespace kv

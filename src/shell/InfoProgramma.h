@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace kv {
+
 // What a version resource would hold: the number and the two texts that go with it. They
 // describe the build, not the language, so they live here and not in the language files.
 namespace InfoProgramma {
@@ -18,3 +20,5 @@ QString TestoAzienda();
 QString TestoVersione(const QString &etichetta);
 
 } // namespace InfoProgramma
+
+} // namespace kv

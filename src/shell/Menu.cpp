@@ -1,17 +1,19 @@
 #include "shell/Menu.h"
 
-#include "shell/Lingua.h"
-#include "shell/StatoProgramma.h"
+#include "base/Lingua.h"
+#include "link/StatoProgramma.h"
+
+namespace kv {
 
 namespace Menu {
 
 namespace {
 
 enum class Condizione {
-    Testo,         // enabled when it has text
-    EcuNormale,    // and the ECU runs its application
-    TpsPresente,   // and the throttle sensor has been calibrated
-    EcuInMarcia    // and the ECU is in normal running
+    Testo,       // enabled when it has text
+    EcuNormale,  // and the ECU runs its application
+    TpsPresente, // and the throttle sensor has been calibrated
+    EcuInMarcia  // and the ECU is in normal running
 };
 
 struct Riga
@@ -27,38 +29,49 @@ const std::vector<Riga> Programmazione = {{P::ProgSW, C::Testo}, {P::ProgMappe, 
 const std::vector<Riga> VisualizzaDati = {{P::Strumenti, C::Testo}, {P::Grafici, C::Testo}};
 const std::vector<Riga> MessaPuntoNormale = {{P::MP_Lavoro, C::Testo}, {P::MP_Pompata, C::TpsPresente}};
 const std::vector<Riga> MessaPuntoAssistenza = {
-    {P::MP_Minimo, C::Testo},      {P::MP_Normale, C::Testo},    {P::MP_PienoCarico, C::Testo},
-    {P::MP_CutOff, C::Testo},      {P::MP_Pompata, C::TpsPresente}, {P::MP_Stechio, C::Testo},
-    {P::MP_InibizPC, C::Testo},    {P::MP_RientroCO, C::Testo},  {P::MP_TPS, C::Testo}};
-const std::vector<Riga> Taratura = {
-    {P::T_Giri_Single, C::EcuInMarcia}, {P::T_TPS_Single, C::EcuInMarcia},
-    {P::T_Lambda_Single, C::EcuInMarcia}, {P::T_Parametri, C::EcuInMarcia},
-    {P::SequenzaTaratura, C::Testo}};
+    {P::MP_Minimo, C::Testo},   {P::MP_Normale, C::Testo},       {P::MP_PienoCarico, C::Testo},
+    {P::MP_CutOff, C::Testo},   {P::MP_Pompata, C::TpsPresente}, {P::MP_Stechio, C::Testo},
+    {P::MP_InibizPC, C::Testo}, {P::MP_RientroCO, C::Testo},     {P::MP_TPS, C::Testo}};
+const std::vector<Riga> Taratura = {{P::T_Giri_Single, C::EcuInMarcia},
+                                    {P::T_TPS_Single, C::EcuInMarcia},
+                                    {P::T_Lambda_Single, C::EcuInMarcia},
+                                    {P::T_Parametri, C::EcuInMarcia},
+                                    {P::SequenzaTaratura, C::Testo}};
 const std::vector<Riga> Utilita = {
-    {P::VisInf, C::EcuNormale},    {P::CreaDiscoSW, C::Testo},    {P::RipriDiscoSW, C::Testo},
-    {P::CancelSW, C::EcuNormale},  {P::CreaDiscoMappe, C::Testo}, {P::RipriMappe, C::Testo},
-    {P::CancelMappe, C::EcuNormale}, {P::ReadMappe, C::EcuNormale}, {P::Comunicazione, C::EcuNormale},
+    {P::VisInf, C::EcuNormale},       {P::CreaDiscoSW, C::Testo},    {P::RipriDiscoSW, C::Testo},
+    {P::CancelSW, C::EcuNormale},     {P::CreaDiscoMappe, C::Testo}, {P::RipriMappe, C::Testo},
+    {P::CancelMappe, C::EcuNormale},  {P::ReadMappe, C::EcuNormale}, {P::Comunicazione, C::EcuNormale},
     {P::SceltaLingua, C::EcuNormale}, {P::Password, C::EcuNormale}};
 
 const std::vector<Riga> *righe(int funzione, int modoAssistenza)
 {
     switch (funzione) {
-    case 0: return &Programmazione;
-    case 1: return &VisualizzaDati;
-    case 2: return modoAssistenza == 1 ? &MessaPuntoAssistenza : &MessaPuntoNormale;
-    case 3: return &Taratura;
-    case 4: return &Utilita;
-    default: return nullptr;
+    case 0:
+        return &Programmazione;
+    case 1:
+        return &VisualizzaDati;
+    case 2:
+        return modoAssistenza == 1 ? &MessaPuntoAssistenza : &MessaPuntoNormale;
+    case 3:
+        return &Taratura;
+    case 4:
+        return &Utilita;
+    default:
+        return nullptr;
     }
 }
 
 bool condizioneVera(Condizione c, const StatoProgramma &s)
 {
     switch (c) {
-    case Condizione::Testo: return true;
-    case Condizione::EcuNormale: return s.EcuNormale == -1;
-    case Condizione::TpsPresente: return s.TpsPresente != 0;
-    case Condizione::EcuInMarcia: return s.EcuInMarcia == 1;
+    case Condizione::Testo:
+        return true;
+    case Condizione::EcuNormale:
+        return s.EcuNormale == -1;
+    case Condizione::TpsPresente:
+        return s.TpsPresente != 0;
+    case Condizione::EcuInMarcia:
+        return s.EcuInMarcia == 1;
     }
     return false;
 }
@@ -92,12 +105,18 @@ bool FunzioneAbilitata(int funzione, const StatoProgramma &stato)
 QString PrefissoOpzioni(int funzione, int modoAssistenza)
 {
     switch (funzione) {
-    case 0: return QStringLiteral("PROGRAMMAZIONE.");
-    case 1: return QStringLiteral("VISDATI.");
-    case 2: return QStringLiteral("MESSAPUNTO%1.").arg(modoAssistenza == 1 ? 1 : 0);
-    case 3: return QStringLiteral("TARATURA.");
-    case 4: return QStringLiteral("UTILITA.");
-    default: return {};
+    case 0:
+        return QStringLiteral("PROGRAMMAZIONE.");
+    case 1:
+        return QStringLiteral("VISDATI.");
+    case 2:
+        return QStringLiteral("MESSAPUNTO%1.").arg(modoAssistenza == 1 ? 1 : 0);
+    case 3:
+        return QStringLiteral("TARATURA.");
+    case 4:
+        return QStringLiteral("UTILITA.");
+    default:
+        return {};
     }
 }
 
@@ -136,3 +155,5 @@ EsitoParola VerificaParola(StatoProgramma &stato, const QString &parola)
 }
 
 } // namespace Menu
+
+} // namespace kv

@@ -7,6 +7,8 @@
 #include <array>
 #include <vector>
 
+namespace kv {
+
 class Lingua;
 struct StatoProgramma;
 
@@ -24,15 +26,15 @@ inline constexpr char ParolaAssistenza[] = "TORBA";
 
 struct Voce
 {
-    QString caption;          // trimmed
-    bool visibile = false;    // an entry without text is hidden, so the language file sets the list's length
+    QString caption;       // trimmed
+    bool visibile = false; // an entry without text is hidden, so the language file sets the list's length
     bool abilitata = false;
     IdPagina pagina = IdPagina::Nessuna;
 };
 
 struct Funzioni
 {
-    QString titolo;           // of the main frame
+    QString titolo; // of the main frame
     std::array<QString, NumeroFunzioni> caption;
     std::array<bool, NumeroFunzioni> abilitata{};
     QString uscita;
@@ -50,12 +52,14 @@ QString PrefissoOpzioni(int funzione, int modoAssistenza);
 std::vector<Voce> Opzioni(int funzione, const StatoProgramma &stato, const Lingua &lingua);
 
 enum class EsitoParola {
-    Assistenza,  // the access word: service mode on
-    Normale,     // another word in service mode: back to normal, without a word
-    Errata       // another word in normal mode: the fitter is told
+    Assistenza, // the access word: service mode on
+    Normale,    // another word in service mode: back to normal, without a word
+    Errata      // another word in normal mode: the fitter is told
 };
 
 // Checks the word typed on the access page and sets ModoAssistenza.
 EsitoParola VerificaParola(StatoProgramma &stato, const QString &parola);
 
 } // namespace Menu
+
+} // namespace kv

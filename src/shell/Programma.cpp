@@ -2,9 +2,11 @@
 
 #include "link/Frame.h"
 
+namespace kv {
+
 Programma::Programma(const QString &percorsoApp, std::unique_ptr<Porta> portaSeriale,
-                     std::unique_ptr<Temporizzatore> timeOutReq,
-                     std::unique_ptr<Temporizzatore> timeOutDati, QObject *parent)
+                     std::unique_ptr<Temporizzatore> timeOutReq, std::unique_ptr<Temporizzatore> timeOutDati,
+                     QObject *parent)
     : QObject(parent)
     , lingua(percorsoApp)
     , registro(percorsoApp + QStringLiteral("/MESSAGGI.TXT"))
@@ -22,7 +24,8 @@ Programma::Programma(const QString &percorsoApp, std::unique_ptr<Porta> portaSer
     stato.PercorsoApp = percorsoApp;
     connect(&porta, &Porta::arrivati, this, [this](const QByteArray &b) { ricevitore.ricevi(b); });
     ricevitore.impostaGestore([this](const QByteArray &payload) { motore.instrada(payload); });
-    ricevitore.impostaSegnalazione([this](const QByteArray &hex) { emit segnalazione(QString::fromLatin1(hex)); });
+    ricevitore.impostaSegnalazione(
+        [this](const QByteArray &hex) { emit segnalazione(QString::fromLatin1(hex)); });
     motore.impostaGestoreDati([this](const QByteArray &p) { datiLive.RispostaDati(p); });
     motore.impostaGestoreVita([this] { datiLive.RispostaVita(); });
 }
@@ -49,7 +52,7 @@ void Programma::IniCollegamento()
 
 void Programma::LeggiImpSeriale()
 {
-    seriale = ::LeggiImpSeriale(percorsoIni(), PortiSeriali());
+    seriale = kv::LeggiImpSeriale(percorsoIni(), PortiSeriali());
 }
 
 bool Programma::ApriPorta()
@@ -65,3 +68,5 @@ bool Programma::ApriPorta()
                         lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_2"));
     return false;
 }
+
+} // namespace kv

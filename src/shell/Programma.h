@@ -1,22 +1,24 @@
 #pragma once
 
+#include "base/Configurazione.h"
+#include "base/Lingua.h"
 #include "link/DatiLive.h"
 #include "link/Identificazione.h"
 #include "link/MotoreDialogo.h"
 #include "link/Porta.h"
 #include "link/RegistroFrame.h"
 #include "link/Ricevitore.h"
+#include "link/StatoProgramma.h"
 #include "link/Temporizzatore.h"
 #include "monitoring/AnelloRegistrazione.h"
 #include "monitoring/Canali.h"
-#include "shell/Configurazione.h"
-#include "shell/Lingua.h"
-#include "shell/StatoProgramma.h"
 #include "variables/Catalogo.h"
 
 #include <QObject>
 
 #include <memory>
+
+namespace kv {
 
 // Everything the program keeps for the whole run, built once at start (tests build their
 // own). The port and the two timers of the main frame come from outside, so that tests can
@@ -73,3 +75,5 @@ signals:
     // The hex of the last good payload, for the message strip.
     void segnalazione(const QString &hex);
 };
+
+} // namespace kv

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace kv {
+
 namespace {
 constexpr double RunTime = -1;
 constexpr qint32 Nessuno = -1;
@@ -20,8 +22,8 @@ Catalogo::Catalogo()
     InizializzaParametri();
 }
 
-void Catalogo::imposta(int indice, qint32 ram, qint32 ee, qint16 dimensione, double min,
-                       double max, Conversione conv)
+void Catalogo::imposta(int indice, qint32 ram, qint32 ee, qint16 dimensione, double min, double max,
+                       Conversione conv)
 {
     Parametri[indice] = {min, max, ram, ee, dimensione, conv};
 }
@@ -197,11 +199,10 @@ QString Catalogo::suggerimentoIntervallo(int indice) const
     if (!indiceValido(indice))
         return {};
     return formatta(indice, Parametri[indice].Min) + QStringLiteral(" - ")
-        + formatta(indice, Parametri[indice].Max);
+           + formatta(indice, Parametri[indice].Max);
 }
 
-QList<int> Catalogo::aggiornaLimiti(int sorgente, double valore, Pagina pagina,
-                                    Occasione occasione)
+QList<int> Catalogo::aggiornaLimiti(int sorgente, double valore, Pagina pagina, Occasione occasione)
 {
     QList<int> toccati;
     if (!indiceValido(sorgente))
@@ -221,3 +222,5 @@ QList<int> Catalogo::aggiornaLimiti(int sorgente, double valore, Pagina pagina,
     }
     return toccati;
 }
+
+} // namespace kv

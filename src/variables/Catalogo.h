@@ -8,6 +8,8 @@
 
 #include <array>
 
+namespace kv {
+
 // How the raw number on the ECU becomes the shown number.
 enum class Conversione : char {
     I = 'I', // identity
@@ -20,11 +22,11 @@ enum class Conversione : char {
 
 struct Parametro
 {
-    double Min;            // -1: set at run time
-    double Max;            // -1: set at run time
-    qint32 IndirizzoRAM;   // -1: no RAM copy
-    qint32 IndirizzoEE;    // -1: no EEPROM home
-    qint16 Dimensione;     // bytes on the ECU, 1 or 2
+    double Min;          // -1: set at run time
+    double Max;          // -1: set at run time
+    qint32 IndirizzoRAM; // -1: no RAM copy
+    qint32 IndirizzoEE;  // -1: no EEPROM home
+    qint16 Dimensione;   // bytes on the ECU, 1 or 2
     Conversione Conv;
 };
 
@@ -159,3 +161,5 @@ private:
     double scalaLetturaAnalogica(int indice, double grezzo) const;
     bool lambdaScalata() const;
 };
+
+} // namespace kv

@@ -3,6 +3,8 @@
 #include <cmath>
 #include <cstdint>
 
+namespace kv {
+
 double NumeroBE(const QByteArray &bytes)
 {
     double valore = 0;
@@ -74,3 +76,5 @@ double Interpola(double x, double y1, double y0, double x1, double x0)
     const double r = (x - x0) * (y1 - y0) / (x1 - x0) + y0;
     return std::isfinite(r) ? r : -1;
 }
+
+} // namespace kv

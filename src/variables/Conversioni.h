@@ -2,6 +2,8 @@
 
 #include <QByteArray>
 
+namespace kv {
+
 // Conversions between the numbers the ECU keeps and the numbers the fitter sees.
 // None of them throws: an impossible result is the value -1, as the pages expect.
 
@@ -28,3 +30,5 @@ double CodificaSegnoModulo(double v);
 
 // Straight line through (x0, y0) and (x1, y1) at x; -1 when it cannot be worked out.
 double Interpola(double x, double y1, double y0, double x1, double x0);
+
+} // namespace kv

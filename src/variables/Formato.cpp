@@ -4,6 +4,8 @@
 
 #include <cmath>
 
+namespace kv {
+
 namespace {
 
 struct Maschera
@@ -157,3 +159,5 @@ double ValNumero(const QString &testo)
         return 0;
     return valore;
 }
+
+} // namespace kv

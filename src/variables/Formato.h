@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace kv {
+
 // Number to text by a mask of digit placeholders, the one place where the program does it.
 //   "#0"            whole number, at least one digit
 //   "0.0", "#0.00"  that many decimals ('0' always shown, '#' only when not zero)
@@ -20,3 +22,5 @@ QString FormattaNumero(double v, const QString &mask);
 // longest numeric prefix is taken: leading blanks, a sign, digits, a point, digits and an
 // optional exponent. Text with no number in front, or a number too large to hold, gives 0.
 double ValNumero(const QString &testo);
+
+} // namespace kv

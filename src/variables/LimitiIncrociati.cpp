@@ -2,6 +2,8 @@
 
 #include "variables/Catalogo.h"
 
+namespace kv {
+
 namespace {
 
 LimiteIncrociato riga(Pagina pagina, int bersaglio, Lato lato, int sorgente)
@@ -83,8 +85,8 @@ std::vector<LimiteIncrociato> costruisci()
     t.push_back(rigaLettura(Pagina::Lavoro, Par::TpsTaratoMassimo, Max, Par::TpsTaratoMassimo));
     t.push_back(rigaLettura(Pagina::Lavoro, Par::SogliaGiriEntrataCutOff, Min, Par::SogliaGiriUscitaMinimo));
     t.push_back(rigaLettura(Pagina::Lavoro, Par::SogliaTpsEntrataPC, Min, Par::SogliaTpsUscitaMinimo));
-    for (int proprio : {Par::SogliaLambdaRiccoMinimo, Par::SogliaLambdaRiccoNormale,
-                        Par::SogliaGiriEntrataPC, Par::SogliaLambdaRiccoPC})
+    for (int proprio : {Par::SogliaLambdaRiccoMinimo, Par::SogliaLambdaRiccoNormale, Par::SogliaGiriEntrataPC,
+                        Par::SogliaLambdaRiccoPC})
         t.push_back(rigaLettura(Pagina::Lavoro, proprio, Min, proprio));
 
     return t;
@@ -97,3 +99,5 @@ const std::vector<LimiteIncrociato> &TabellaLimitiIncrociati()
     static const std::vector<LimiteIncrociato> tabella = costruisci();
     return tabella;
 }
+
+} // namespace kv

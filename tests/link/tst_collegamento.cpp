@@ -8,6 +8,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace kv;
+using namespace kv::sim;
+
 namespace {
 
 bool checksumValido(const QByteArray &frame)
@@ -103,9 +106,9 @@ private slots:
             const auto u8 = [&](int pos) { return double(quint8(bytes.at(pos - 1))); };
             const auto u16 = [&](int pos) { return u8(pos) * 256 + u8(pos + 1); };
             return d.Valore[1] == u8(2) && d.Valore[2] == u16(3) && d.Valore[3] == Scala1023(u16(5))
-                && d.Valore[4] == Scala1023(u16(7)) && d.Valore[5] == u8(9) && d.Valore[6] == u8(10)
-                && d.Valore[7] == u8(11) && d.Valore[8] == u8(12) && d.Valore[9] == u8(13)
-                && d.Valore[10] == u8(14) && d.Valore[11] == 0;
+                   && d.Valore[4] == Scala1023(u16(7)) && d.Valore[5] == u8(9) && d.Valore[6] == u8(10)
+                   && d.Valore[7] == u8(11) && d.Valore[8] == u8(12) && d.Valore[9] == u8(13)
+                   && d.Valore[10] == u8(14) && d.Valore[11] == 0;
         };
         qsizetype i = 0;
         while (i < inviati.size() && !corrisponde(r.record[0], inviati[i].payload))
@@ -153,9 +156,7 @@ private slots:
 
     void erasedTpsCellsMeanNoTps()
     {
-        avvia({}, [](EcuSimulata &e) {
-            e.scriviMemoria(0xC110, QByteArray::fromHex("03FF03FF"));
-        });
+        avvia({}, [](EcuSimulata &e) { e.scriviMemoria(0xC110, QByteArray::fromHex("03FF03FF")); });
         QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 3000);
         QCOMPARE(p->stato.TpsPresente, qint16(0));
     }

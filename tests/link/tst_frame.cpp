@@ -6,11 +6,19 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace kv;
+
 namespace {
 
-QByteArray daEcu(const QByteArray &dati) { return CreaFrame(dati, 0); }
+QByteArray daEcu(const QByteArray &dati)
+{
+    return CreaFrame(dati, 0);
+}
 
-QByteArray hex(const char *testo) { return QByteArray::fromHex(testo); }
+QByteArray hex(const char *testo)
+{
+    return QByteArray::fromHex(testo);
+}
 
 } // namespace
 

@@ -1,16 +1,20 @@
 #include "shell/Programma.h"
-#include "../support/PortaFinta.h"
+#include "support/PortaFinta.h"
 
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace kv;
+
 namespace {
 
-QByteArray daEcu(const QByteArray &dati) { return CreaFrame(dati, 0); }
+QByteArray daEcu(const QByteArray &dati)
+{
+    return CreaFrame(dati, 0);
+}
 
-QByteArray datiLive(quint8 stato, quint16 giri, quint16 tps, quint16 lambda, quint8 zona,
-                    quint8 tipoLambda)
+QByteArray datiLive(quint8 stato, quint16 giri, quint16 tps, quint16 lambda, quint8 zona, quint8 tipoLambda)
 {
     QByteArray p("d");
     p += char(stato);
@@ -20,12 +24,12 @@ QByteArray datiLive(quint8 stato, quint16 giri, quint16 tps, quint16 lambda, qui
     p += char(tps & 0xFF);
     p += char(lambda >> 8);
     p += char(lambda & 0xFF);
-    p += char(90);   // stepper
-    p += char(1);    // rich/lean
+    p += char(90); // stepper
+    p += char(1);  // rich/lean
     p += char(zona);
-    p += char(0);    // pump
-    p += char(1);    // TPS type
-    p += char(2);    // supply
+    p += char(0); // pump
+    p += char(1); // TPS type
+    p += char(2); // supply
     p += char(tipoLambda);
     return p;
 }
@@ -33,10 +37,13 @@ QByteArray datiLive(quint8 stato, quint16 giri, quint16 tps, quint16 lambda, qui
 QByteArray versione()
 {
     return "v" + QByteArray("VEICOLO-01") + QByteArray("2026-11-01") + QByteArray("KV-CODE-000042")
-        + QByteArray("DATO-A-123") + QByteArray("B-77");
+           + QByteArray("DATO-A-123") + QByteArray("B-77");
 }
 
-QByteArray parola(quint16 v) { return QByteArray(1, char(v >> 8)) + char(v & 0xFF); }
+QByteArray parola(quint16 v)
+{
+    return QByteArray(1, char(v >> 8)) + char(v & 0xFF);
+}
 
 } // namespace
 

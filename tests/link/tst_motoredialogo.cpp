@@ -1,8 +1,10 @@
 #include "link/MotoreDialogo.h"
 #include "link/Temporizzatore.h"
-#include "../support/PortaFinta.h"
+#include "support/PortaFinta.h"
 
 #include <QTest>
+
+using namespace kv;
 
 namespace {
 
@@ -28,7 +30,10 @@ public:
     QList<int> scadenze;
 };
 
-QByteArray daEcu(const QByteArray &dati) { return CreaFrame(dati, 0).mid(4).chopped(2); }
+QByteArray daEcu(const QByteArray &dati)
+{
+    return CreaFrame(dati, 0).mid(4).chopped(2);
+}
 
 } // namespace
 

@@ -4,6 +4,8 @@
 
 #include <QTest>
 
+using namespace kv;
+
 namespace {
 
 RecordDati campione(double base)

@@ -1,20 +1,22 @@
 // The channel table: names and units by the language file's keys, titles, scales, and the
 // channels the charts may take.
 
-#include "../support/FileDiProva.h"
+#include "support/FileDiProva.h"
 
+#include "base/Lingua.h"
 #include "monitoring/Canali.h"
-#include "shell/Lingua.h"
 
 #include <QTemporaryDir>
 #include <QTest>
+
+using namespace kv;
 
 namespace {
 
 // The keys of the 16 channels, as the language files carry them.
 const char *const Chiavi[NumeroCanali] = {
-    "CAMPIONI", "FLAGPA", "GIRI", "TPS", "LAMBDA", "ACTPOS", "RICMAG", "MZONACT",
-    "POMPATA", "TIPTPS", "TIPALIM", "TIPOLAMBDA", "LIBERO2", "LIBERO3", "LIBERO4", "LIBERO5",
+    "CAMPIONI", "FLAGPA", "GIRI",    "TPS",        "LAMBDA",  "ACTPOS",  "RICMAG",  "MZONACT",
+    "POMPATA",  "TIPTPS", "TIPALIM", "TIPOLAMBDA", "LIBERO2", "LIBERO3", "LIBERO4", "LIBERO5",
 };
 
 } // namespace
@@ -50,10 +52,10 @@ private slots:
         for (int i = 0; i < NumeroCanali; ++i) {
             QCOMPARE(ChiaveCanale(i), QString::fromLatin1(Chiavi[i]));
             QCOMPARE(m_tabella.Canali[i].Nome.size(), Canale::LunghezzaNome);
-            const QString atteso = i == 0 ? QStringLiteral("Numero dei campioni [U0]")
-                                 : i == 1 ? QStringLiteral("N1")
-                                 : i == 4 ? QString()
-                                          : QStringLiteral("N%1 [U%1]").arg(i);
+            const QString atteso = i == 0   ? QStringLiteral("Numero dei campioni [U0]")
+                                   : i == 1 ? QStringLiteral("N1")
+                                   : i == 4 ? QString()
+                                            : QStringLiteral("N%1 [U%1]").arg(i);
             QCOMPARE(m_tabella.TitoloCanale(i), atteso);
         }
         QCOMPARE(m_tabella.TitoloCanale(-1), QString());

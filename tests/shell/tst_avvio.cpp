@@ -1,16 +1,19 @@
 #include "EcuSimulata.h"
+#include "base/FileIni.h"
+#include "base/IstanzaUnica.h"
+#include "base/PercorsoApp.h"
 #include "link/PortaSeriale.h"
 #include "shell/Avvio.h"
-#include "shell/FileIni.h"
-#include "shell/IstanzaUnica.h"
-#include "shell/PercorsoApp.h"
 #include "shell/Programma.h"
-#include "../support/FileDiProva.h"
+#include "support/FileDiProva.h"
 
 #include <QDir>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+
+using namespace kv;
+using namespace kv::sim;
 
 namespace {
 
@@ -53,7 +56,8 @@ private slots:
 
         scrivi(home + "/MESSAGGI.TXT", "02873AF1560803\r\n");
         scrivi(home + "/MAPPA.TMP", "x");
-        const QByteArray ini = "; workshop PC\r\n[SERIALE]\r\nPorta=/dev/korvantine-no-such-port\r\nBaudRate=57600\r\n";
+        const QByteArray ini =
+            "; workshop PC\r\n[SERIALE]\r\nPorta=/dev/korvantine-no-such-port\r\nBaudRate=57600\r\n";
         scrivi(PercorsoIni(home), ini);
         istanza = std::make_unique<IstanzaUnica>(home);
         QCOMPARE(Avvio::preparaCartella(home, *istanza), Avvio::Esito::Prosegui);
@@ -62,7 +66,7 @@ private slots:
         QVERIFY(!QFile::exists(home + "/MESSAGGI.TXT"));
         QVERIFY(!QFile::exists(home + "/MAPPA.TMP"));
         QCOMPARE(p->seriale.VelocitaCom, 9600);
-        QCOMPARE(leggi(PercorsoIni(home)), ini);  // nothing written back until the user saves
+        QCOMPARE(leggi(PercorsoIni(home)), ini); // nothing written back until the user saves
     }
 
     void secondInstanceTouchesNothing()

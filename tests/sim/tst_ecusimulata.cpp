@@ -3,9 +3,9 @@
 #include "EcuSimulata.h"
 #include "RigaComando.h"
 
-#include "../support/FileDiProva.h"
-#include "../variables/PortaEcu.h"
 #include "link/Frame.h"
+#include "support/FileDiProva.h"
+#include "support/PortaEcu.h"
 
 #include <QCommandLineParser>
 #include <QElapsedTimer>
@@ -15,11 +15,14 @@
 #include <algorithm>
 #include <set>
 
+using namespace kv;
+using namespace kv::sim;
+
 namespace {
 
 struct FrameLetto
 {
-    QByteArray payload;   // reply letter first
+    QByteArray payload; // reply letter first
     bool checksumOk = false;
     char lettera() const { return payload.isEmpty() ? '\0' : payload.at(0); }
 };
@@ -66,12 +69,14 @@ const QByteArray Fine = QByteArray::fromHex("4101"); // 'A' 1 ends a single cali
 // An ECU, everything it sends (bytes, frames, noise), and the tester's side of the commands.
 struct Banco
 {
-    explicit Banco(const OpzioniEcu &o = OpzioniManuali())
-        : ecu(o)
+    explicit Banco(const OpzioniEcu &o = OpzioniManuali()) : ecu(o)
     {
-        QObject::connect(&ecu, &EcuSimulata::datiInviati, &ecu, [this](const QByteArray &b) { grezzi.append(b); });
-        QObject::connect(&ecu, &EcuSimulata::frameInviato, &ecu, [this](const QByteArray &f) { frame.append(leggiFrame(f)); });
-        QObject::connect(&ecu, &EcuSimulata::rumoreInviato, &ecu, [this](const QByteArray &b) { rumore += b.size(); });
+        QObject::connect(&ecu, &EcuSimulata::datiInviati, &ecu,
+                         [this](const QByteArray &b) { grezzi.append(b); });
+        QObject::connect(&ecu, &EcuSimulata::frameInviato, &ecu,
+                         [this](const QByteArray &f) { frame.append(leggiFrame(f)); });
+        QObject::connect(&ecu, &EcuSimulata::rumoreInviato, &ecu,
+                         [this](const QByteArray &b) { rumore += b.size(); });
     }
 
     void svuota()
@@ -124,7 +129,8 @@ struct Banco
     QByteArray scrittura(int par, int valore, bool eeprom = false) const
     {
         const Parametro &p = cat.Parametri[par];
-        return ComandoScrittura(quint32(eeprom ? p.IndirizzoEE : p.IndirizzoRAM), ByteBE(valore, p.Dimensione));
+        return ComandoScrittura(quint32(eeprom ? p.IndirizzoEE : p.IndirizzoRAM),
+                                ByteBE(valore, p.Dimensione));
     }
     // The status bytes of the stream with repeats folded: 255 255 0 0 255 gives 255 0 255.
     QList<int> stati() const
@@ -157,7 +163,8 @@ private slots:
         o.versione.codice = "KV-0123456789-XYZ"; // longer than its 14 places
         o.versione.datoB = "B7";
         Banco b(o);
-        QCOMPARE(b.risposta(CreaFrame("V")), "vPANDA 1.2 " + o.versione.data + "KV-0123456789-" + o.versione.datoA + "B7  ");
+        QCOMPARE(b.risposta(CreaFrame("V")),
+                 "vPANDA 1.2 " + o.versione.data + "KV-0123456789-" + o.versione.datoA + "B7  ");
         // The identification the programming tool carries over lives at its fixed places.
         QCOMPARE(b.ecu.leggiMemoria(0xC040, 14), QByteArray("KV-0123456789-"));
         QCOMPARE(b.ecu.leggiMemoria(0xC058, 4), QByteArray("B7  "));
@@ -179,26 +186,33 @@ private slots:
             const int grezzo = b.cella(indirizzo, p.Dimensione);
             QVERIFY2(grezzo >= 0, qPrintable(QString::number(i)));
             const double mostrato = p.Conv == Conversione::A || p.Conv == Conversione::L ? Scala1023(grezzo)
-                                  : p.Conv == Conversione::P ? FrequenzaPeriodo(grezzo)
-                                  : p.Conv == Conversione::S ? SegnoModulo(grezzo) : grezzo;
+                                    : p.Conv == Conversione::P ? FrequenzaPeriodo(grezzo)
+                                    : p.Conv == Conversione::S ? SegnoModulo(grezzo)
+                                                               : grezzo;
             QVERIFY2((p.Min == -1 || mostrato >= p.Min) && (p.Max == -1 || mostrato <= p.Max),
                      qPrintable(QStringLiteral("%1: %2").arg(i).arg(mostrato)));
         }
         // Pairs the right way round, lower first: RPM idle entry < idle exit < cut-off exit <
         // cut-off entry, TPS thresholds inside the calibrated travel, lean below rich.
-        QList<std::pair<int, int>> ordinati = {
-            {Par::SogliaGiriEntrataMinimo, Par::SogliaGiriUscitaMinimo}, {Par::SogliaGiriUscitaMinimo, Par::SogliaGiriUscitaCutOff},
-            {Par::SogliaGiriUscitaCutOff, Par::SogliaGiriEntrataCutOff}, {Par::SogliaGiriUscitaPC, Par::SogliaGiriEntrataPC},
-            {Par::SogliaTpsEntrataMinimo, Par::SogliaTpsUscitaMinimo}, {Par::SogliaTpsEntrataCutOff, Par::SogliaTpsUscitaCutOff},
-            {Par::SogliaTpsUscitaPC, Par::SogliaTpsEntrataPC}, {Par::SogliaLambdaMagroMinimo, Par::SogliaLambdaRiccoMinimo},
-            {Par::SogliaLambdaMagroNormale, Par::SogliaLambdaRiccoNormale}, {Par::SogliaLambdaMagroPC, Par::SogliaLambdaRiccoPC}};
+        QList<std::pair<int, int>> ordinati = {{Par::SogliaGiriEntrataMinimo, Par::SogliaGiriUscitaMinimo},
+                                               {Par::SogliaGiriUscitaMinimo, Par::SogliaGiriUscitaCutOff},
+                                               {Par::SogliaGiriUscitaCutOff, Par::SogliaGiriEntrataCutOff},
+                                               {Par::SogliaGiriUscitaPC, Par::SogliaGiriEntrataPC},
+                                               {Par::SogliaTpsEntrataMinimo, Par::SogliaTpsUscitaMinimo},
+                                               {Par::SogliaTpsEntrataCutOff, Par::SogliaTpsUscitaCutOff},
+                                               {Par::SogliaTpsUscitaPC, Par::SogliaTpsEntrataPC},
+                                               {Par::SogliaLambdaMagroMinimo, Par::SogliaLambdaRiccoMinimo},
+                                               {Par::SogliaLambdaMagroNormale, Par::SogliaLambdaRiccoNormale},
+                                               {Par::SogliaLambdaMagroPC, Par::SogliaLambdaRiccoPC}};
         for (int par = Par::SogliaTpsEntrataMinimo; par <= Par::SogliaTpsUscitaCutOff; ++par)
             ordinati += {{Par::TpsTaratoMinimo, par}, {par, Par::TpsTaratoMassimo}};
         for (int i = 0; i < Par::CelleMappa; ++i)
             ordinati += {Par::SogliaMagroMappa + i, Par::SogliaRiccoMappa + i};
         // Axes and grids rise.
-        for (auto [base, n] : {std::pair{Par::AsseTpsMappa, Par::ElementiAsseTps}, {Par::AsseGiriMappa, Par::ElementiAsseGiri},
-                               {Par::GiriPompata, Par::ElementiGiriPompata}, {Par::GiriRTS, Par::ElementiGiriRTS},
+        for (auto [base, n] : {std::pair{Par::AsseTpsMappa, Par::ElementiAsseTps},
+                               {Par::AsseGiriMappa, Par::ElementiAsseGiri},
+                               {Par::GiriPompata, Par::ElementiGiriPompata},
+                               {Par::GiriRTS, Par::ElementiGiriRTS},
                                {Par::TpsRTS, Par::ElementiTpsRTS}})
             for (int i = 1; i < n; ++i)
                 ordinati += {base + i - 1, base + i};
@@ -272,11 +286,13 @@ private slots:
         QCOMPARE(dati.first().tipalim, 0); // petrol while warming up
         QCOMPARE(insieme(&Dati::tipolambda), std::set<int>{1});
         // A type 1 probe is sent on 0..255.
-        QVERIFY(*insieme(&Dati::lambda).rbegin() <= 255 && *insieme(&Dati::lambda).rbegin() > 580 * 255 / 1023);
+        QVERIFY(*insieme(&Dati::lambda).rbegin() <= 255
+                && *insieme(&Dati::lambda).rbegin() > 580 * 255 / 1023);
         QVERIFY(insieme(&Dati::actpos).size() > 20); // the stepper hunts
 
         // TIPTPS is the RAM cell, read as it is now.
-        QCOMPARE(b.esito(ComandoScrittura(quint32(b.cat.Parametri[Par::TipoTps].IndirizzoRAM), "\x07")), 0xFF);
+        QCOMPARE(b.esito(ComandoScrittura(quint32(b.cat.Parametri[Par::TipoTps].IndirizzoRAM), "\x07")),
+                 0xFF);
         b.ecu.avanzaTempo(40);
         QCOMPARE(Dati(b.flusso().value(0).payload).tiptps, 7);
     }
@@ -342,7 +358,8 @@ private slots:
         }
         const int appresoMin = int(NumeroBE(b.ecu.leggiMemoria(celleTps, 2)));
         const int appresoMax = int(NumeroBE(b.ecu.leggiMemoria(celleTps + 2, 2)));
-        QVERIFY2(qAbs(appresoMin - tpsAl221) <= 3, qPrintable(QStringLiteral("%1 %2").arg(appresoMin).arg(tpsAl221)));
+        QVERIFY2(qAbs(appresoMin - tpsAl221) <= 3,
+                 qPrintable(QStringLiteral("%1 %2").arg(appresoMin).arg(tpsAl221)));
         QCOMPARE(appresoMax, massimo219);
         QVERIFY(appresoMax > 900);
 
@@ -463,7 +480,8 @@ private slots:
         ecu.scartaOgniNRisposte(0);
 
         const auto cattivi = [&] {
-            return std::count_if(b.frame.cbegin(), b.frame.cend(), [](const FrameLetto &f) { return !f.checksumOk; });
+            return std::count_if(b.frame.cbegin(), b.frame.cend(),
+                                 [](const FrameLetto &f) { return !f.checksumOk; });
         };
         // Only the next frame, whichever it is; then every second one.
         ecu.corrompiProssimoFrame();
@@ -559,7 +577,7 @@ private slots:
         o.versione.veicolo = "ALTRO";
         Banco b(o);
         QCOMPARE(b.ee(Par::SogliaGiriUscitaMinimo), 1234);
-        QCOMPARE(b.ram(Par::SogliaGiriUscitaMinimo), 1234); // booted from the kept EEPROM
+        QCOMPARE(b.ram(Par::SogliaGiriUscitaMinimo), 1234);  // booted from the kept EEPROM
         QVERIFY(b.ram(Par::SogliaGiriEntrataMinimo) != 555); // RAM is not kept
         QCOMPARE(b.ecu.leggiMemoria(MappaMemoria::Veicolo, 6), QByteArray("KV-SIM")); // the file's image wins
 
@@ -574,7 +592,8 @@ private slots:
 
     void opzioniDaRigaDiComando()
     {
-        const auto interpreta = [](const QStringList &argomenti, ImpostazioniProgramma &imp, QString &errore) {
+        const auto interpreta = [](const QStringList &argomenti, ImpostazioniProgramma &imp,
+                                   QString &errore) {
             QCommandLineParser parser;
             PreparaRigaComando(parser);
             if (!parser.parse(QStringList{QStringLiteral("korvantine-ecu")} + argomenti)) {
@@ -586,19 +605,24 @@ private slots:
         // The options that take some reading: a set of speeds, pairs, hexadecimal, seconds.
         ImpostazioniProgramma imp;
         QString errore;
-        QVERIFY2(interpreta({"--baud", "19200", "--write-error", "0xC110:7", "--write-error", "160", "--noise", "4:12",
-                             "--stall", "2.5:1", "--hang-up", "30", "--code", "ABC"}, imp, errore),
+        QVERIFY2(interpreta({"--baud", "19200", "--write-error", "0xC110:7", "--write-error", "160",
+                             "--noise", "4:12", "--stall", "2.5:1", "--hang-up", "30", "--code", "ABC"},
+                            imp, errore),
                  qPrintable(errore));
         const Guasti &g = imp.ecu.guasti;
-        QCOMPARE(QList<int>({imp.ecu.baud, g.erroriScrittura.value(0xC110), g.erroriScrittura.value(160), g.rumoreOgniNFrame,
-                             g.lunghezzaRumore, imp.stalloDopoMs, imp.durataStalloMs, imp.riagganciaDopoMs}),
+        QCOMPARE(QList<int>({imp.ecu.baud, g.erroriScrittura.value(0xC110), g.erroriScrittura.value(160),
+                             g.rumoreOgniNFrame, g.lunghezzaRumore, imp.stalloDopoMs, imp.durataStalloMs,
+                             imp.riagganciaDopoMs}),
                  QList<int>({19200, 7, ErroreEcu::ScritturaFallita, 4, 12, 2500, 1000, 30000}));
         QVERIFY(imp.versioneData && imp.ecu.versione.codice == "ABC");
 
-        const QList<QStringList> sbagliate = {
-            {"--baud", "1200"}, {"--rate", "0"}, {"--noise", "3:0"}, {"--stall", "soon"},
-            {"--write-error", "C110"}, // hexadecimal wants its 0x
-            {"--write-error", "0xC110:255"}, {"--device", "/dev/ttyS0", "--link", "/tmp/ecu"}};
+        const QList<QStringList> sbagliate = {{"--baud", "1200"},
+                                              {"--rate", "0"},
+                                              {"--noise", "3:0"},
+                                              {"--stall", "soon"},
+                                              {"--write-error", "C110"}, // hexadecimal wants its 0x
+                                              {"--write-error", "0xC110:255"},
+                                              {"--device", "/dev/ttyS0", "--link", "/tmp/ecu"}};
         for (const QStringList &a : sbagliate) {
             ImpostazioniProgramma altra;
             errore.clear();

@@ -4,16 +4,19 @@
 
 #include "EcuSimulata.h"
 
-#include "../support/FileDiProva.h"
 #include "link/Frame.h"
 #include "link/Ricevitore.h"
+#include "support/FileDiProva.h"
 
 #include <QFileInfo>
 #include <QScopeGuard>
 #include <QSerialPort>
 #include <QTemporaryDir>
-#include <QThread>
 #include <QTest>
+#include <QThread>
+
+using namespace kv;
+using namespace kv::sim;
 
 namespace {
 
@@ -72,7 +75,10 @@ private slots:
         ecu->moveToThread(&thread);
         connect(&thread, &QThread::finished, ecu, &QObject::deleteLater);
         thread.start();
-        const auto fermo = qScopeGuard([&thread] { thread.quit(); thread.wait(2000); }); // a failed check included
+        const auto fermo = qScopeGuard([&thread] {
+            thread.quit();
+            thread.wait(2000);
+        }); // a failed check included
         QMetaObject::invokeMethod(ecu, &EcuSimulata::avvia);
 
         // Over a second's worth of stream with nobody at the far end: what the tester

@@ -7,6 +7,8 @@
 #include <QString>
 #include <QTest>
 
+namespace kv {
+
 inline void scrivi(const QString &percorso, const QByteArray &byte)
 {
     QFile f(percorso);
@@ -19,3 +21,5 @@ inline QByteArray leggi(const QString &percorso)
     QFile f(percorso);
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
 }
+
+} // namespace kv

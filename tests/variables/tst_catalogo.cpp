@@ -10,6 +10,8 @@
 #include <cmath>
 #include <tuple>
 
+using namespace kv;
+
 class TestCatalogo : public QObject
 {
     Q_OBJECT
@@ -29,7 +31,8 @@ private slots:
             const Parametro &p = par(i);
             const QByteArray dove = QByteArray::number(i);
             QVERIFY2(p.Dimensione == 1 || p.Dimensione == 2, dove);
-            for (auto [indirizzo, da, a] : {std::tuple{p.IndirizzoRAM, 0x0090, 0x01FD}, {p.IndirizzoEE, 0xC104, 0xC2FF}}) {
+            for (auto [indirizzo, da, a] :
+                 {std::tuple{p.IndirizzoRAM, 0x0090, 0x01FD}, {p.IndirizzoEE, 0xC104, 0xC2FF}}) {
                 if (indirizzo == -1)
                     continue;
                 QVERIFY2(indirizzo >= da && indirizzo + p.Dimensione - 1 <= a, dove);
@@ -141,11 +144,13 @@ private slots:
         QCOMPARE(m_cat.aggiornaLimiti(Par::SogliaGiriUscitaMinimo, 1200, Pagina::CutOff, Occasione::Modifica),
                  QList<int>{Par::SogliaGiriUscitaCutOff});
         QCOMPARE(par(Par::SogliaGiriEntrataMinimo).Max, -1.0);
-        QVERIFY(m_cat.aggiornaLimiti(Par::PassiControlloMinimo, 7, Pagina::Minimo, Occasione::Lettura).isEmpty());
+        QVERIFY(
+            m_cat.aggiornaLimiti(Par::PassiControlloMinimo, 7, Pagina::Minimo, Occasione::Lettura).isEmpty());
         QVERIFY(m_cat.aggiornaLimiti(-1, 5, Pagina::Minimo, Occasione::Lettura).isEmpty());
 
         // The low TPS point bounds the idle exit when read on any page, and never by an edit.
-        for (Pagina p : {Pagina::Minimo, Pagina::Normale, Pagina::PienoCarico, Pagina::CutOff, Pagina::Lavoro}) {
+        for (Pagina p :
+             {Pagina::Minimo, Pagina::Normale, Pagina::PienoCarico, Pagina::CutOff, Pagina::Lavoro}) {
             m_cat.InizializzaParametri();
             m_cat.aggiornaLimiti(Par::SogliaTpsEntrataMinimo, 20, Pagina::Minimo, Occasione::Lettura);
             QCOMPARE(m_cat.aggiornaLimiti(Par::TpsTaratoMinimo, 12, p, Occasione::Lettura),

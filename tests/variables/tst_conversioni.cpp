@@ -9,6 +9,8 @@
 #include <cmath>
 #include <limits>
 
+using namespace kv;
+
 namespace {
 constexpr double NaN = std::numeric_limits<double>::quiet_NaN();
 constexpr double Infinito = std::numeric_limits<double>::infinity();
@@ -103,21 +105,36 @@ private slots:
         QTest::addColumn<double>("valore");
         QTest::addColumn<QString>("mask");
         QTest::addColumn<QString>("atteso");
-        QTest::newRow("half up") << 2.5 << "#0" << "3";
-        QTest::newRow("half away from zero") << -2.5 << "#0" << "-3";
-        QTest::newRow("zero carries no sign") << -0.4 << "#0" << "0";
-        QTest::newRow("large, no exponent") << 1e6 << "#0" << "1000000";
-        QTest::newRow("decimal as written") << 2.675 << "#0.00" << "2.68";
-        QTest::newRow("carry in the decimals") << 9.995 << "#0.00" << "10.00";
-        QTest::newRow("forced zeros") << 1.2 << "#0.00" << "1.20";
-        QTest::newRow("optional decimals") << 1.2 << "#0.##" << "1.2";
-        QTest::newRow("optional decimals at zero") << 3.0 << "#0.##" << "3";
-        QTest::newRow("minimum whole digits") << 5.0 << "00" << "05";
-        QTest::newRow("no mask, fraction") << 12.5 << "" << "12.5";
-        QTest::newRow("no mask, negative zero") << -0.0 << "" << "0";
-        QTest::newRow("no mask, no exponent") << 1e20 << "" << "100000000000000000000";
-        QTest::newRow("not a number") << NaN << "#0" << "";
-        QTest::newRow("infinity") << Infinito << "" << "";
+        QTest::newRow("half up") << 2.5 << "#0"
+                                 << "3";
+        QTest::newRow("half away from zero") << -2.5 << "#0"
+                                             << "-3";
+        QTest::newRow("zero carries no sign") << -0.4 << "#0"
+                                              << "0";
+        QTest::newRow("large, no exponent") << 1e6 << "#0"
+                                            << "1000000";
+        QTest::newRow("decimal as written") << 2.675 << "#0.00"
+                                            << "2.68";
+        QTest::newRow("carry in the decimals") << 9.995 << "#0.00"
+                                               << "10.00";
+        QTest::newRow("forced zeros") << 1.2 << "#0.00"
+                                      << "1.20";
+        QTest::newRow("optional decimals") << 1.2 << "#0.##"
+                                           << "1.2";
+        QTest::newRow("optional decimals at zero") << 3.0 << "#0.##"
+                                                   << "3";
+        QTest::newRow("minimum whole digits") << 5.0 << "00"
+                                              << "05";
+        QTest::newRow("no mask, fraction") << 12.5 << ""
+                                           << "12.5";
+        QTest::newRow("no mask, negative zero") << -0.0 << ""
+                                                << "0";
+        QTest::newRow("no mask, no exponent") << 1e20 << ""
+                                              << "100000000000000000000";
+        QTest::newRow("not a number") << NaN << "#0"
+                                      << "";
+        QTest::newRow("infinity") << Infinito << ""
+                                  << "";
     }
 
     void formattaNumero()

@@ -5,8 +5,9 @@
 
 #include <cmath>
 
-BarraStrumento::BarraStrumento(QWidget *parent)
-    : QWidget(parent)
+namespace kv {
+
+BarraStrumento::BarraStrumento(QWidget *parent) : QWidget(parent)
 {
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
     setMinimumSize(minimumSizeHint());
@@ -78,7 +79,8 @@ void BarraStrumento::paintEvent(QPaintEvent *)
         p.setPen(QPen(palette().color(QPalette::WindowText), lungo ? 1.4 : 0.8));
         p.drawLine(QPointF(traccia.left() - (lungo ? 8 : 4), y), QPointF(traccia.left() - 1, y));
         if (lungo)
-            p.drawText(QRectF(traccia.left() - colonnaNumeri - 6, y - fm.height() / 2, colonnaNumeri - 4, fm.height()),
+            p.drawText(QRectF(traccia.left() - colonnaNumeri - 6, y - fm.height() / 2, colonnaNumeri - 4,
+                              fm.height()),
                        Qt::AlignRight | Qt::AlignVCenter, QString::number(v));
     }
 
@@ -127,3 +129,5 @@ void BarraStrumento::paintEvent(QPaintEvent *)
         p.drawPath(punta);
     }
 }
+
+} // namespace kv

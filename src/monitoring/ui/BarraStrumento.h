@@ -6,6 +6,8 @@
 #include <array>
 #include <optional>
 
+namespace kv {
+
 // A vertical bar instrument (Dato_TPS, Dato_Lambda) on a 0..255 scale, with up to three
 // set-point markers drawn across it. Only a change repaints it.
 class BarraStrumento : public QWidget
@@ -51,3 +53,5 @@ private:
     QColor m_alto = QColor(0x4D, 0xD0, 0xE1);
     std::array<Marca, NumeroMarcatori> m_marche{};
 };
+
+} // namespace kv

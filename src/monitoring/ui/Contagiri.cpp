@@ -6,14 +6,15 @@
 
 #include <cmath>
 
+namespace kv {
+
 namespace {
 // The scale runs clockwise over three quarters of a turn, from lower left to lower right.
 constexpr double AngoloInizio = 225;
 constexpr double Ampiezza = 270;
 } // namespace
 
-Contagiri::Contagiri(QWidget *parent)
-    : QWidget(parent)
+Contagiri::Contagiri(QWidget *parent) : QWidget(parent)
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setMinimumSize(minimumSizeHint());
@@ -151,3 +152,5 @@ void Contagiri::paintEvent(QPaintEvent *)
     p.setPen(QPen(QColor(0x50, 0x58, 0x60), 1));
     p.drawEllipse(QPointF(0, 0), 9, 9);
 }
+
+} // namespace kv

@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+namespace kv {
+
 // The round engine-speed gauge (Dato_Giri): a needle over a scale in thousands of RPM,
 // drawn at any size. Only a change of value repaints it.
 class Contagiri : public QWidget
@@ -40,3 +42,5 @@ private:
     double m_valore = 0;
     QString m_didascalia;
 };
+
+} // namespace kv

@@ -5,6 +5,8 @@
 
 #include <cmath>
 
+namespace kv {
+
 namespace {
 const QColor Reset(0xF5, 0xF5, 0xF5);
 const QColor FinestraNormale(0x42, 0xA5, 0xF5);
@@ -12,8 +14,7 @@ const QColor FinestraMinimo(0x66, 0xBB, 0x6A);
 const QColor Indicatore(0xFF, 0xB3, 0x00);
 } // namespace
 
-ScalaMotorino::ScalaMotorino(QWidget *parent)
-    : QWidget(parent)
+ScalaMotorino::ScalaMotorino(QWidget *parent) : QWidget(parent)
 {
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Expanding);
     setMinimumSize(minimumSizeHint());
@@ -56,7 +57,8 @@ void ScalaMotorino::paintEvent(QPaintEvent *)
         p.setPen(QPen(palette().color(QPalette::WindowText), lungo ? 1.4 : 0.8));
         p.drawLine(QPointF(traccia.left() - (lungo ? 8 : 4), y(f)), QPointF(traccia.left() - 1, y(f)));
         if (lungo)
-            p.drawText(QRectF(traccia.left() - colonnaNumeri - 6, y(f) - fm.height() / 2, colonnaNumeri - 4, fm.height()),
+            p.drawText(QRectF(traccia.left() - colonnaNumeri - 6, y(f) - fm.height() / 2, colonnaNumeri - 4,
+                              fm.height()),
                        Qt::AlignRight | Qt::AlignVCenter, QString::number(v));
     }
 
@@ -99,8 +101,7 @@ void ScalaMotorino::paintEvent(QPaintEvent *)
     p.drawPath(punta);
 }
 
-AttuatoreMotorino::AttuatoreMotorino(QWidget *parent)
-    : QWidget(parent)
+AttuatoreMotorino::AttuatoreMotorino(QWidget *parent) : QWidget(parent)
 {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setMinimumSize(minimumSizeHint());
@@ -189,3 +190,5 @@ void AttuatoreMotorino::paintEvent(QPaintEvent *)
     for (double yc : {47.0, 55.0, 63.0})
         p.drawRect(QRectF(208, yc - 1.5, 6, 3));
 }
+
+} // namespace kv

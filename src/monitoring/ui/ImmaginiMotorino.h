@@ -4,6 +4,8 @@
 
 #include <optional>
 
+namespace kv {
+
 // The stepper's position on its 0..255 scale (MotorinoZ with StepP): the reset position
 // and the two control windows round it (normal control wide, idle control narrow) drawn
 // as marker lines, and the pointer at the present position.
@@ -54,3 +56,5 @@ private:
     double m_posizione = 0;
     std::optional<double> m_reset;
 };
+
+} // namespace kv

@@ -3,6 +3,8 @@
 #include "monitoring/ui/Strumenti.h"
 #include "shell/ui/Korvantine.h"
 
+namespace kv {
+
 void RegistraStrumenti(Korvantine &frame)
 {
     frame.registraPagina(IdPagina::Strumenti, [](Korvantine &f) -> QWidget * {
@@ -12,3 +14,5 @@ void RegistraStrumenti(Korvantine &frame)
         return pagina;
     });
 }
+
+} // namespace kv

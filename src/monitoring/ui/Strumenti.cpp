@@ -3,7 +3,7 @@
 #include "monitoring/ui/BarraStrumento.h"
 #include "monitoring/ui/Contagiri.h"
 #include "monitoring/ui/ImmaginiMotorino.h"
-#include "monitoring/ui/ModelloStrumenti.h"
+#include "pages/ModelloStrumenti.h"
 #include "shell/Programma.h"
 #include "variables/Formato.h"
 
@@ -15,6 +15,8 @@
 #include <QShortcut>
 #include <QTimer>
 #include <QVBoxLayout>
+
+namespace kv {
 
 namespace {
 
@@ -91,7 +93,8 @@ Strumenti::Strumenti(Programma &programma, QWidget *parent)
         b->impostaScala(ModelloStrumenti::BarraMinimo, ModelloStrumenti::BarraMassimo);
         b->impostaColori(basso, alto);
         l->addWidget(b, 1);
-        m_datoCanale[static_cast<size_t>(canale)] = creaLettura(canale == 0 ? "DatoCanale_0" : "DatoCanale_1");
+        m_datoCanale[static_cast<size_t>(canale)] =
+            creaLettura(canale == 0 ? "DatoCanale_0" : "DatoCanale_1");
         m_misura[static_cast<size_t>(canale)] = new QLabel(box);
         l->addWidget(m_datoCanale[static_cast<size_t>(canale)], 0, Qt::AlignHCenter);
         l->addWidget(m_misura[static_cast<size_t>(canale)], 0, Qt::AlignHCenter);
@@ -100,9 +103,11 @@ Strumenti::Strumenti(Programma &programma, QWidget *parent)
         riga->addWidget(box, 2);
     };
     barra(m_boxTps, "BoxTPS", m_datoTps, "Dato_TPS", 0, m_infTps,
-          {ColoreMinimo, ColoreCutOff, ColorePienoCarico}, QColor(0x15, 0x65, 0xC0), QColor(0x4F, 0xC3, 0xF7));
+          {ColoreMinimo, ColoreCutOff, ColorePienoCarico}, QColor(0x15, 0x65, 0xC0),
+          QColor(0x4F, 0xC3, 0xF7));
     barra(m_boxLambda, "BoxLambda", m_datoLambda, "Dato_Lambda", 1, m_infLambda,
-          {ColoreMinimo, ColoreNormale, ColorePienoCarico}, QColor(0x00, 0x89, 0x7B), QColor(0xFF, 0xEE, 0x58));
+          {ColoreMinimo, ColoreNormale, ColorePienoCarico}, QColor(0x00, 0x89, 0x7B),
+          QColor(0xFF, 0xEE, 0x58));
 
     // Stepper.
     m_boxMotorino = creaBox("BoxMotorino");
@@ -256,7 +261,8 @@ void Strumenti::caricaTesti()
     m_boxInf->setTitle(l.LeggiTesto("Strumenti", "BOXINF.CAPTION"));
     m_datoGiri->impostaDidascalia(l.LeggiTesto("Strumenti", "DATO_GIRI.CAPTION"));
     // LABDATI: three rows for each instrument, then the labels of the three state texts.
-    const std::array<std::array<RigaInf, 3> *, 4> gruppi = {&m_infGiri, &m_infTps, &m_infLambda, &m_infMotorino};
+    const std::array<std::array<RigaInf, 3> *, 4> gruppi = {&m_infGiri, &m_infTps, &m_infLambda,
+                                                            &m_infMotorino};
     int n = 0;
     for (auto *gruppo : gruppi)
         for (RigaInf &r : *gruppo)
@@ -382,3 +388,5 @@ void Strumenti::Esci()
     m_modello->chiudi();
     emit chiusa();
 }
+
+} // namespace kv

@@ -4,15 +4,18 @@
 
 #include <array>
 
+class QGroupBox;
+class QLabel;
+class QPushButton;
+class QTimer;
+
+namespace kv {
+
 class AttuatoreMotorino;
 class BarraStrumento;
 class Contagiri;
 class ModelloStrumenti;
 class Programma;
-class QGroupBox;
-class QLabel;
-class QPushButton;
-class QTimer;
 class ScalaMotorino;
 
 // The instruments panel: engine speed, throttle, lambda and the stepper with the ECU's
@@ -89,3 +92,5 @@ private:
     QPushButton *m_esci = nullptr;
     bool m_chiusa = false;
 };
+
+} // namespace kv

@@ -1,6 +1,6 @@
 #include "shell/ui/Comunicazione.h"
 
-#include "shell/Configurazione.h"
+#include "base/Configurazione.h"
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/Stile.h"
@@ -16,6 +16,8 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+namespace kv {
+
 namespace {
 
 constexpr int PorteCom = 10;
@@ -26,8 +28,9 @@ constexpr int RuoloValore = Qt::UserRole;
 
 QString descrizioneDi(const PortaDisponibile &porta)
 {
-    return porta.descrizione.isEmpty() ? porta.percorso
-                                       : QStringLiteral("%1  \u2013  %2").arg(porta.percorso, porta.descrizione);
+    return porta.descrizione.isEmpty()
+               ? porta.percorso
+               : QStringLiteral("%1  \u2013  %2").arg(porta.percorso, porta.descrizione);
 }
 
 void rendiNormale(QListWidget *elenco)
@@ -155,9 +158,8 @@ Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &p
 
     // Select what the settings hold now; a value no entry shows leaves the list unselected.
     p.LeggiImpSeriale();
-    const QString attuale = p.seriale.Porta.startsWith(u'/')
-                                ? p.seriale.Porta
-                                : QStringLiteral("COM%1").arg(p.seriale.PortaCom);
+    const QString attuale =
+        p.seriale.Porta.startsWith(u'/') ? p.seriale.Porta : QStringLiteral("COM%1").arg(p.seriale.PortaCom);
     for (int i = 0; i < m_seriali->count(); ++i) {
         if (m_seriali->item(i)->data(RuoloValore).toString() == attuale) {
             m_seriali->setCurrentRow(i);
@@ -224,3 +226,5 @@ void Comunicazione::Esci()
 {
     m_frame.ChiudiPagina(this);
 }
+
+} // namespace kv

@@ -4,10 +4,13 @@
 #include <QString>
 #include <QWidget>
 
-class Korvantine;
 class QLabel;
 class QListWidget;
 class QPushButton;
+
+namespace kv {
+
+class Korvantine;
 
 // A serial port the system reports: its device and what the system says it is.
 struct PortaDisponibile
@@ -40,3 +43,5 @@ private:
     QPushButton *m_esci;
     bool m_inSalvataggio = false;
 };
+
+} // namespace kv

@@ -10,8 +10,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-Infor::Infor(Korvantine &frame)
-    : QDialog(&frame)
+namespace kv {
+
+Infor::Infor(Korvantine &frame) : QDialog(&frame)
 {
     setObjectName(QStringLiteral("Infor"));
     const Lingua &l = frame.programma().lingua;
@@ -27,8 +28,8 @@ Infor::Infor(Korvantine &frame)
     grande.setPointSizeF(grande.pointSizeF() * 1.8);
     grande.setBold(true);
     titolo->setFont(grande);
-    auto *versione = new QLabel(l.LeggiTesto("Infor", "LBLVERSION").trimmed() + u' '
-                                    + InfoProgramma::NumeroVersione(), this);
+    auto *versione = new QLabel(
+        l.LeggiTesto("Infor", "LBLVERSION").trimmed() + u' ' + InfoProgramma::NumeroVersione(), this);
     versione->setObjectName(QStringLiteral("lblVersion"));
     auto *descrizione = new QLabel(InfoProgramma::Descrizione(), this);
     descrizione->setObjectName(QStringLiteral("lblDescription"));
@@ -66,3 +67,5 @@ Infor::Infor(Korvantine &frame)
     setMinimumWidth(u * 60);
     // Esc closes the box through QDialog; the frame hears finished() and enables the menu.
 }
+
+} // namespace kv

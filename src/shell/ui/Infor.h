@@ -2,6 +2,8 @@
 
 #include <QDialog>
 
+namespace kv {
+
 class Korvantine;
 
 // The about box, opened by the logo of the menu.
@@ -11,3 +13,5 @@ class Infor : public QDialog
 public:
     explicit Infor(Korvantine &frame);
 };
+
+} // namespace kv

@@ -21,11 +21,14 @@
 #include <QThread>
 #include <QTimer>
 #include <QVBoxLayout>
+
 #ifndef QT_NO_SESSIONMANAGER
 #include <QSessionManager>
 #endif
 
 #include <cstdio>
+
+namespace kv {
 
 namespace {
 
@@ -81,10 +84,10 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
                    [](Korvantine &f) { return new Comunicazione(f, PorteDisponibili()); });
     registraPagina(IdPagina::SceltaLingua, [](Korvantine &f) { return new SceltaLingua(f); });
     registraPagina(IdPagina::VisInf, [](Korvantine &f) { return new VisInf(f); });
-    registraPagina(IdPagina::Password, [](Korvantine &f) { return new Password(f); },
-                   Apertura::SopraIlMenu);
-    registraPagina(IdPagina::Infor, [](Korvantine &f) { return new Infor(f); },
-                   Apertura::SopraIlMenu);
+    registraPagina(
+        IdPagina::Password, [](Korvantine &f) { return new Password(f); }, Apertura::SopraIlMenu);
+    registraPagina(
+        IdPagina::Infor, [](Korvantine &f) { return new Infor(f); }, Apertura::SopraIlMenu);
     // The tuning, live-data, calibration, programming and archive pages are registered by
     // their own units; until they are, their menu entries open nothing.
 
@@ -408,10 +411,11 @@ void Korvantine::aggiornaStatoCollegamento()
         stato = 4;
     else if (s.EcuDaIdentificare != 0)
         stato = m_programma.motore.StatoDialogo == Identificazione::StatoVersione
-                    || m_programma.motore.StatoDialogo == Identificazione::StatoLetture
-                ? 2
-                : 1;
-    QString testo = m_programma.lingua.LeggiTesto("KORVANTINE", "COLLEGAMENTO." + QString::number(stato)).trimmed();
+                        || m_programma.motore.StatoDialogo == Identificazione::StatoLetture
+                    ? 2
+                    : 1;
+    QString testo =
+        m_programma.lingua.LeggiTesto("KORVANTINE", "COLLEGAMENTO." + QString::number(stato)).trimmed();
     const ImpSeriale &imp = m_programma.seriale;
     QString porta = m_programma.dispositivoForzato;
     if (porta.isEmpty())
@@ -449,3 +453,5 @@ void Korvantine::closeEvent(QCloseEvent *evento)
     else
         evento->ignore();
 }
+
+} // namespace kv

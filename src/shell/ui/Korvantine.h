@@ -9,12 +9,15 @@
 #include <map>
 #include <vector>
 
-class MainLambda;
-class MsgBox1;
-class Programma;
 class QDialog;
 class QLabel;
 class QTimer;
+
+namespace kv {
+
+class MainLambda;
+class MsgBox1;
+class Programma;
 
 // The main frame: one page at a time inside it, the message strip under it. It follows the
 // link (menu refresh, wait cursor, the watchdog's return to the menu) and opens the pages
@@ -35,8 +38,8 @@ public:
     using FabbricaPagina = std::function<QWidget *(Korvantine &frame)>;
 
     enum class Apertura {
-        AlPostoDelMenu,  // replaces the main menu inside the frame
-        SopraIlMenu      // a box over the menu, which stays loaded and disabled; best a QDialog
+        AlPostoDelMenu, // replaces the main menu inside the frame
+        SopraIlMenu     // a box over the menu, which stays loaded and disabled; best a QDialog
     };
 
     explicit Korvantine(Programma &programma, QWidget *parent = nullptr);
@@ -49,8 +52,7 @@ public:
 
     // ---- pages
     // A later registration of the same page replaces the earlier one.
-    void registraPagina(IdPagina id, FabbricaPagina fabbrica,
-                        Apertura apertura = Apertura::AlPostoDelMenu);
+    void registraPagina(IdPagina id, FabbricaPagina fabbrica, Apertura apertura = Apertura::AlPostoDelMenu);
     bool paginaRegistrata(IdPagina id) const;
     // The page made and shown; nullptr when none is registered or its factory gave none,
     // and then nothing has changed.
@@ -147,3 +149,5 @@ private:
     bool m_avviato = false;
     bool m_chiusuraConsentita = false;
 };
+
+} // namespace kv

@@ -4,6 +4,8 @@
 #include <QPainterPath>
 #include <QPixmap>
 
+namespace kv {
+
 void DisegnaLogo(QPainter &p, const QRectF &area)
 {
     // Drawn on a 64-unit square, like the SVG.
@@ -57,8 +59,7 @@ QIcon IconaProgramma()
     return icona;
 }
 
-Logo::Logo(QWidget *parent)
-    : QAbstractButton(parent)
+Logo::Logo(QWidget *parent) : QAbstractButton(parent)
 {
     setObjectName(QStringLiteral("Logo"));
     setCursor(Qt::PointingHandCursor);
@@ -76,3 +77,5 @@ void Logo::paintEvent(QPaintEvent *)
     QPainter p(this);
     DisegnaLogo(p, QRectF(rect()));
 }
+
+} // namespace kv

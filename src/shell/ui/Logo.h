@@ -6,6 +6,8 @@
 class QPainter;
 class QRectF;
 
+namespace kv {
+
 // The program's mark: a gauge on a blue tile. app/korvantine.svg is the same drawing for the
 // desktop; keep the two alike.
 void DisegnaLogo(QPainter &pittore, const QRectF &area);
@@ -24,3 +26,5 @@ public:
 protected:
     void paintEvent(QPaintEvent *) override;
 };
+
+} // namespace kv

@@ -14,6 +14,8 @@
 #include <QScopedValueRollback>
 #include <QVBoxLayout>
 
+namespace kv {
+
 namespace {
 
 QColor daBgr(quint32 bgr)
@@ -54,9 +56,7 @@ QPushButton#Uscita { padding: 0.45em 2.2em; }
 
 // ---- VoceOpzione
 
-VoceOpzione::VoceOpzione(int indice, QWidget *parent)
-    : QAbstractButton(parent)
-    , m_indice(indice)
+VoceOpzione::VoceOpzione(int indice, QWidget *parent) : QAbstractButton(parent), m_indice(indice)
 {
     setObjectName(QStringLiteral("Opzioni_%1").arg(indice));
     setFocusPolicy(Qt::StrongFocus);
@@ -322,3 +322,5 @@ void MainLambda::keyPressEvent(QKeyEvent *evento)
     }
     QWidget::keyPressEvent(evento);
 }
+
+} // namespace kv

@@ -8,11 +8,14 @@
 #include <array>
 #include <vector>
 
-class Korvantine;
-class Logo;
 class QGroupBox;
 class QLabel;
 class QPushButton;
+
+namespace kv {
+
+class Korvantine;
+class Logo;
 
 // One entry of the option box: it takes the focus when the mouse passes over it, and the
 // entry with the focus is the one in red.
@@ -71,3 +74,5 @@ private:
     bool m_inApertura = false;
     bool m_inDomanda = false;
 };
+
+} // namespace kv

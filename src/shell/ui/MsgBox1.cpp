@@ -1,11 +1,13 @@
 #include "shell/ui/MsgBox1.h"
 
-#include "shell/Lingua.h"
+#include "base/Lingua.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+namespace kv {
 
 MsgBox1::MsgBox1(const Lingua &lingua, QWidget *parent)
     : QDialog(parent)
@@ -75,7 +77,8 @@ void MsgBox1::prepara(const QString &testo, int flags, const QString &titolo, in
         const bool attivo = static_cast<int>(i) == m_insiemeAttivo;
         insieme.riquadro->setVisible(attivo);
         for (QPushButton *tasto : insieme.tasti) {
-            tasto->setText(m_lingua.LeggiTesto(QStringLiteral("TASTI"), tasto->property("chiave").toString()));
+            tasto->setText(
+                m_lingua.LeggiTesto(QStringLiteral("TASTI"), tasto->property("chiave").toString()));
             tasto->setDefault(false);
             tasto->setAutoDefault(attivo);
         }
@@ -91,11 +94,13 @@ QList<QPushButton *> MsgBox1::tastiVisibili() const
     return m_insiemi[static_cast<size_t>(m_insiemeAttivo)].tasti;
 }
 
-int MostraMsg(const Lingua &lingua, const QString &testo, int flags, const QString &titolo,
-              int predefinito, QWidget *parent)
+int MostraMsg(const Lingua &lingua, const QString &testo, int flags, const QString &titolo, int predefinito,
+              QWidget *parent)
 {
     MsgBox1 box(lingua, parent);
     box.prepara(testo, flags, titolo, predefinito);
     box.exec();
     return box.RispostaMsg();
 }
+
+} // namespace kv

@@ -4,9 +4,12 @@
 
 #include <array>
 
-class Lingua;
 class QLabel;
 class QPushButton;
+
+namespace kv {
+
+class Lingua;
 
 // The program's own message box: its button labels come from the language file, which the
 // system's box could not do. The low four bits of the flags choose the buttons; the others
@@ -48,3 +51,5 @@ private:
 // One box, shown modally, for callers that have no main frame to go through.
 int MostraMsg(const Lingua &lingua, const QString &testo, int flags, const QString &titolo,
               int predefinito = 0, QWidget *parent = nullptr);
+
+} // namespace kv

@@ -12,10 +12,9 @@
 #include <QScopedValueRollback>
 #include <QVBoxLayout>
 
-Password::Password(Korvantine &frame)
-    : QDialog(&frame)
-    , m_frame(frame)
-    , m_parola(new QLineEdit(this))
+namespace kv {
+
+Password::Password(Korvantine &frame) : QDialog(&frame), m_frame(frame), m_parola(new QLineEdit(this))
 {
     setObjectName(QStringLiteral("Password"));
     const Lingua &l = frame.programma().lingua;
@@ -77,3 +76,5 @@ void Password::TastoOK()
     // The list on view is not rebuilt: the new mode shows when a function is next chosen.
     m_frame.ChiudiPagina(this);
 }
+
+} // namespace kv

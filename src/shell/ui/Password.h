@@ -2,8 +2,11 @@
 
 #include <QDialog>
 
-class Korvantine;
 class QLineEdit;
+
+namespace kv {
+
+class Korvantine;
 
 // The access word of the service mode.
 class Password : public QDialog
@@ -22,3 +25,5 @@ private:
     QLineEdit *m_parola;
     bool m_inVerifica = false;
 };
+
+} // namespace kv

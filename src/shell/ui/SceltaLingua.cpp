@@ -1,6 +1,6 @@
 #include "shell/ui/SceltaLingua.h"
 
-#include "shell/FileIni.h"
+#include "base/FileIni.h"
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/Stile.h"
@@ -14,6 +14,8 @@
 #include <QScopedValueRollback>
 #include <QShortcut>
 #include <QVBoxLayout>
+
+namespace kv {
 
 namespace {
 
@@ -119,3 +121,5 @@ void SceltaLingua::Esci()
 {
     m_frame.ChiudiPagina(this);
 }
+
+} // namespace kv

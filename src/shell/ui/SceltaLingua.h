@@ -2,8 +2,11 @@
 
 #include <QWidget>
 
-class Korvantine;
 class QListWidget;
+
+namespace kv {
+
+class Korvantine;
 
 // The language page: the .LNG files beside the program, the one in use selected. The
 // choice reaches each page at its next opening.
@@ -21,3 +24,5 @@ private:
     QListWidget *m_elenco;
     bool m_inScelta = false;
 };
+
+} // namespace kv

@@ -3,6 +3,8 @@
 #include <QLabel>
 #include <QListWidget>
 
+namespace kv {
+
 QLabel *CreaIntestazione(const QString &testo, QWidget *parent)
 {
     auto *etichetta = new QLabel(testo, parent);
@@ -24,3 +26,5 @@ void DimensionaElenco(QListWidget *elenco, int righe)
     const int visibili = qMax(1, qMin(righe, elenco->count()));
     elenco->setFixedHeight(alta * visibili + 2 * elenco->frameWidth() + 2);
 }
+
+} // namespace kv

@@ -14,9 +14,9 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
-VisInf::VisInf(Korvantine &frame, QWidget *parent)
-    : QWidget(parent)
-    , m_frame(frame)
+namespace kv {
+
+VisInf::VisInf(Korvantine &frame, QWidget *parent) : QWidget(parent), m_frame(frame)
 {
     setObjectName(QStringLiteral("VisInf"));
     Programma &p = m_frame.programma();
@@ -84,3 +84,5 @@ void VisInf::aggiorna()
     for (size_t i = 0; i < m_infVis.size(); ++i)
         m_infVis[i]->setText(valori[i]);
 }
+
+} // namespace kv

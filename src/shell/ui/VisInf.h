@@ -4,8 +4,11 @@
 
 #include <array>
 
-class Korvantine;
 class QLineEdit;
+
+namespace kv {
+
+class Korvantine;
 
 // The version of the ECU as identification read it.
 class VisInf : public QWidget
@@ -22,3 +25,5 @@ private:
     Korvantine &m_frame;
     std::array<QLineEdit *, 4> m_infVis{};
 };
+
+} // namespace kv

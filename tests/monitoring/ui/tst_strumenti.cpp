@@ -1,14 +1,14 @@
 // The instruments panel: its 13 set-point reads against the simulated ECU wired straight
 // to the port, the display tick on records put in by hand, and the panel on screen.
 
-#include "../../support/FileDiProva.h"
-#include "../../variables/PortaEcu.h"
+#include "support/FileDiProva.h"
+#include "support/PortaEcu.h"
 
 #include "monitoring/ui/BarraStrumento.h"
 #include "monitoring/ui/Contagiri.h"
 #include "monitoring/ui/ImmaginiMotorino.h"
-#include "monitoring/ui/ModelloStrumenti.h"
 #include "monitoring/ui/Strumenti.h"
+#include "pages/ModelloStrumenti.h"
 #include "shell/Programma.h"
 
 #include <QDeadlineTimer>
@@ -20,6 +20,9 @@
 
 #include <cmath>
 #include <tuple>
+
+using namespace kv;
+using namespace kv::sim;
 
 using M = ModelloStrumenti;
 
@@ -56,12 +59,16 @@ class TstStrumenti : public QObject
     // Loaded and read, so the record last shown is all -1.
     bool pronto() { return modello->carica() && attendi(); }
 
-    QString testo(const char *sezione, const QString &chiave) { return p->lingua.LeggiTesto(sezione, chiave); }
+    QString testo(const char *sezione, const QString &chiave)
+    {
+        return p->lingua.LeggiTesto(sezione, chiave);
+    }
 
 private slots:
     void initTestCase()
     {
-        QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), cartella.filePath("ENGLISH.LNG")));
+        QVERIFY(
+            QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), cartella.filePath("ENGLISH.LNG")));
     }
 
     void init()
@@ -76,11 +83,18 @@ private slots:
         p->stato.EcuDaIdentificare = 0;
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
         using namespace Par;
-        for (auto [v, grezzo] : {std::pair{SogliaGiriEntrataMinimo, 1100}, {SogliaGiriEntrataCutOff, 2000},
-                                 {SogliaGiriEntrataPC, 2600}, {SogliaTpsEntrataMinimo, 80},
-                                 {SogliaTpsEntrataCutOff, 90}, {SogliaTpsEntrataPC, 850}, {PassiControlloMinimo, 3},
-                                 {PassiControlloNormale, 20}, {PosizioneMotorinoNormale, 120}, {ScalaLambda, 0},
-                                 {SogliaLambdaRiccoMinimo, 600}, {SogliaLambdaRiccoNormale, 580},
+        for (auto [v, grezzo] : {std::pair{SogliaGiriEntrataMinimo, 1100},
+                                 {SogliaGiriEntrataCutOff, 2000},
+                                 {SogliaGiriEntrataPC, 2600},
+                                 {SogliaTpsEntrataMinimo, 80},
+                                 {SogliaTpsEntrataCutOff, 90},
+                                 {SogliaTpsEntrataPC, 850},
+                                 {PassiControlloMinimo, 3},
+                                 {PassiControlloNormale, 20},
+                                 {PosizioneMotorinoNormale, 120},
+                                 {ScalaLambda, 0},
+                                 {SogliaLambdaRiccoMinimo, 600},
+                                 {SogliaLambdaRiccoNormale, 580},
                                  {SogliaLambdaRiccoPC, 640}})
             voce(v, grezzo);
         modello = std::make_unique<M>(*p);
@@ -201,7 +215,8 @@ private slots:
         QVERIFY(modello->tick().alimentazione);
         const M::Quadro &q = modello->quadro();
         QCOMPARE(QStringList({q.zona, q.pompata, q.alimentazione}),
-                 QStringList({testo("ZONE", chiavi[0]), testo("POMPATA", chiavi[1]), testo("ALIMENTAZIONE", chiavi[2])}));
+                 QStringList({testo("ZONE", chiavi[0]), testo("POMPATA", chiavi[1]),
+                              testo("ALIMENTAZIONE", chiavi[2])}));
         QCOMPARE(q.coloreAlimentazione, colore);
     }
 
@@ -218,7 +233,8 @@ private slots:
         QVERIFY(!s.findChild<QWidget *>("Cruscotto")->isVisible()); // until the set points are in
         QVERIFY(attendi());
         QVERIFY(s.findChild<QWidget *>("Cruscotto")->isVisible());
-        QCOMPARE(s.findChild<QLabel *>("LabRegistro")->text(), testo("STRUMENTI", "LABREGISTRO.0") + " /tmp/prova.ACQ");
+        QCOMPARE(s.findChild<QLabel *>("LabRegistro")->text(),
+                 testo("STRUMENTI", "LABREGISTRO.0") + " /tmp/prova.ACQ");
         auto *tps = s.findChild<BarraStrumento *>("Dato_TPS");
         QCOMPARE(*tps->marcatore(2), std::round(850 * 255.0 / 1023.0) / 255);
         QCOMPARE(*s.findChild<ScalaMotorino *>("MotorinoZ")->reset(), 120.0 / 255);

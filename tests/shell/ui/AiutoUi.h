@@ -3,7 +3,7 @@
 // What the shell's widget tests share: a program on a scripted port with the shipped language
 // files, its main frame on the offscreen screen, and an automatic answer to message boxes.
 
-#include "../../support/PortaFinta.h"
+#include "support/PortaFinta.h"
 
 #include "link/Frame.h"
 #include "shell/Programma.h"
@@ -22,6 +22,8 @@
 
 #include <functional>
 #include <memory>
+
+namespace kv {
 
 namespace aiuto {
 
@@ -64,7 +66,11 @@ struct PortaContata : PortaFinta
 // A page for the tests that counts how many of its kind are alive.
 struct PaginaContata : QWidget
 {
-    explicit PaginaContata(int &v) : vive(v) { ++vive; setWindowTitle(QStringLiteral("Test page")); }
+    explicit PaginaContata(int &v) : vive(v)
+    {
+        ++vive;
+        setWindowTitle(QStringLiteral("Test page"));
+    }
     ~PaginaContata() override { --vive; }
     int &vive;
 };
@@ -114,8 +120,8 @@ struct Ambiente
     // The first live frame and the replies of identification: TPS cells 900 and 60 raw, type 7.
     void identifica()
     {
-        for (const QByteArray &f : {datiLive(0), versione(), "r" + parola(900), "r" + parola(60), QByteArray("r\x07"),
-                                    QByteArray("r\x00", 2)})
+        for (const QByteArray &f : {datiLive(0), versione(), "r" + parola(900), "r" + parola(60),
+                                    QByteArray("r\x07"), QByteArray("r\x00", 2)})
             arriva(f);
     }
 
@@ -124,7 +130,7 @@ struct Ambiente
         frame->registraPagina(id, [&vive](Korvantine &) { return new PaginaContata(vive); });
     }
 
-    template<typename T = QPushButton>
+    template <typename T = QPushButton>
     T *sullaPagina(const char *nome)
     {
         QWidget *pagina = frame->paginaSopra() ? frame->paginaSopra() : frame->paginaAttiva();
@@ -151,11 +157,7 @@ public:
         QString fuoco;
     };
 
-    explicit Risponditore(int indice = 0)
-        : m_indice(indice)
-    {
-        qApp->installEventFilter(this);
-    }
+    explicit Risponditore(int indice = 0) : m_indice(indice) { qApp->installEventFilter(this); }
     ~Risponditore() override { qApp->removeEventFilter(this); }
 
     void rispondi(int indice) { m_indice = indice; }
@@ -198,3 +200,5 @@ private:
 };
 
 } // namespace aiuto
+
+} // namespace kv

@@ -2,13 +2,15 @@
 // the ECU version page and the service-mode access word.
 #include "AiutoUi.h"
 
-#include "../../support/FileDiProva.h"
-#include "shell/FileIni.h"
+#include "base/FileIni.h"
 #include "shell/ui/Comunicazione.h"
 #include "shell/ui/VisInf.h"
+#include "support/FileDiProva.h"
 
 #include <QLineEdit>
 #include <QListWidget>
+
+using namespace kv;
 
 using aiuto::Ambiente;
 
@@ -21,7 +23,8 @@ QWidget *apriComunicazione(Ambiente &a, const QByteArray &ini = {})
 {
     if (!ini.isEmpty())
         scrivi(a.programma->percorsoIni(), ini);
-    a.frame->registraPagina(IdPagina::Comunicazione, [](Korvantine &f) { return new Comunicazione(f, Porte); });
+    a.frame->registraPagina(IdPagina::Comunicazione,
+                            [](Korvantine &f) { return new Comunicazione(f, Porte); });
     return a.frame->apriPagina(IdPagina::Comunicazione);
 }
 
@@ -56,11 +59,19 @@ private slots:
         QTest::addColumn<QByteArray>("ini");
         QTest::addColumn<QString>("porta");
         QTest::addColumn<QString>("baud");
-        QTest::newRow("no file") << QByteArray() << "COM1" << "9600";
-        QTest::newRow("COM3 at 19200") << QByteArray("[SERIALE]\r\nPorta=COM3\r\nBaudRate=19200\r\n") << "COM3" << "19200";
-        QTest::newRow("COM11 and 57600") << QByteArray("[SERIALE]\r\nPorta=COM11\r\nBaudRate=57600\r\n") << "COM1" << "9600";
-        QTest::newRow("device") << QByteArray("[seriale]\r\nporta=/dev/ttyUSB0\r\nbaudrate=4800\r\n") << "/dev/ttyUSB0" << "4800";
-        QTest::newRow("device not there") << QByteArray("[SERIALE]\r\nPorta=/dev/ttyACM7\r\n") << "" << "9600";
+        QTest::newRow("no file") << QByteArray() << "COM1"
+                                 << "9600";
+        QTest::newRow("COM3 at 19200")
+            << QByteArray("[SERIALE]\r\nPorta=COM3\r\nBaudRate=19200\r\n") << "COM3"
+            << "19200";
+        QTest::newRow("COM11 and 57600")
+            << QByteArray("[SERIALE]\r\nPorta=COM11\r\nBaudRate=57600\r\n") << "COM1"
+            << "9600";
+        QTest::newRow("device") << QByteArray("[seriale]\r\nporta=/dev/ttyUSB0\r\nbaudrate=4800\r\n")
+                                << "/dev/ttyUSB0"
+                                << "4800";
+        QTest::newRow("device not there") << QByteArray("[SERIALE]\r\nPorta=/dev/ttyACM7\r\n") << ""
+                                          << "9600";
     }
 
     void portPageShowsTheSettings()
@@ -86,7 +97,8 @@ private slots:
     {
         Ambiente a(false);
         const QString ini = a.programma->percorsoIni();
-        const QByteArray prima("[IMPOSTAZIONI]\r\nLingua=ENGLISH\r\n[SERIALE]\r\nPorta=COM3\r\nBaudRate=19200\r\n");
+        const QByteArray prima(
+            "[IMPOSTAZIONI]\r\nLingua=ENGLISH\r\n[SERIALE]\r\nPorta=COM3\r\nBaudRate=19200\r\n");
         QVERIFY(apriComunicazione(a, prima));
         auto *seriali = a.sullaPagina<QListWidget>("Seriali");
         auto *baud = a.sullaPagina<QListWidget>("Baud");
@@ -174,10 +186,12 @@ private slots:
         QCOMPARE(r.visti.size(), 1);
         QCOMPARE(a.programma->lingua.LinguaCorrente, QStringLiteral("ITALIANO"));
         QCOMPARE(FileIni::leggi(ini, "IMPOSTAZIONI", "Lingua"), QStringLiteral("ITALIANO"));
-        const QString italiano = FileIni::leggi(a.cartella.filePath("ITALIANO.LNG"), "MainLambda", "FUNZIONE.0").trimmed();
+        const QString italiano =
+            FileIni::leggi(a.cartella.filePath("ITALIANO.LNG"), "MainLambda", "FUNZIONE.0").trimmed();
         QVERIFY(italiano != inglese);
         QCOMPARE(a.menu()->funzione(0)->text(), italiano);
-        QCOMPARE(a.frame->windowTitle(), FileIni::leggi(a.cartella.filePath("ITALIANO.LNG"), "KORVANTINE", "CAPTION").trimmed());
+        QCOMPARE(a.frame->windowTitle(),
+                 FileIni::leggi(a.cartella.filePath("ITALIANO.LNG"), "KORVANTINE", "CAPTION").trimmed());
     }
 
     void versionPageFillsWhenIdentificationEnds()

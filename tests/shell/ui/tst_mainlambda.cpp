@@ -6,6 +6,8 @@
 
 #include <QSignalSpy>
 
+using namespace kv;
+
 using aiuto::Ambiente;
 using aiuto::datiLive;
 
@@ -60,7 +62,7 @@ private slots:
         QTest::keyClick(m, Qt::Key_F9, Qt::ShiftModifier);
         QCOMPARE(a.frame->paginaAttiva(), m);
         QTest::keyClick(m, Qt::Key_F5);
-        QTest::keyClick(m, Qt::Key_F12, Qt::ShiftModifier);  // there is no twelfth entry
+        QTest::keyClick(m, Qt::Key_F12, Qt::ShiftModifier); // there is no twelfth entry
         QCOMPARE(a.frame->paginaAttiva(), m);
         QTest::keyClick(m, Qt::Key_F9, Qt::ShiftModifier);
         QCOMPARE(a.frame->idPaginaAttiva(), IdPagina::Comunicazione);
@@ -116,8 +118,8 @@ private slots:
         QCOMPARE(hex->text(), QString::fromLatin1(HexFrame(datiLive(0))));
         a.arriva(aiuto::versione());
         QVERIFY(stato->text().startsWith(a.testo("KORVANTINE", "COLLEGAMENTO.2")));
-        for (const QByteArray &r : {"r" + aiuto::parola(900), "r" + aiuto::parola(60), QByteArray("r\x01"),
-                                    QByteArray("r\x00", 2)})
+        for (const QByteArray &r :
+             {"r" + aiuto::parola(900), "r" + aiuto::parola(60), QByteArray("r\x01"), QByteArray("r\x00", 2)})
             a.arriva(r);
         QVERIFY(!QApplication::overrideCursor());
         QVERIFY(area->isEnabled());
@@ -131,18 +133,18 @@ private slots:
         MainLambda *m = a.menu();
         QSignalSpy uscita(a.frame.get(), &Korvantine::uscita);
         QVERIFY(!a.frame->close());
-        aiuto::Risponditore r(1);  // No
+        aiuto::Risponditore r(1); // No
         QTest::keyClick(m, Qt::Key_Escape);
         QCOMPARE(r.visti.size(), 1);
         QCOMPARE(r.visti[0].testo, a.testo("SEGNALAZIONI", "SEGNALAZIONE_50"));
         QCOMPARE(r.visti[0].titolo, a.testo("SEGNALAZIONI", "TITOLO_1"));
         QCOMPARE(r.visti[0].tasti, (QStringList{a.testo("TASTI", "SI"), a.testo("TASTI", "NO")}));
-        QCOMPARE(r.visti[0].fuoco, a.testo("TASTI", "NO"));  // No is the safe default
+        QCOMPARE(r.visti[0].fuoco, a.testo("TASTI", "NO")); // No is the safe default
         r.rispondi(-1);
         QTest::keyClick(m, Qt::Key_Escape);
         QCOMPARE(uscita.count(), 0);
         QVERIFY(a.frame->isVisible());
-        r.rispondi(0);  // Yes
+        r.rispondi(0); // Yes
         QTest::keyClick(m, Qt::Key_Escape);
         QCOMPARE(uscita.count(), 1);
         QVERIFY(!a.frame->isVisible());
@@ -194,7 +196,7 @@ private slots:
         QVERIFY(boxVisibile(nuovo));
         QCOMPARE(a.frame->windowTitle(), a.testo("KORVANTINE", "CAPTION"));
         QTRY_COMPARE(vive, 0);
-        a.frame->ChiudiPagina(nuovo);  // closing the menu does nothing
+        a.frame->ChiudiPagina(nuovo); // closing the menu does nothing
         QCOMPARE(a.menu(), nuovo);
     }
 
@@ -258,7 +260,8 @@ private slots:
     {
         Ambiente a(false, false);
         aiuto::Risponditore r;
-        emit a.programma->portaNonAperta(a.testo("SEGNALAZIONI", "SEGNALAZIONE_3"), a.testo("SEGNALAZIONI", "TITOLO_2"));
+        emit a.programma->portaNonAperta(a.testo("SEGNALAZIONI", "SEGNALAZIONE_3"),
+                                         a.testo("SEGNALAZIONI", "TITOLO_2"));
         QTest::qWait(20);
         QVERIFY(r.visti.isEmpty());
         a.avviaFrame();
@@ -266,7 +269,7 @@ private slots:
         QCOMPARE(r.visti[0].testo, a.testo("SEGNALAZIONI", "SEGNALAZIONE_3"));
         QCOMPARE(r.visti[0].titolo, a.testo("SEGNALAZIONI", "TITOLO_2"));
         emit a.programma->portaNonAperta(QStringLiteral("again"), QStringLiteral("t"));
-        QCOMPARE(r.visti.size(), 2);  // once the frame is up, at once
+        QCOMPARE(r.visti.size(), 2); // once the frame is up, at once
     }
 };
 

@@ -2,7 +2,9 @@
 // default button, and the 99 of a box closed without a button.
 #include "AiutoUi.h"
 
-#include "shell/Lingua.h"
+#include "base/Lingua.h"
+
+using namespace kv;
 
 class TstMsgBox1 : public QObject
 {
@@ -26,7 +28,8 @@ private slots:
         QTest::addColumn<QList<int>>("codici");
         QTest::newRow("0 OK") << 0 << QStringList{"OK"} << QList<int>{1};
         QTest::newRow("1 OK Cancel") << 1 << QStringList{"OK", "Cancel"} << QList<int>{1, 2};
-        QTest::newRow("2 Abort Retry Ignore") << 2 << QStringList{"Abort", "Retry", "Ignore"} << QList<int>{3, 4, 5};
+        QTest::newRow("2 Abort Retry Ignore")
+            << 2 << QStringList{"Abort", "Retry", "Ignore"} << QList<int>{3, 4, 5};
         QTest::newRow("3 Yes No Cancel") << 3 << QStringList{"Yes", "No", "Cancel"} << QList<int>{6, 7, 2};
         QTest::newRow("4 Yes No") << 4 << QStringList{"Yes", "No"} << QList<int>{6, 7};
         QTest::newRow("5 Retry Cancel") << 5 << QStringList{"Retry", "Cancel"} << QList<int>{4, 2};

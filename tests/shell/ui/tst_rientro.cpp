@@ -7,6 +7,8 @@
 #include "monitoring/Canali.h"
 #include "shell/ui/Comunicazione.h"
 
+using namespace kv;
+
 using aiuto::Ambiente;
 using aiuto::datiLive;
 
@@ -17,9 +19,7 @@ namespace {
 class Ascoltatore : public AscoltatoreDati
 {
 public:
-    Ascoltatore(Ambiente &a, int statoDomanda)
-        : m_a(a)
-        , m_statoDomanda(statoDomanda)
+    Ascoltatore(Ambiente &a, int statoDomanda) : m_a(a), m_statoDomanda(statoDomanda)
     {
         m_a.programma->datiLive.aggiungiAscoltatore(this);
     }
@@ -107,7 +107,7 @@ private slots:
         Ambiente a;
         Ascoltatore ascolto(a, -1);
         MainLambda *m = a.menu();
-        aiuto::Risponditore r(1);  // No to the way out
+        aiuto::Risponditore r(1); // No to the way out
         bool grigiaNelBox = false;
         r.durante = [&](MsgBox1 *) {
             a.arriva(datiLive(5));
@@ -145,11 +145,12 @@ private slots:
     {
         Ambiente a(false);
         a.porta->riesce = false;
-        a.frame->registraPagina(IdPagina::Comunicazione, [](Korvantine &f) { return new Comunicazione(f, {}); });
+        a.frame->registraPagina(IdPagina::Comunicazione,
+                                [](Korvantine &f) { return new Comunicazione(f, {}); });
         auto *pagina = qobject_cast<Comunicazione *>(a.frame->apriPagina(IdPagina::Comunicazione));
         QVERIFY(pagina);
         aiuto::Risponditore r(0);
-        r.durante = [&](MsgBox1 *) { pagina->Salva(); };  // F2 again while the failure shows
+        r.durante = [&](MsgBox1 *) { pagina->Salva(); }; // F2 again while the failure shows
         pagina->Salva();
         QCOMPARE(a.porta->aperture, 1);
         QCOMPARE(r.visti.size(), 1);

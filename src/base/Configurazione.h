@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QChar>
+#include <QString>
+#include <QStringList>
+#include <QtGlobal>
+
+namespace kv {
+
+// The serial settings of KORVANTINE.INI, section "SERIALE".
+struct ImpSeriale
+{
+    QString Porta;    // the INI text as it stands ("COM1" when absent)
+    int PortaCom = 1; // 1..10
+    qint32 VelocitaCom = 9600;
+    QChar ParitaCom = u'N';
+    int BitDatiCom = 8;
+    int BitStopCom = 1;
+    QString nomeDispositivo; // the device to open; empty when there is none for PortaCom
+};
+
+// KORVANTINE.INI in that folder, as the file is spelt there (upper case when it is new).
+QString PercorsoIni(const QString &percorsoApp);
+
+// "Porta" (default "COM1"): from its fourth character on, read as a number and rounded;
+// outside 1..10 it is 1. A value starting with '/' is a device path and is used as it
+// stands (PortaCom then 1). "BaudRate" (default "9600"): 4800, 9600, 19200 or 38400, else
+// 9600. The INI file is only read. porti: the serial devices the system reports.
+ImpSeriale LeggiImpSeriale(const QString &percorsoIni, const QStringList &porti);
+
+// The same rules on the two texts, without a file.
+ImpSeriale ImpSerialeDaTesti(const QString &porta, const QString &baudRate, const QStringList &porti);
+
+// "COMn" is the n-th of the system's ports in natural order of their paths (ttyS2 before
+// ttyS10); empty when there are fewer. A device path is itself.
+QString NomeDispositivo(const QString &porta, int portaCom, const QStringList &porti);
+
+// The paths of the serial ports the system reports now, in that same order.
+QStringList PortiSeriali();
+
+// Writes "Porta" and "Baudrate" (that spelling, as the program always wrote it) under
+// "SERIALE" in one safe replacement of the file. False when nothing could be written.
+bool scriviImpSeriale(const QString &percorsoIni, const QString &porta, qint32 baud);
+
+} // namespace kv

@@ -1,0 +1,342 @@
+#include "pages/DialogoPagina.h"
+
+#include "base/Lingua.h"
+#include "link/Frame.h"
+#include "link/StatoProgramma.h"
+#include "link/Temporizzatore.h"
+#include "pages/PannelloLive.h"
+#include "pages/PianiLettura.h"
+#include "pages/VistaPagina.h"
+#include "variables/Catalogo.h"
+#include "variables/Conversioni.h"
+#include "variables/Formato.h"
+
+#include <QRegularExpression>
+
+namespace kv {
+
+namespace {
+
+bool sogliaTps(int parametro)
+{
+    return parametro >= Par::SogliaTpsEntrataMinimo && parametro <= Par::SogliaTpsUscitaCutOff;
+}
+
+// Pages of the first six groups lose their commands when a read or a leave fails; the
+// small pages only show the message.
+bool paginaConUscitaEmergenza(int primoStato)
+{
+    return primoStato >= 1 && primoStato <= 51;
+}
+
+} // namespace
+
+bool TestoNumerico(const QString &testo)
+{
+    static const QRegularExpression numero(QStringLiteral(R"(^\s*[+-]?(\d+[.,]?\d*|[.,]\d+)\s*$)"));
+    return numero.match(testo).hasMatch();
+}
+
+DialogoPagina::DialogoPagina(DescrizionePagina descrizione, Catalogo &catalogo, MotoreDialogo &motore,
+                             StatoProgramma &stato, const Lingua &lingua, VistaPagina &vista)
+    : m_descrizione(std::move(descrizione))
+    , m_piano(PianoPerStato(m_descrizione.primoStato))
+    , m_catalogo(catalogo)
+    , m_motore(motore)
+    , m_stato(stato)
+    , m_lingua(lingua)
+    , m_vista(vista)
+{
+    m_motore.registra(m_descrizione.primoStato, this);
+}
+
+DialogoPagina::~DialogoPagina()
+{
+    m_motore.rimuovi(this);
+}
+
+bool DialogoPagina::avviaLettura()
+{
+    for (int p : m_descrizione.voci)
+        m_catalogo.azzeraValori(p);
+    m_catalogo.azzeraValori(Par::ScalaLambda);
+    if (!m_piano)
+        return false;
+
+    m_motore.svuotaCoda();
+    for (const RigaLettura &riga : m_piano->righe)
+        m_motore.accoda(RichiestaLettura(m_catalogo, riga));
+    if (!m_motore.PortOpen())
+        return false;
+    m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_1"));
+    m_vista.abilitaPagina(false);
+    return m_motore.avvia(m_descrizione.primoStato, MotoreDialogo::IntervalloLettura);
+}
+
+void DialogoPagina::ApplicaValori(int origine, int stato, bool ram, bool eeprom)
+{
+    m_motore.svuotaCoda();
+    for (int p : m_descrizione.voci) {
+        const Parametro &par = m_catalogo.Parametri[static_cast<size_t>(p)];
+        const ValoreParametro &v = m_catalogo.Valori[static_cast<size_t>(p)];
+        const double grezzo = m_catalogo.aGrezzo(p, origine == 0 ? v.Corrente : v.Letto);
+        const QByteArray dati = char(par.Dimensione) + ByteBE(grezzo, par.Dimensione);
+        // RAM frame and EEPROM frame of one entry side by side: a failure half-way leaves
+        // the earlier entries written in both and the later ones in neither.
+        if (ram && par.IndirizzoRAM != -1)
+            m_motore.accoda('W' + ParolaInByte(static_cast<quint32>(par.IndirizzoRAM)) + dati);
+        if (eeprom && par.IndirizzoEE != -1)
+            m_motore.accoda('W' + ParolaInByte(static_cast<quint32>(par.IndirizzoEE)) + dati);
+    }
+    if (!m_motore.PortOpen())
+        return;
+    if (m_motore.CodaTx.isEmpty()) {
+        // Nothing the asked memory can take (an EEPROM-only page saved to RAM): the save
+        // is over before it began, and leaving still leaves.
+        fineScrittura(stato);
+        return;
+    }
+    m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_4"));
+    m_vista.abilitaPagina(false);
+    m_motore.avvia(stato, MotoreDialogo::IntervalloLettura);
+}
+
+bool DialogoPagina::ControlloCambiamenti() const
+{
+    for (int p : m_descrizione.voci) {
+        const ValoreParametro &v = m_catalogo.Valori[static_cast<size_t>(p)];
+        if (v.Corrente != v.Letto)
+            return true;
+    }
+    return false;
+}
+
+bool DialogoPagina::valoreValido(int parametro, const QString &testo) const
+{
+    if (!Catalogo::indiceValido(parametro) || !TestoNumerico(testo))
+        return false;
+    const double v = ValNumero(testo);
+    const Parametro &p = m_catalogo.Parametri[static_cast<size_t>(parametro)];
+    return v >= p.Min && v <= p.Max;
+}
+
+void DialogoPagina::valoreModificato(int parametro, double valore)
+{
+    aggiornaLimiti(parametro, valore, Occasione::Modifica);
+}
+
+void DialogoPagina::impostaCorrente(int parametro, double valore)
+{
+    if (Catalogo::indiceValido(parametro))
+        m_catalogo.Valori[static_cast<size_t>(parametro)].Corrente = valore;
+}
+
+void DialogoPagina::Applica()
+{
+    ApplicaValori(0, primoStato() + 1, true, false);
+}
+
+void DialogoPagina::Memorizza()
+{
+    for (int p : m_descrizione.voci) {
+        ValoreParametro &v = m_catalogo.Valori[static_cast<size_t>(p)];
+        v.Memorizzato = v.Corrente;
+    }
+}
+
+void DialogoPagina::Ripristina()
+{
+    for (int p : m_descrizione.voci) {
+        ValoreParametro &v = m_catalogo.Valori[static_cast<size_t>(p)];
+        v.Corrente = v.Memorizzato;
+        m_vista.mostraValore(p, v.Corrente);
+        aggiornaLimiti(p, v.Corrente, Occasione::Modifica);
+    }
+    ApplicaValori(0, primoStato() + 1, true, false);
+}
+
+bool DialogoPagina::Esci()
+{
+    if (ControlloCambiamenti())
+        return true;
+    m_vista.chiudiPagina();
+    return false;
+}
+
+void DialogoPagina::RispostaEsci(int risposta)
+{
+    if (risposta == RispostaSi)
+        ApplicaValori(0, primoStato() + 2, true, true);
+    else if (risposta == RispostaNo)
+        ApplicaValori(1, primoStato() + 2, true, false);
+}
+
+void DialogoPagina::EsciOut()
+{
+    m_vista.chiudiPagina();
+}
+
+void DialogoPagina::risposta(char lettera, int stato, const QByteArray &payload)
+{
+    if (lettera == 'e' && (payload.size() < 2 || static_cast<quint8>(payload.at(1)) != 0xFF)) {
+        erroreEcu(stato, payload);
+        return;
+    }
+    if (lettera == 'r' && stato == primoStato())
+        rispostaLettura(payload);
+    else if (lettera == 'e' && (stato == primoStato() + 1 || stato == primoStato() + 2))
+        rispostaScrittura(stato);
+}
+
+void DialogoPagina::scadenza(int stato)
+{
+    m_vista.abilitaPagina(true);
+    if (!paginaConUscitaEmergenza(primoStato())) {
+        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_2"));
+        return;
+    }
+    if (stato == primoStato()) {
+        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_2"));
+        m_vista.uscitaEmergenza();
+    } else if (stato == primoStato() + 1) {
+        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_5"));
+    } else if (stato == primoStato() + 2) {
+        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_5"));
+        m_vista.uscitaEmergenza();
+    }
+}
+
+void DialogoPagina::erroreEcu(int stato, const QByteArray &payload)
+{
+    const auto b = static_cast<quint8>(payload.size() >= 2 ? payload.at(1) : 0);
+    const QString codice = QStringLiteral("%1").arg(b, 2, 16, QLatin1Char('0')).toUpper();
+    const QString messaggio = b >= 1 && b <= 7 ? m_lingua.LeggiTesto("ERRORI", "ERR_" + codice)
+                                               : m_lingua.LeggiTesto("ERRORI", "ERR_99");
+    m_vista.mostraSegnalazione(codice + QStringLiteral("H ") + messaggio);
+    m_vista.abilitaPagina(true);
+    if (stato == primoStato())
+        m_vista.uscitaEmergenza();
+}
+
+void DialogoPagina::rispostaLettura(const QByteArray &payload)
+{
+    m_motore.timeOutReq().setEnabled(false);
+    if (m_descrizione.zonaLavoro)
+        m_vista.mostraZonaLavoro(TestoZona(m_lingua, m_stato.DatiAttuali[0].Valore[7]));
+    const int passo = m_motore.PassoDialogo;
+    if (m_piano && passo >= 0 && passo < static_cast<int>(m_piano->righe.size()))
+        gestisciRiga(m_piano->righe[static_cast<size_t>(passo)], payload);
+    if (!m_motore.continua())
+        fineLettura();
+}
+
+void DialogoPagina::gestisciRiga(const RigaLettura &riga, const QByteArray &payload)
+{
+    const int p = riga.parametro;
+    const int dimensione = m_catalogo.Parametri[static_cast<size_t>(p)].Dimensione;
+    const auto grezzo = [&] { return NumeroBE(payload.mid(1, dimensione)); };
+    switch (riga.tipo) {
+    case TipoRiga::Valore:
+        leggiVoce(p, payload.mid(1, dimensione));
+        break;
+    case TipoRiga::SoloLimite: {
+        const double v = m_catalogo.daGrezzo(p, grezzo());
+        // The high TPS point is kept: the last row of the plan needs it for TPS presence.
+        if (p == Par::TpsTaratoMassimo)
+            m_catalogo.registraLettura(p, v);
+        aggiornaLimiti(p, v, Occasione::Lettura);
+        break;
+    }
+    case TipoRiga::ScalaLambda:
+        m_catalogo.Valori[Par::ScalaLambda].Letto = m_catalogo.daGrezzo(p, grezzo());
+        break;
+    case TipoRiga::Ignorata:
+        break;
+    case TipoRiga::TpsMinimo: {
+        const double v = m_catalogo.daGrezzo(p, grezzo());
+        aggiornaLimiti(p, v, Occasione::Lettura);
+        if (m_piano->presenzaTps) {
+            const bool presente = TpsPresenteDa(m_catalogo.Valori[Par::TpsTaratoMassimo].Letto, v);
+            m_stato.TpsPresente = presente ? -1 : 0;
+            if (!presente)
+                m_vista.nascondiRigheTps();
+        }
+        break;
+    }
+    case TipoRiga::Blocco: {
+        qsizetype posizione = 1;
+        for (int j = 0; j < riga.elementi; ++j) {
+            const int d = m_catalogo.Parametri[static_cast<size_t>(p + j)].Dimensione;
+            leggiVoce(p + j, payload.mid(posizione, d));
+            posizione += d;
+        }
+        break;
+    }
+    case TipoRiga::BloccoMappa: {
+        qsizetype posizione = 1;
+        for (int j = 0; j < riga.elementi; ++j) {
+            const int magro = p + j;
+            const int ricco = Par::SogliaRiccoMappa + (magro - Par::SogliaMagroMappa);
+            for (int voce : {magro, ricco}) {
+                const int d = m_catalogo.Parametri[static_cast<size_t>(voce)].Dimensione;
+                leggiVoce(voce, payload.mid(posizione, d));
+                posizione += d;
+            }
+        }
+        break;
+    }
+    }
+}
+
+void DialogoPagina::leggiVoce(int parametro, const QByteArray &byte)
+{
+    const double v = m_catalogo.daGrezzo(parametro, NumeroBE(byte));
+    m_catalogo.registraLettura(parametro, v);
+    m_vista.mostraValore(parametro, v);
+    mostraSuggerimento(parametro);
+    aggiornaLimiti(parametro, v, Occasione::Lettura);
+    if (m_descrizione.bloccoTps && sogliaTps(parametro)
+        && m_catalogo.Valori[Par::TpsAutoadattante].Letto == 0)
+        m_vista.bloccaCampoTps(parametro);
+}
+
+void DialogoPagina::aggiornaLimiti(int parametro, double valore, Occasione occasione)
+{
+    const QList<int> toccati = m_catalogo.aggiornaLimiti(parametro, valore, m_descrizione.pagina, occasione);
+    for (int t : toccati)
+        mostraSuggerimento(t);
+}
+
+void DialogoPagina::mostraSuggerimento(int parametro)
+{
+    m_vista.mostraSuggerimento(parametro, m_catalogo.suggerimentoIntervallo(parametro));
+}
+
+void DialogoPagina::fineLettura()
+{
+    m_vista.mostraSegnalazione({});
+    m_vista.abilitaPagina(true);
+    m_motore.PassoDialogo = -1;
+    m_motore.termina();
+}
+
+void DialogoPagina::rispostaScrittura(int stato)
+{
+    m_motore.timeOutReq().setEnabled(false);
+    if (m_motore.continua())
+        return;
+    fineScrittura(stato);
+}
+
+void DialogoPagina::fineScrittura(int stato)
+{
+    m_vista.mostraSegnalazione({});
+    m_vista.abilitaPagina(true);
+    if (m_motore.StatoDialogo == stato)
+        m_motore.termina();
+    // Last: closing may take the page, and this object with it, away.
+    if (stato == primoStato() + 2)
+        m_vista.chiudiPagina();
+}
+
+} // namespace kv

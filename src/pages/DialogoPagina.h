@@ -1,0 +1,95 @@
+#pragma once
+
+#include "link/MotoreDialogo.h"
+#include "pages/DescrizioniPagine.h"
+
+#include <QString>
+
+namespace kv {
+
+class Catalogo;
+class Lingua;
+class VistaPagina;
+struct PianoLettura;
+struct RigaLettura;
+struct StatoProgramma;
+
+// The ECU side of one tuning page: its opening read, its saves, and the commands of the
+// page frame that work on values rather than on fields. It owns the page's state group
+// on the dialogue engine for as long as it lives.
+class DialogoPagina : public GestoreStati
+{
+public:
+    // Codes of the answers to the question at Esci, as the message box returns them.
+    static constexpr int RispostaSi = 6;
+    static constexpr int RispostaNo = 7;
+    // Yes, No and Cancel with the question icon.
+    static constexpr int FlagDomandaEsci = 0x23;
+
+    DialogoPagina(DescrizionePagina descrizione, Catalogo &catalogo, MotoreDialogo &motore,
+                  StatoProgramma &stato, const Lingua &lingua, VistaPagina &vista);
+    ~DialogoPagina() override;
+
+    DialogoPagina(const DialogoPagina &) = delete;
+    DialogoPagina &operator=(const DialogoPagina &) = delete;
+
+    const DescrizionePagina &descrizione() const { return m_descrizione; }
+    int primoStato() const { return m_descrizione.primoStato; }
+
+    // The page's values back to "not read" and its read plan queued and started. False
+    // when the port is closed: nothing is sent and the page stays as it is.
+    bool avviaLettura();
+
+    // The page's entries to the ECU: Corrente (origine 0) or Letto (any other), to RAM,
+    // to EEPROM or both, under dialogue state stato.
+    void ApplicaValori(int origine, int stato, bool ram, bool eeprom);
+
+    // True when any entry's Corrente differs from its Letto.
+    bool ControlloCambiamenti() const;
+
+    // Text of a field as the page may send it: a number within the entry's limits.
+    bool valoreValido(int parametro, const QString &testo) const;
+
+    // The fitter left a field holding valore: the limits hanging on it follow at once.
+    void valoreModificato(int parametro, double valore);
+    // What Applica takes from a field (or a list's selection index).
+    void impostaCorrente(int parametro, double valore);
+
+    // The commands. Applica expects Corrente already taken from the fields.
+    void Applica();
+    void Memorizza();
+    void Ripristina();
+    // False when nothing changed: the page has been closed. True when the fitter has to
+    // be asked; the answer goes to RispostaEsci.
+    bool Esci();
+    void RispostaEsci(int risposta);
+    void EsciOut();
+
+    void risposta(char lettera, int stato, const QByteArray &payload) override;
+    void scadenza(int stato) override;
+
+private:
+    void rispostaLettura(const QByteArray &payload);
+    void rispostaScrittura(int stato);
+    void erroreEcu(int stato, const QByteArray &payload);
+    void gestisciRiga(const RigaLettura &riga, const QByteArray &payload);
+    void leggiVoce(int parametro, const QByteArray &byte);
+    void aggiornaLimiti(int parametro, double valore, Occasione occasione);
+    void mostraSuggerimento(int parametro);
+    void fineLettura();
+    void fineScrittura(int stato);
+
+    DescrizionePagina m_descrizione;
+    const PianoLettura *m_piano;
+    Catalogo &m_catalogo;
+    MotoreDialogo &m_motore;
+    StatoProgramma &m_stato;
+    const Lingua &m_lingua;
+    VistaPagina &m_vista;
+};
+
+// A field's text counts as a number: blanks round it, a sign, digits, one decimal point
+// or comma, and at least one digit.
+bool TestoNumerico(const QString &testo);
+
+} // namespace kv

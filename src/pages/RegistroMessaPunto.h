@@ -1,6 +1,0 @@
-#pragma once
-
-class Korvantine;
-
-// Puts the tuning pages built so far into the main frame's page registry.
-void RegistraPagineMessaPunto(Korvantine &frame);

@@ -1,0 +1,143 @@
+#include "pages/ui/CampoDato.h"
+
+#include "pages/DialogoPagina.h"
+#include "variables/Formato.h"
+
+#include <QKeyEvent>
+
+namespace kv {
+
+namespace {
+// The colours of the tuning pages, by their role.
+const QColor SfondoNormale(Qt::white);
+const QColor TestoNormale(Qt::black);
+const QColor SfondoFuoco(0, 0, 255);
+const QColor SfondoErrato(255, 0, 0);
+const QColor TestoChiaro(Qt::white);
+const QColor SfondoBloccato(Qt::black);
+const QColor TestoBloccato(0, 255, 0);
+} // namespace
+
+CampoDato::CampoDato(QWidget *parent) : QLineEdit(parent)
+{
+    setMaxLength(LunghezzaMassima);
+    setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    // Pasting would bypass the key filter.
+    setContextMenuPolicy(Qt::NoContextMenu);
+    colora(Aspetto::Normale);
+}
+
+void CampoDato::colora(Aspetto aspetto)
+{
+    QPalette p = palette();
+    QColor sfondo = SfondoNormale;
+    QColor testo = TestoNormale;
+    switch (aspetto) {
+    case Aspetto::Normale:
+        break;
+    case Aspetto::Fuoco:
+        sfondo = SfondoFuoco;
+        testo = TestoChiaro;
+        break;
+    case Aspetto::Errato:
+        sfondo = SfondoErrato;
+        testo = TestoChiaro;
+        break;
+    case Aspetto::Bloccato:
+        sfondo = SfondoBloccato;
+        testo = TestoBloccato;
+        break;
+    }
+    p.setColor(QPalette::Base, sfondo);
+    p.setColor(QPalette::Text, testo);
+    // The selection would hide the focus colour when the field is entered by Tab.
+    p.setColor(QPalette::Highlight, sfondo);
+    p.setColor(QPalette::HighlightedText, testo);
+    setPalette(p);
+}
+
+void CampoDato::blocca(bool bloccato)
+{
+    m_bloccato = bloccato;
+    setReadOnly(bloccato);
+    colora(bloccato ? Aspetto::Bloccato : Aspetto::Normale);
+}
+
+void CampoDato::segnaErrato(bool errato)
+{
+    m_errato = errato;
+    if (m_bloccato)
+        return;
+    colora(errato ? Aspetto::Errato : hasFocus() ? Aspetto::Fuoco : Aspetto::Normale);
+}
+
+QString CampoDato::testoCampo(double valore, const QString &maschera, int lunghezza)
+{
+    const QString testo = FormattaNumero(valore, maschera);
+    return testo.rightJustified(lunghezza, QLatin1Char(' ')).right(lunghezza);
+}
+
+void CampoDato::mostra(double valore, const QString &maschera)
+{
+    m_maschera = maschera;
+    setText(testoCampo(valore, maschera, maxLength()));
+}
+
+void CampoDato::keyPressEvent(QKeyEvent *evento)
+{
+    const int tasto = evento->key();
+    if (tasto == Qt::Key_Escape) {
+        evento->ignore(); // the page's own key
+        return;
+    }
+    if (tasto == Qt::Key_Return || tasto == Qt::Key_Enter) {
+        focusNextChild();
+        return;
+    }
+    if (tasto == Qt::Key_Backspace || tasto == Qt::Key_Delete) {
+        if (!m_bloccato)
+            QLineEdit::keyPressEvent(evento);
+        return;
+    }
+    const QString testo = evento->text();
+    if (testo.isEmpty()) {
+        QLineEdit::keyPressEvent(evento); // moving the cursor, or a key for the page
+        return;
+    }
+    if (m_bloccato)
+        return;
+    const QChar c = testo.at(0);
+    if (c == QLatin1Char(' ')) {
+        clear();
+    } else if (c.isDigit() && c.unicode() < 128) {
+        QLineEdit::keyPressEvent(evento);
+    } else if (c == QLatin1Char('-') && text().trimmed().isEmpty()) {
+        QLineEdit::keyPressEvent(evento);
+    }
+    // Anything else, the decimal point and comma among them, is dropped.
+}
+
+void CampoDato::focusInEvent(QFocusEvent *evento)
+{
+    if (!m_bloccato) {
+        colora(m_errato ? Aspetto::Errato : Aspetto::Fuoco);
+        setText(text().trimmed());
+    }
+    QLineEdit::focusInEvent(evento);
+}
+
+void CampoDato::focusOutEvent(QFocusEvent *evento)
+{
+    QLineEdit::focusOutEvent(evento);
+    if (m_bloccato)
+        return;
+    m_errato = false;
+    colora(Aspetto::Normale);
+    if (!TestoNumerico(text()))
+        return;
+    const double valore = ValNumero(text());
+    setText(testoCampo(valore, m_maschera, maxLength()));
+    emit lasciato(valore);
+}
+
+} // namespace kv

@@ -1,0 +1,186 @@
+// Every key the code looks up, and every family the code builds from an index, must be in
+// both shipped language files with some text: a missing key would show as a blank caption
+// or, in a menu, as an entry that silently vanishes.
+#include "base/FileIni.h"
+
+#include <QDirIterator>
+#include <QFile>
+#include <QRegularExpression>
+#include <QSet>
+#include <QTest>
+
+using namespace kv;
+
+namespace {
+
+struct Richiesta
+{
+    QString sezione;
+    QString chiave;
+    bool famiglia = false; // chiave is a prefix that takes an index
+    QString dove;
+};
+
+const QStringList FileSpediti = {"ENGLISH.LNG", "ITALIANO.LNG"};
+
+QByteArray byteDi(const QString &nome)
+{
+    QFile f(QStringLiteral(KV_SOURCE_DIR "/lang/") + nome);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+QList<Richiesta> richiesteNelCodice()
+{
+    // LeggiTesto("SEZIONE", "CHIAVE" followed by ')' or ',' for a whole key, by anything
+    // else (a '+' and an index) for a family. A literal may be wrapped, as QStringLiteral("..."),
+    // or be a u"..." literal.
+    static const QString Letterale = QStringLiteral(R"re((?:\w+\s*\(\s*u?"([^"\\]*)"\s*\)|u?"([^"\\]*)"))re");
+    static const QRegularExpression chiamata(QStringLiteral(R"re(LeggiTesto\s*\(\s*)re") + Letterale
+                                             + QStringLiteral(R"re(\s*,\s*)re") + Letterale
+                                             + QStringLiteral(R"re(\s*(\S))re"));
+    QList<Richiesta> richieste;
+    QDirIterator it(QStringLiteral(KV_SOURCE_DIR "/src"), {"*.cpp", "*.h"}, QDir::Files,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString percorso = it.next();
+        QFile f(percorso);
+        if (!f.open(QIODevice::ReadOnly))
+            continue;
+        auto trovate = chiamata.globalMatch(QString::fromUtf8(f.readAll()));
+        while (trovate.hasNext()) {
+            const auto m = trovate.next();
+            Richiesta r;
+            r.sezione = m.captured(1) + m.captured(2);
+            r.chiave = m.captured(3) + m.captured(4);
+            const QString seguito = m.captured(5);
+            r.famiglia =
+                r.chiave.endsWith(u'.') || r.chiave.endsWith(u'_') || (seguito != ")" && seguito != ",");
+            r.dove = percorso.mid(QStringLiteral(KV_SOURCE_DIR).size() + 1);
+            richieste.append(r);
+        }
+    }
+    return richieste;
+}
+
+QStringList indici(const QString &prefisso, int da, int a)
+{
+    QStringList chiavi;
+    for (int i = da; i <= a; ++i)
+        chiavi.append(prefisso + QString::number(i));
+    return chiavi;
+}
+
+} // namespace
+
+class TestChiaviLingua : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void everyKeyTheCodeUsesHasText()
+    {
+        const QList<Richiesta> richieste = richiesteNelCodice();
+        QVERIFY(richieste.size() > 50); // the pattern still finds the calls
+        QStringList mancanti;
+        for (const QString &nome : FileSpediti) {
+            const FileIni ini = FileIni::daByte(byteDi(nome));
+            for (const Richiesta &r : richieste) {
+                bool trovata = !r.famiglia && !ini.valore(r.sezione, r.chiave).isEmpty();
+                for (const QString &chiave : r.famiglia ? ini.chiavi(r.sezione) : QStringList()) {
+                    if (chiave.startsWith(r.chiave, Qt::CaseInsensitive)
+                        && !ini.valore(r.sezione, chiave).isEmpty())
+                        trovata = true;
+                }
+                if (!trovata)
+                    mancanti << QStringLiteral("%1: [%2] %3%4 used in %5")
+                                    .arg(nome, r.sezione, r.chiave,
+                                         r.famiglia ? QStringLiteral("*") : QString(), r.dove);
+            }
+        }
+        QVERIFY2(mancanti.isEmpty(), qPrintable("\n" + mancanti.join(u'\n')));
+    }
+
+    void everyKeyOfAComputedFamilyHasText_data()
+    {
+        QTest::addColumn<QString>("sezione");
+        QTest::addColumn<QStringList>("chiavi");
+        QTest::newRow("ZONE") << "ZONE" << indici("ZONA.", 1, 5) + QStringList{"ZONA.99"};
+        QStringList canali;
+        for (const char *canale :
+             {"CAMPIONI", "FLAGPA", "GIRI", "TPS", "LAMBDA", "ACTPOS", "RICMAG", "MZONACT", "POMPATA",
+              "TIPTPS", "TIPALIM", "TIPOLAMBDA", "LIBERO2", "LIBERO3", "LIBERO4", "LIBERO5"})
+            canali << QString::fromLatin1(canale) + ".NOME";
+        // Units only where the quantity has one; the others may be blank.
+        canali << "GIRI.UM"
+               << "TPS.UM"
+               << "LAMBDA.UM"
+               << "ACTPOS.UM";
+        QTest::newRow("PAR_CANALI") << "PAR_CANALI" << canali;
+        QTest::newRow("ERRORI") << "ERRORI" << indici("ERR_0", 1, 7) + QStringList{"ERR_99"};
+        QTest::newRow("SEGNALAZIONI")
+            << "SEGNALAZIONI"
+            << indici("SEGNALAZIONE_", 1, 23) + indici("SEGNALAZIONE_", 26, 32)
+                   + indici("SEGNALAZIONE_", 50, 50) + indici("SEGNALAZIONE_", 54, 60)
+                   + QStringList{"TITOLO_1", "TITOLO_2"};
+        QTest::newRow("TASTI") << "TASTI" << QStringList{"OK",         "ANNULLA",    "SI",        "NO",
+                                                         "RIPROVA",    "INTERROMPI", "IGNORA",    "ESCI",
+                                                         "SCEGLI",     "SALVA",      "APPLICA",   "MEMORIZZA",
+                                                         "RIPRISTINA", "FINE",       "PROGRAMMA", "CREA",
+                                                         "CANCELLA",   "AVANTI",     "CONFERMA",  "LETTURA",
+                                                         "AGGIORNA"};
+        QTest::newRow("ALIMENTAZIONE") << "ALIMENTAZIONE" << QStringList{"TIPO.0", "TIPO.1", "TIPO.99"};
+        QTest::newRow("KORVANTINE") << "KORVANTINE" << QStringList{"CAPTION"};
+        // The menu: an entry without text vanishes, so every one the program opens must be there.
+        QTest::newRow("MainLambda") << "MainLambda"
+                                    << indici("FUNZIONE.", 0, 4) + QStringList{"USCITA", "VERSIONE"}
+                                           + indici("PROGRAMMAZIONE.", 0, 1) + indici("VISDATI.", 0, 1)
+                                           + indici("MESSAPUNTO0.", 0, 1) + indici("MESSAPUNTO1.", 0, 8)
+                                           + indici("TARATURA.", 0, 4) + indici("UTILITA.", 0, 10);
+        QTest::newRow("Comunicazione")
+            << "Comunicazione"
+            << QStringList{"CAPTION", "LABCOM.0", "LABCOM.1", "SEGNALAZIONE.0", "PARAMETRICOM.TOOLTIPTEXT"};
+        QTest::newRow("SceltaLingua")
+            << "SceltaLingua" << QStringList{"CAPTION", "LABLINGUA.0", "SEGNALAZIONE.0"};
+        QTest::newRow("VisInf") << "VisInf" << QStringList{"CAPTION"} + indici("LABINFC.", 0, 3);
+        QTest::newRow("Infor") << "Infor" << QStringList{"CAPTION", "LBLTITLE", "LBLVERSION"};
+        QTest::newRow("Password") << "Password" << QStringList{"CAPTION", "LABPAROLA.0"};
+    }
+
+    void everyKeyOfAComputedFamilyHasText()
+    {
+        QFETCH(QString, sezione);
+        QFETCH(QStringList, chiavi);
+        for (const QString &nome : FileSpediti) {
+            const FileIni ini = FileIni::daByte(byteDi(nome));
+            for (const QString &chiave : chiavi)
+                QVERIFY2(!ini.valore(sezione, chiave).isEmpty(),
+                         qPrintable(nome + ": [" + sezione + "] " + chiave));
+        }
+    }
+
+    void bothFilesAreWindows1252WithCrLfAndHoldTheSameKeys()
+    {
+        QList<QSet<QString>> insiemi;
+        for (const QString &nome : FileSpediti) {
+            const QByteArray byte = byteDi(nome);
+            QVERIFY2(byte.startsWith(';'), qPrintable(nome + ": missing, empty or without its comment line"));
+            QCOMPARE(byte.count("\r\n"), byte.count('\n'));
+            QVERIFY(byte.endsWith("\r\n"));
+            const FileIni ini = FileIni::daByte(byte);
+            QCOMPARE(ini.codifica(), FileIni::Codifica::Windows1252);
+            QSet<QString> insieme;
+            for (const QString &sezione : ini.sezioni()) {
+                for (const QString &chiave : ini.chiavi(sezione))
+                    insieme.insert(sezione.toUpper() + u'/' + chiave.toUpper());
+            }
+            QVERIFY2(insieme.size() > 100, qPrintable(nome));
+            insiemi.append(insieme);
+        }
+        QVERIFY2(insiemi[0] == insiemi[1],
+                 qPrintable("only in ENGLISH: " + (insiemi[0] - insiemi[1]).values().join(", ")
+                            + "; only in ITALIANO: " + (insiemi[1] - insiemi[0]).values().join(", ")));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestChiaviLingua)
+#include "tst_chiavilingua.moc"

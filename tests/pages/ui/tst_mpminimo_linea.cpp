@@ -1,0 +1,176 @@
+// The idle page end to end: the program's serial port on a pseudo-terminal, the simulated
+// ECU at the far end with its own live stream, real timers.
+
+#include "EcuSimulata.h"
+
+#include "link/PortaSeriale.h"
+#include "pages/ui/CampoDato.h"
+#include "pages/ui/MP_Minimo.h"
+#include "shell/Programma.h"
+#include "support/PortaEcu.h"
+
+#include <QFile>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <cmath>
+
+using namespace kv;
+using namespace kv::sim;
+
+class TstMpMinimoLinea : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir cartella;
+    std::unique_ptr<EcuSimulata> ecu;
+    std::unique_ptr<Programma> p;
+    std::unique_ptr<MP_Minimo> pagina;
+    QByteArrayList ricevuti; // commands the ECU took, as frames
+    int rispostaEsci = 2;    // to the question at Esci
+
+    int ram(int parametro) { return CellaEcu(*ecu, p->catalogo, parametro, false); }
+    int eeprom(int parametro) { return CellaEcu(*ecu, p->catalogo, parametro, true); }
+    QPushButton *tasto(const char *nome) { return pagina->findChild<QPushButton *>(nome); }
+    bool libero()
+    {
+        return QTest::qWaitFor([this] { return p->motore.StatoDialogo == -1; }, 5000);
+    }
+
+    // The page opened as from the menu, its opening read done.
+    void apri()
+    {
+        pagina = std::make_unique<MP_Minimo>(*p);
+        pagina->impostaDomanda([this](const QString &, int, const QString &) { return rispostaEsci; });
+        pagina->show();
+        QVERIFY(QTest::qWaitForWindowExposed(pagina.get()));
+        pagina->carica();
+        QVERIFY(libero());
+    }
+
+    // Typed into field i and left, then Applica.
+    void applica(int i, int valore)
+    {
+        pagina->DatoMinimo(i)->setFocus();
+        pagina->DatoMinimo(i)->setText(QString::number(valore));
+        pagina->DatoMinimo(i + 1)->setFocus();
+        tasto("Applica")->click();
+        QVERIFY(libero());
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(
+            QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), cartella.filePath("ENGLISH.LNG")));
+    }
+
+    void init()
+    {
+        ecu = std::make_unique<EcuSimulata>();
+        QVERIFY2(ecu->apriPty(), qPrintable(ecu->erroreLinea()));
+        connect(ecu.get(), &EcuSimulata::frameRicevuto, this,
+                [this](const QByteArray &f) { ricevuti.append(f); });
+        p = std::make_unique<Programma>(cartella.path(), std::make_unique<PortaSeriale>(),
+                                        std::make_unique<TemporizzatoreQt>(),
+                                        std::make_unique<TemporizzatoreQt>());
+        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+        p->seriale.VelocitaCom = 38400;
+        p->dispositivoForzato = ecu->percorsoDispositivo();
+        QVERIFY(p->ApriPorta());
+        ecu->avvia();
+        // The first live frame identifies the ECU; the page comes after, as from the menu.
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 5000);
+        QVERIFY(libero());
+        ricevuti.clear();
+        rispostaEsci = 2;
+    }
+
+    void cleanup()
+    {
+        pagina.reset();
+        p.reset();
+        ecu.reset();
+    }
+
+    void opensWithTwelveFramesAndTheSimulatorsValues()
+    {
+        apri();
+        QCOMPARE(ricevuti.size(), 12);
+        for (const QByteArray &f : std::as_const(ricevuti))
+            QCOMPARE(f.at(4), 'R');
+        const auto scalato = [this](int parametro) { return std::lround(ram(parametro) * 255.0 / 1023.0); };
+        const long attesi[] = {ram(Par::SogliaGiriEntrataMinimo),
+                               ram(Par::SogliaGiriUscitaMinimo),
+                               scalato(Par::SogliaTpsEntrataMinimo),
+                               scalato(Par::SogliaTpsUscitaMinimo),
+                               scalato(Par::SogliaLambdaMagroMinimo),
+                               scalato(Par::SogliaLambdaRiccoMinimo),
+                               std::lround(1000 / (ram(Par::FrequenzaControlloMinimo) * 1.024)),
+                               ram(Par::PassiControlloMinimo)};
+        for (int i = 0; i < 8; ++i)
+            QCOMPARE(pagina->DatoMinimo(i)->text().trimmed(), QString::number(attesi[i]));
+        // The live panel runs on the stream while the page is open.
+        QTRY_VERIFY_WITH_TIMEOUT(!pagina->findChild<QLabel *>("Dato_0")->text().isEmpty(), 2000);
+    }
+
+    void editApplyThenLeave_data()
+    {
+        QTest::addColumn<int>("risposta");
+        QTest::addColumn<bool>("tenuto");
+        QTest::newRow("yes keeps it") << 6 << true;
+        QTest::newRow("no puts the opening value back") << 7 << false;
+    }
+
+    void editApplyThenLeave()
+    {
+        QFETCH(int, risposta);
+        QFETCH(bool, tenuto);
+        apri();
+        const int prima = ram(Par::SogliaGiriEntrataMinimo);
+        const int nuovo = prima - 50;
+        QSignalSpy chiusa(pagina.get(), &TelaioMessaPunto::chiusa);
+        applica(0, nuovo);
+        QCOMPARE(ram(Par::SogliaGiriEntrataMinimo), nuovo);
+        QCOMPARE(eeprom(Par::SogliaGiriEntrataMinimo), prima);
+
+        rispostaEsci = risposta;
+        tasto("Esci")->click();
+        QVERIFY(libero());
+        QCOMPARE(chiusa.size(), 1);
+        QCOMPARE(ram(Par::SogliaGiriEntrataMinimo), tenuto ? nuovo : prima);
+        QCOMPARE(eeprom(Par::SogliaGiriEntrataMinimo), tenuto ? nuovo : prima);
+    }
+
+    void leavingUnchangedSendsNothing()
+    {
+        apri();
+        ricevuti.clear();
+        QSignalSpy chiusa(pagina.get(), &TelaioMessaPunto::chiusa);
+        tasto("Esci")->click();
+        QCOMPARE(chiusa.size(), 1);
+        QTest::qWait(200);
+        QVERIFY(ricevuti.isEmpty());
+    }
+
+    void refusedWriteStopsAtItsAddress()
+    {
+        apri();
+        const int giri = ram(Par::SogliaGiriUscitaMinimo);
+        const int tps = ram(Par::SogliaTpsUscitaMinimo);
+        ecu->impostaErroreScrittura(quint32(p->catalogo.Parametri[Par::SogliaTpsEntrataMinimo].IndirizzoRAM),
+                                    0x05);
+        applica(1, giri + 10);
+        QCOMPARE(pagina->findChild<QLabel *>("Segnalazione")->text(),
+                 "05H " + p->lingua.LeggiTesto("ERRORI", "ERR_05"));
+        QCOMPARE(ram(Par::SogliaGiriUscitaMinimo), giri + 10); // before the refusal
+        QCOMPARE(ram(Par::SogliaTpsUscitaMinimo), tps);        // after it: never sent
+        QVERIFY(pagina->isEnabled() && tasto("Esci")->isEnabled());
+    }
+};
+
+QTEST_MAIN(TstMpMinimoLinea)
+#include "tst_mpminimo_linea.moc"

@@ -1,0 +1,153 @@
+// The menu's rules without a widget: what each state of the ECU and each language file
+// leaves enabled, hidden or open, and the access word of the service mode.
+#include "base/Lingua.h"
+#include "link/StatoProgramma.h"
+#include "shell/InfoProgramma.h"
+#include "shell/Menu.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace kv;
+
+namespace {
+
+// Which entries are enabled, '1' or '0' over the visible ones.
+QString abilitate(const std::vector<Menu::Voce> &voci)
+{
+    QString s;
+    for (const Menu::Voce &v : voci) {
+        if (v.visibile)
+            s += v.abilitata ? u'1' : u'0';
+    }
+    return s;
+}
+
+} // namespace
+
+class TstMenu : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir cartella;
+    Lingua lingua;
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(
+            QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), cartella.filePath("ENGLISH.LNG")));
+        lingua = Lingua(cartella.path());
+        lingua.LeggiImpLingua();
+    }
+
+    void enabledFunctionsAndEntriesByEcuState_data()
+    {
+        QTest::addColumn<QList<int>>("flag"); // EcuNormale, EcuInMarcia, TpsPresente, ModoAssistenza
+        QTest::addColumn<int>("sceltaDopo");
+        QTest::addColumn<QString>("atteso"); // entries of each function, '-' for a function off
+        QTest::newRow("normal ECU") << QList<int>{-1, 1, -1, 0} << 3 << "11 11 11 11111 11111111111";
+        QTest::newRow("service mode") << QList<int>{-1, 1, -1, 1} << 3 << "11 11 111111111 11111 11111111111";
+        // After a 'g' frame: programming and utilities only, and the selection goes.
+        QTest::newRow("no application") << QList<int>{0, 1, -1, 0} << -1 << "10 - - - 01101100000";
+        // A status other than 0: no tuning, and only the sequence of the calibration entries.
+        QTest::newRow("calibration status") << QList<int>{-1, 0, -1, 0} << 3 << "11 11 - 00001 11111111111";
+        QTest::newRow("no TPS") << QList<int>{-1, 1, 0, 0} << 3 << "11 11 10 11111 11111111111";
+        QTest::newRow("no TPS, service")
+            << QList<int>{-1, 1, 0, 1} << 3 << "11 11 111101111 11111 11111111111";
+    }
+
+    void enabledFunctionsAndEntriesByEcuState()
+    {
+        QFETCH(QList<int>, flag);
+        QFETCH(int, sceltaDopo);
+        QFETCH(QString, atteso);
+        StatoProgramma stato;
+        stato.EcuNormale = qint16(flag[0]);
+        stato.EcuInMarcia = qint16(flag[1]);
+        stato.TpsPresente = qint16(flag[2]);
+        stato.ModoAssistenza = qint16(flag[3]);
+        stato.FunzioneScelta = 3;
+        const Menu::Funzioni f = Menu::AggiornaFunzioni(stato, lingua);
+        QCOMPARE(stato.FunzioneScelta, qint16(sceltaDopo));
+        QStringList voci;
+        for (int i = 0; i < Menu::NumeroFunzioni; ++i) {
+            QCOMPARE(f.abilitata[size_t(i)], Menu::FunzioneAbilitata(i, stato));
+            voci << (f.abilitata[size_t(i)] ? abilitate(Menu::Opzioni(i, stato, lingua)) : QString("-"));
+        }
+        QCOMPARE(voci.join(u' '), atteso);
+        // The one entry a missing TPS greys is the pump page.
+        for (const Menu::Voce &v : Menu::Opzioni(2, stato, lingua))
+            QCOMPARE(v.visibile && !v.abilitata, stato.TpsPresente == 0 && v.pagina == IdPagina::MP_Pompata);
+    }
+
+    void theLanguageFileSetsTheListsLength()
+    {
+        QTemporaryDir altra;
+        QFile f(altra.filePath("PROVA.LNG"));
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.write("[MainLambda]\r\nUTILITA.0=Version\r\nUTILITA.1=\r\nUTILITA.2=   \r\nUTILITA.3=Delete\r\n"
+                "PROGRAMMAZIONE.0=Software\r\nPROGRAMMAZIONE.1=Maps\r\nPROGRAMMAZIONE.2=Extra\r\n");
+        f.close();
+        Lingua prova(altra.path());
+        prova.LeggiImpLingua();
+        StatoProgramma stato;
+        const auto utilita = Menu::Opzioni(4, stato, prova);
+        QCOMPARE(abilitate(utilita), QStringLiteral("11"));
+        QVERIFY(utilita[3].visibile && !utilita[1].visibile && !utilita[2].visibile && !utilita[11].visibile);
+        // Text past the table's rows shows, but opens nothing.
+        const auto prog = Menu::Opzioni(0, stato, prova);
+        QVERIFY(prog[2].visibile && !prog[2].abilitata);
+        QCOMPARE(prog[2].pagina, IdPagina::Nessuna);
+        QVERIFY(Menu::Opzioni(5, stato, prova).empty());
+
+        Lingua nessuna(altra.filePath("manca"));
+        nessuna.LeggiImpLingua();
+        QVERIFY(Menu::AggiornaFunzioni(stato, nessuna).caption[0].isEmpty());
+        for (int i = 0; i < Menu::NumeroFunzioni; ++i)
+            QVERIFY(abilitate(Menu::Opzioni(i, stato, nessuna)).isEmpty());
+    }
+
+    void accessWord_data()
+    {
+        QTest::addColumn<qint16>("modo");
+        QTest::addColumn<QString>("parola");
+        QTest::addColumn<int>("esito");
+        QTest::addColumn<qint16>("modoDopo");
+        using E = Menu::EsitoParola;
+        QTest::newRow("upper") << qint16(0) << "TORBA" << int(E::Assistenza) << qint16(1);
+        QTest::newRow("lower") << qint16(0) << "torba" << int(E::Assistenza) << qint16(1);
+        QTest::newRow("mixed, already in service") << qint16(1) << "ToRbA" << int(E::Assistenza) << qint16(1);
+        QTest::newRow("wrong in service: silent exit") << qint16(1) << "torb" << int(E::Normale) << qint16(0);
+        QTest::newRow("empty in service") << qint16(1) << "" << int(E::Normale) << qint16(0);
+        QTest::newRow("wrong in normal") << qint16(0) << "TORBA " << int(E::Errata) << qint16(0);
+    }
+
+    void accessWord()
+    {
+        QFETCH(qint16, modo);
+        QFETCH(QString, parola);
+        QFETCH(int, esito);
+        QFETCH(qint16, modoDopo);
+        StatoProgramma stato;
+        stato.ModoAssistenza = modo;
+        QCOMPARE(int(Menu::VerificaParola(stato, parola)), esito);
+        QCOMPARE(stato.ModoAssistenza, modoDopo);
+    }
+
+    void versionNumber()
+    {
+        const QList<std::pair<const char *, const char *>> casi = {{"1.2.7", "1.02"},  {"0.1.0", "0.01"},
+                                                                   {"12.34", "12.34"}, {"3", "3.00"},
+                                                                   {"x.y", "0.00"},    {"", "0.00"}};
+        for (const auto &[testo, numero] : casi)
+            QCOMPARE(InfoProgramma::NumeroVersione(testo), QString(numero));
+        const QString riga = InfoProgramma::TestoVersione("  Version ");
+        QVERIFY(riga.startsWith(QStringLiteral("Version ") + InfoProgramma::NumeroVersione()));
+        QVERIFY(riga.endsWith(InfoProgramma::Descrizione()));
+    }
+};
+
+QTEST_GUILESS_MAIN(TstMenu)
+#include "tst_menu.moc"
