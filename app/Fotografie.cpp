@@ -123,7 +123,7 @@ int main(int argc, char *argv[])
         finestra.ChiudiPagina(pagina);
     }
 
-    const auto linkLibero = [&] { return programma.motore.StatoDialogo == -1; };
+    const auto linkLibero = [&] { return programma.motore.StatoDialogo() == -1; };
     if (QWidget *pagina = finestra.apriPagina(IdPagina::MP_Minimo)) {
         attendi(linkLibero, 5000);
         pausa(600); // a few live frames into the panel

@@ -33,12 +33,9 @@ public:
     Lettore(MotoreDialogo &m, QEventLoop &fine) : motore(m), ciclo(fine) {}
     void risposta(char, int, const QByteArray &) override
     {
-        motore.timeOutReq().setEnabled(false);
         ++risposte;
-        if (!motore.continua()) {
-            motore.termina();
+        if (motore.prosegui() == MotoreDialogo::Seguito::Concluso)
             ciclo.quit();
-        }
     }
     void scadenza(int) override
     {
@@ -156,7 +153,10 @@ int main(int argc, char *argv[])
     inizioRichiesta.clear();
     QElapsedTimer t;
     t.start();
-    p.motore.avvia(1, MotoreDialogo::IntervalloLettura);
+    if (!p.motore.avvia(1, MotoreDialogo::IntervalloLettura)) {
+        std::fprintf(stderr, "the port closed before the reads\n");
+        return 1;
+    }
     ciclo.exec();
     const double trascorsi = static_cast<double>(t.nsecsElapsed()) / 1e9;
     p.porta.chiudi();

@@ -109,7 +109,7 @@ int main(int argc, char *argv[])
         QElapsedTimer t;
         t.start();
         pagina.carica();
-        if (p.motore.StatoDialogo != -1)
+        if (p.motore.StatoDialogo() != -1)
             ciclo.exec();
         tempi.push_back(static_cast<double>(t.nsecsElapsed()) / 1e6);
         flussi.push_back(secondiSulFilo(byteFlusso - flussoPrima) * 1000.0);

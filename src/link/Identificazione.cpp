@@ -2,7 +2,6 @@
 
 #include "link/Frame.h"
 #include "link/StatoProgramma.h"
-#include "link/Temporizzatore.h"
 #include "variables/Catalogo.h"
 #include "variables/Conversioni.h"
 
@@ -49,7 +48,7 @@ Identificazione::~Identificazione()
 
 void Identificazione::avvia()
 {
-    if (m_motore.StatoDialogo != -1)
+    if (m_motore.StatoDialogo() != -1)
         return;
     m_stato.EcuNormale = -1;
     emit aggiornaMenu();
@@ -64,7 +63,8 @@ void Identificazione::avvia()
     if (!m_motore.PortOpen())
         return;
     emit frameAbilitato(false);
-    m_motore.avvia(StatoVersione, MotoreDialogo::IntervalloLettura);
+    if (!m_motore.avvia(StatoVersione, MotoreDialogo::IntervalloLettura))
+        emit frameAbilitato(true);
 }
 
 void Identificazione::RispostaVita()
@@ -80,7 +80,7 @@ void Identificazione::risposta(char lettera, int stato, const QByteArray &payloa
     else if (lettera == 'r' && stato == StatoLetture)
         rispostaLettura(payload);
     else if (lettera == 'e')
-        fine(false); // refused: the next live frame tries again
+        fine(false); // refused: the engine frees the link, the next live frame tries again
 }
 
 void Identificazione::scadenza(int)
@@ -91,22 +91,19 @@ void Identificazione::scadenza(int)
 
 void Identificazione::RispostaVersione(const QByteArray &payload)
 {
-    m_motore.timeOutReq().setEnabled(false);
     m_stato.InfVeicolo = campo(payload, 2, 10);
     m_stato.InfData = campo(payload, 12, 10);
     m_stato.InfCodice = campo(payload, 22, 14);
     m_stato.InfDatoA = campo(payload, 36, 10);
     m_stato.InfDatoB = campo(payload, 46, 4);
 
-    m_motore.StatoDialogo = StatoLetture;
-    if (!m_motore.inviaProssimo())
+    if (m_motore.passaA(StatoLetture) == MotoreDialogo::Seguito::Concluso)
         fine(true);
 }
 
 void Identificazione::rispostaLettura(const QByteArray &payload)
 {
-    m_motore.timeOutReq().setEnabled(false);
-    const int passo = m_motore.PassoDialogo;
+    const int passo = m_motore.PassoDialogo();
     if (passo >= 0 && passo < static_cast<int>(std::size(Letture))) {
         const int indice = Letture[passo].indice;
         Parametro &p = m_catalogo.Parametri[static_cast<size_t>(indice)];
@@ -128,15 +125,12 @@ void Identificazione::rispostaLettura(const QByteArray &payload)
             break;
         }
     }
-    if (!m_motore.continua()) {
-        m_motore.PassoDialogo = -1;
+    if (m_motore.prosegui() == MotoreDialogo::Seguito::Concluso)
         fine(true);
-    }
 }
 
 void Identificazione::fine(bool completata)
 {
-    m_motore.termina();
     emit frameAbilitato(true);
     if (completata) {
         m_stato.EcuDaIdentificare = 0;

@@ -39,6 +39,7 @@ signals:
 private:
     void RispostaVersione(const QByteArray &payload);
     void rispostaLettura(const QByteArray &payload);
+    // After the link is free: the frame enabled again, and the ECU known when completata.
     void fine(bool completata);
 
     StatoProgramma &m_stato;

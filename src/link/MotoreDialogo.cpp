@@ -4,6 +4,10 @@
 #include "link/TabellaStati.h"
 #include "link/Temporizzatore.h"
 
+#include <QDebug>
+
+#include <exception>
+
 namespace kv {
 
 MotoreDialogo::MotoreDialogo(Porta &porta, Temporizzatore &timeOutReq, RegistroFrame *registro,
@@ -40,10 +44,10 @@ GestoreStati *MotoreDialogo::gestore(int stato) const
 
 void MotoreDialogo::IniDialogo()
 {
-    StatoDialogo = -1;
-    PassoDialogo = 0;
-    CodaTx.clear();
-    UltimoFrame = {};
+    m_statoDialogo = -1;
+    m_passoDialogo = 0;
+    m_codaTx.clear();
+    m_ultimoFrame = {};
     m_timeOutReq.setEnabled(false);
 }
 
@@ -56,49 +60,65 @@ bool MotoreDialogo::avvia(int stato, int intervallo)
 {
     if (!m_porta.PortOpen())
         return false;
-    PassoDialogo = 0;
+    m_passoDialogo = 0;
     emit cursoreAttesa(true);
-    StatoDialogo = static_cast<qint16>(stato);
+    m_statoDialogo = static_cast<qint16>(stato);
     m_timeOutReq.setInterval(intervallo);
-    try {
-        inviaProssimo();
-    } catch (const ErroreInvio &) {
+    // A refused frame has armed the trap: the dialogue is under way all the same.
+    (void)inviaProssimo(false);
+    return true;
+}
+
+MotoreDialogo::Seguito MotoreDialogo::inviaProssimo(bool contaPasso)
+{
+    m_ultimoFrame = InviaProssimo(m_codaTx, m_registro);
+    if (!m_ultimoFrame.Valido)
+        return Seguito::Concluso;
+    if (contaPasso)
+        ++m_passoDialogo;
+    if (!m_porta.scrivi(m_ultimoFrame.Byte)) {
         armaTrappola();
+        return Seguito::Trappola;
     }
-    return true;
+    m_timeOutReq.setEnabled(true);
+    return Seguito::Inviato;
 }
 
-bool MotoreDialogo::inviaProssimo()
+MotoreDialogo::Seguito MotoreDialogo::prosegui()
 {
-    UltimoFrame = InviaProssimo(CodaTx, m_registro);
-    if (!UltimoFrame.Valido)
-        return false;
-    scrivi(UltimoFrame.Byte);
-    m_timeOutReq.setEnabled(true);
-    return true;
+    m_timeOutReq.setEnabled(false);
+    const Seguito seguito = inviaProssimo(true);
+    if (seguito == Seguito::Concluso)
+        termina();
+    return seguito;
 }
 
-bool MotoreDialogo::continua()
+MotoreDialogo::Seguito MotoreDialogo::passaA(int stato)
 {
-    UltimoFrame = InviaProssimo(CodaTx, m_registro);
-    if (!UltimoFrame.Valido)
-        return false;
-    ++PassoDialogo;
-    scrivi(UltimoFrame.Byte);
-    m_timeOutReq.setEnabled(true);
-    return true;
+    m_timeOutReq.setEnabled(false);
+    const qint16 prima = m_statoDialogo;
+    m_statoDialogo = static_cast<qint16>(stato);
+    m_passoDialogo = 0;
+    const Seguito seguito = inviaProssimo(false);
+    if (seguito == Seguito::Trappola)
+        m_statoDialogo = prima; // the time-out belongs to the state whose reply came
+    else if (seguito == Seguito::Concluso)
+        termina();
+    return seguito;
 }
 
 void MotoreDialogo::termina()
 {
     emit cursoreAttesa(false);
-    StatoDialogo = -1;
+    m_statoDialogo = -1;
+    m_passoDialogo = -1;
 }
 
-void MotoreDialogo::scrivi(const QByteArray &bytes)
+void MotoreDialogo::abbandona()
 {
-    if (!m_porta.scrivi(bytes))
-        throw ErroreInvio{};
+    m_timeOutReq.setEnabled(false);
+    emit cursoreAttesa(false);
+    m_statoDialogo = -1;
 }
 
 void MotoreDialogo::armaTrappola()
@@ -106,6 +126,20 @@ void MotoreDialogo::armaTrappola()
     m_timeOutReq.setEnabled(false);
     m_timeOutReq.setInterval(IntervalloTrappola);
     m_timeOutReq.setEnabled(true);
+}
+
+template <typename F>
+bool MotoreDialogo::protetto(const char *cosa, int stato, F &&f)
+{
+    try {
+        f();
+        return true;
+    } catch (const std::exception &e) {
+        qWarning("%s in dialogue state %d failed: %s", cosa, stato, e.what());
+    } catch (...) {
+        qWarning("%s in dialogue state %d failed: unknown exception", cosa, stato);
+    }
+    return false;
 }
 
 void MotoreDialogo::instrada(const QByteArray &payload)
@@ -130,47 +164,40 @@ void MotoreDialogo::instrada(const QByteArray &payload)
         return;
     }
 
-    const qint16 statoIngresso = StatoDialogo;
+    const qint16 statoIngresso = m_statoDialogo;
     const bool erroreEcu =
         lettera == 'e' && (payload.size() < 2 || static_cast<quint8>(payload.at(1)) != 0xFF);
     if (!erroreEcu && TabellaStati::rispostaAttesa(statoIngresso) != lettera)
         return; // a late or stray reply: the state does not wait for it
     GestoreStati *g = gestore(statoIngresso);
     if (!g) {
-        if (erroreEcu) {
-            m_timeOutReq.setEnabled(false);
-            emit cursoreAttesa(false);
-            StatoDialogo = -1;
-        }
+        if (erroreEcu)
+            abbandona();
         return;
     }
     if (erroreEcu) {
         m_timeOutReq.setEnabled(false);
         emit cursoreAttesa(false);
     }
-    try {
-        g->risposta(lettera, statoIngresso, payload);
-    } catch (...) {
+    if (!protetto("Reply handler", statoIngresso, [&] { g->risposta(lettera, statoIngresso, payload); })) {
         // Whatever went wrong, the dialogue ends as if the reply had not come.
-        StatoDialogo = statoIngresso;
+        m_statoDialogo = statoIngresso;
         armaTrappola();
         return;
     }
     // A refusal by the ECU always ends the dialogue; what is left queued stays unsent.
     if (erroreEcu)
-        StatoDialogo = -1;
+        m_statoDialogo = -1;
 }
 
 void MotoreDialogo::scadenzaTimeOutReq()
 {
     m_timeOutReq.setEnabled(false);
     emit cursoreAttesa(false);
-    if (GestoreStati *g = gestore(StatoDialogo)) {
-        try {
-            g->scadenza(StatoDialogo);
-        } catch (...) {}
-    }
-    StatoDialogo = -1;
+    const qint16 stato = m_statoDialogo;
+    if (GestoreStati *g = gestore(stato))
+        (void)protetto("Time-out handler", stato, [&] { g->scadenza(stato); });
+    m_statoDialogo = -1;
 }
 
 } // namespace kv

@@ -25,13 +25,10 @@ public:
     virtual void scadenza(int stato) = 0;
 };
 
-// Thrown by a send that the port refused; the engine turns it into a short time-out.
-struct ErroreInvio
-{};
-
-// Strict stop-and-wait: one request on the line, then its reply or a time-out. A page
-// fills the queue, sets a state of its own and sends the first frame; the reply handlers
-// carry on from there. Nothing is ever sent twice.
+// Strict stop-and-wait: one request on the line, then its reply or a time-out. An owner
+// fills the queue and starts a dialogue in a state of its own; its reply handlers carry on
+// from there through prosegui(). Nothing is ever sent twice, and only the engine writes
+// the dialogue's state.
 class MotoreDialogo : public QObject
 {
     Q_OBJECT
@@ -39,30 +36,49 @@ public:
     static constexpr int IntervalloLettura = 5000;
     static constexpr int IntervalloTrappola = 200;
 
+    // What became of a dialogue after one of its steps.
+    enum class Seguito {
+        Inviato,  // the next frame is on the line, the reply timer armed
+        Trappola, // the port refused it: the time-out follows in IntervalloTrappola
+        Concluso  // the queue was empty: the dialogue has ended and the link is free
+    };
+
     MotoreDialogo(Porta &porta, Temporizzatore &timeOutReq, RegistroFrame *registro = nullptr,
                   QObject *parent = nullptr);
 
+    // The owner of the group of ten states that holds stato.
     void registra(int stato, GestoreStati *gestore);
+    // Forgets an owner in every group it held.
     void rimuovi(GestoreStati *gestore);
 
+    // Link free, queue and last frame empty, timer off: the state at start-up.
     void IniDialogo();
 
-    // Step 1 of a dialogue: the page empties the queue and appends its requests.
-    void svuotaCoda() { CodaTx.clear(); }
-    void accoda(const QByteArray &dati) { CodaTx.append(CreaFrame(dati, -1)); }
+    // Empties the queue: the first step of every dialogue.
+    void svuotaCoda() { m_codaTx.clear(); }
+    // Appends one request, framed for the ECU.
+    void accoda(const QByteArray &dati) { m_codaTx.append(CreaFrame(dati, -1)); }
 
-    // Steps 2 to 5. False when the port is closed: nothing is set and nothing is sent.
-    // The owner disables its page when this returns true.
-    bool avvia(int stato, int intervallo);
+    // Step 0, hourglass, the state, the interval, the first frame, the timer. False when the
+    // port is closed: nothing is set and nothing is sent. A refused first frame still starts
+    // the dialogue, which the trap then ends as a time-out.
+    [[nodiscard]] bool avvia(int stato, int intervallo);
 
-    // Next frame of the queue onto the line, timer armed. False when the queue is empty.
-    bool inviaProssimo();
-    // The same, counting the step: the continuation of a reply handler.
-    bool continua();
-    // End of a dialogue: cursor back, link free.
+    // The continuation of a reply handler: timer stopped, then the next frame as the next
+    // step, or, with the queue empty, termina(). The handler finishes its own work only on
+    // Concluso.
+    [[nodiscard]] Seguito prosegui();
+    // The same, moving on to another state of the same owner, whose steps count from 0.
+    // A refused frame leaves the dialogue in the state it came from.
+    [[nodiscard]] Seguito passaA(int stato);
+
+    // Normal end of a dialogue: cursor back, no step, link free.
     void termina();
+    // What a time-out or an emergency does: timer stopped, cursor back, link free; whatever
+    // is still queued stays there until the next dialogue empties it.
+    void abbandona();
 
-    bool PortOpen() const;
+    [[nodiscard]] bool PortOpen() const;
 
     // Entry point of every good frame but 'd' and 'g', which have owners of their own.
     void instrada(const QByteArray &payload);
@@ -70,19 +86,24 @@ public:
     void impostaGestoreDati(std::function<void(const QByteArray &)> f) { m_gestoreDati = std::move(f); }
     void impostaGestoreVita(std::function<void()> f) { m_gestoreVita = std::move(f); }
 
-    Temporizzatore &timeOutReq() { return m_timeOutReq; }
-
-    qint16 StatoDialogo = -1;
-    qint16 PassoDialogo = 0;
-    QByteArray CodaTx;
-    FrameUscita UltimoFrame;
+    // The dialogue in progress, -1 when the link is free.
+    [[nodiscard]] qint16 StatoDialogo() const { return m_statoDialogo; }
+    // The frame in flight inside the dialogue, 0 for the first, -1 after a normal end.
+    [[nodiscard]] qint16 PassoDialogo() const { return m_passoDialogo; }
+    // Whole frames still to send.
+    [[nodiscard]] const QByteArray &CodaTx() const { return m_codaTx; }
+    // The frame last taken from the queue.
+    [[nodiscard]] const FrameUscita &UltimoFrame() const { return m_ultimoFrame; }
 
 signals:
     void cursoreAttesa(bool attesa);
 
 private:
-    void scrivi(const QByteArray &bytes);
+    Seguito inviaProssimo(bool contaPasso);
     void armaTrappola();
+    // Runs a handler; what it throws is logged and reported as false.
+    template <typename F>
+    bool protetto(const char *cosa, int stato, F &&f);
     void scadenzaTimeOutReq();
     GestoreStati *gestore(int stato) const;
 
@@ -92,6 +113,11 @@ private:
     std::array<GestoreStati *, 40> m_gestori{};
     std::function<void(const QByteArray &)> m_gestoreDati;
     std::function<void()> m_gestoreVita;
+
+    qint16 m_statoDialogo = -1;
+    qint16 m_passoDialogo = 0;
+    QByteArray m_codaTx;
+    FrameUscita m_ultimoFrame;
 };
 
 } // namespace kv

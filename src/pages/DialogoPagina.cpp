@@ -3,7 +3,6 @@
 #include "base/Lingua.h"
 #include "link/Frame.h"
 #include "link/StatoProgramma.h"
-#include "link/Temporizzatore.h"
 #include "pages/PannelloLive.h"
 #include "pages/PianiLettura.h"
 #include "pages/VistaPagina.h"
@@ -90,7 +89,7 @@ void DialogoPagina::ApplicaValori(int origine, int stato, bool ram, bool eeprom)
     }
     if (!m_motore.PortOpen())
         return;
-    if (m_motore.CodaTx.isEmpty()) {
+    if (m_motore.CodaTx().isEmpty()) {
         // Nothing the asked memory can take (an EEPROM-only page saved to RAM): the save
         // is over before it began, and leaving still leaves.
         fineScrittura(stato);
@@ -98,7 +97,8 @@ void DialogoPagina::ApplicaValori(int origine, int stato, bool ram, bool eeprom)
     }
     m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_4"));
     m_vista.abilitaPagina(false);
-    m_motore.avvia(stato, MotoreDialogo::IntervalloLettura);
+    if (!m_motore.avvia(stato, MotoreDialogo::IntervalloLettura))
+        m_vista.abilitaPagina(true);
 }
 
 bool DialogoPagina::ControlloCambiamenti() const
@@ -220,13 +220,12 @@ void DialogoPagina::erroreEcu(int stato, const QByteArray &payload)
 
 void DialogoPagina::rispostaLettura(const QByteArray &payload)
 {
-    m_motore.timeOutReq().setEnabled(false);
     if (m_descrizione.zonaLavoro)
         m_vista.mostraZonaLavoro(TestoZona(m_lingua, m_stato.DatiAttuali[0].Valore[7]));
-    const int passo = m_motore.PassoDialogo;
+    const int passo = m_motore.PassoDialogo();
     if (m_piano && passo >= 0 && passo < static_cast<int>(m_piano->righe.size()))
         gestisciRiga(m_piano->righe[static_cast<size_t>(passo)], payload);
-    if (!m_motore.continua())
+    if (m_motore.prosegui() == MotoreDialogo::Seguito::Concluso)
         fineLettura();
 }
 
@@ -316,24 +315,18 @@ void DialogoPagina::fineLettura()
 {
     m_vista.mostraSegnalazione({});
     m_vista.abilitaPagina(true);
-    m_motore.PassoDialogo = -1;
-    m_motore.termina();
 }
 
 void DialogoPagina::rispostaScrittura(int stato)
 {
-    m_motore.timeOutReq().setEnabled(false);
-    if (m_motore.continua())
-        return;
-    fineScrittura(stato);
+    if (m_motore.prosegui() == MotoreDialogo::Seguito::Concluso)
+        fineScrittura(stato);
 }
 
 void DialogoPagina::fineScrittura(int stato)
 {
     m_vista.mostraSegnalazione({});
     m_vista.abilitaPagina(true);
-    if (m_motore.StatoDialogo == stato)
-        m_motore.termina();
     // Last: closing may take the page, and this object with it, away.
     if (stato == primoStato() + 2)
         m_vista.chiudiPagina();

@@ -76,6 +76,7 @@ private:
     void leggiVoce(int parametro, const QByteArray &byte);
     void aggiornaLimiti(int parametro, double valore, Occasione occasione);
     void mostraSuggerimento(int parametro);
+    // The page's side of an ended read or save; the engine has freed the link already.
     void fineLettura();
     void fineScrittura(int stato);
 

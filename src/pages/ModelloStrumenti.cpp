@@ -2,7 +2,6 @@
 
 #include "base/FileIni.h"
 #include "link/Frame.h"
-#include "link/Temporizzatore.h"
 #include "pages/PannelloLive.h"
 #include "shell/Programma.h"
 #include "variables/Conversioni.h"
@@ -84,7 +83,7 @@ void ModelloStrumenti::chiudi()
 
 bool ModelloStrumenti::inLettura() const
 {
-    return m_programma.motore.StatoDialogo == Stato;
+    return m_programma.motore.StatoDialogo() == Stato;
 }
 
 double ModelloStrumenti::valore(int passo) const
@@ -167,8 +166,7 @@ void ModelloStrumenti::risposta(char lettera, int stato, const QByteArray &paylo
     if (lettera != 'r')
         return;
     MotoreDialogo &m = m_programma.motore;
-    m.timeOutReq().setEnabled(false);
-    const int passo = m.PassoDialogo;
+    const int passo = m.PassoDialogo();
     const int p = parametro(passo);
     if (p >= 0) {
         Catalogo &c = m_programma.catalogo;
@@ -176,11 +174,8 @@ void ModelloStrumenti::risposta(char lettera, int stato, const QByteArray &paylo
         c.registraLettura(p, c.daGrezzo(p, NumeroBE(payload.mid(1, dimensione))));
         emit valoreLetto(passo);
     }
-    if (m.continua())
-        return;
-    m.PassoDialogo = -1;
-    m.termina();
-    fine(true);
+    if (m.prosegui() == MotoreDialogo::Seguito::Concluso)
+        fine(true);
 }
 
 void ModelloStrumenti::scadenza(int)

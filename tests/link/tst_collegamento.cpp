@@ -94,7 +94,7 @@ private slots:
         QCOMPARE(p->stato.InfDatoA, QString::fromLatin1(v.datoA));
         QCOMPARE(p->stato.InfDatoB, QString::fromLatin1(v.datoB));
         QCOMPARE(p->stato.TpsPresente, qint16(-1));
-        QCOMPARE(p->motore.StatoDialogo, qint16(-1));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
 
         Raccoglitore r;
         p->datiLive.aggiungiAscoltatore(&r);
@@ -143,10 +143,10 @@ private slots:
     void unansweredVersionFreesTheLinkAndIsAskedAgain()
     {
         avvia({}, [](EcuSimulata &e) { e.scartaOgniNRisposte(1); });
-        QTRY_COMPARE_WITH_TIMEOUT(p->motore.StatoDialogo, qint16(111), 2000);
+        QTRY_COMPARE_WITH_TIMEOUT(p->motore.StatoDialogo(), qint16(111), 2000);
         QSignalSpy frame(&p->identificazione, &Identificazione::frameAbilitato);
         QTest::qWait(4000);
-        QCOMPARE(p->motore.StatoDialogo, qint16(111)); // no retry inside the wait
+        QCOMPARE(p->motore.StatoDialogo(), qint16(111)); // no retry inside the wait
         ecu->scartaOgniNRisposte(0);
         QTRY_VERIFY_WITH_TIMEOUT(!frame.isEmpty(), 2000);
         QCOMPARE(frame.first().at(0).toBool(), true);
@@ -168,7 +168,7 @@ private slots:
         avvia(o);
         QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuNormale, qint16(0), 2000);
         QCOMPARE(p->stato.EcuDaIdentificare, qint16(-1));
-        QCOMPARE(p->motore.StatoDialogo, qint16(-1));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
     }
 
     void noiseAndBadChecksumsLoseOnlyTheFramesTheyHit()

@@ -85,7 +85,7 @@ private slots:
     {
         QSignalSpy frame(&p->identificazione, &Identificazione::frameAbilitato);
         arriva(datiLive(0, 800, 100, 500, 1, 0));
-        QCOMPARE(p->motore.StatoDialogo, qint16(111));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(111));
         QCOMPARE(porta->scritti, QByteArrayList{CreaFrame("V")});
         QCOMPARE(req->interval(), 5000);
         QVERIFY(!dati->isEnabled()); // no watchdog during identification
@@ -93,7 +93,7 @@ private slots:
         QCOMPARE(frame.at(0).at(0).toBool(), false);
 
         arriva(versione());
-        QCOMPARE(p->motore.StatoDialogo, qint16(112));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(112));
         QCOMPARE(porta->scritti.last(), CreaFrame(QByteArray("R\xC1\x12\x02", 4)));
         QCOMPARE(p->stato.InfVeicolo, QString("VEICOLO-01"));
         QCOMPARE(p->stato.InfData, QString("2026-11-01"));
@@ -109,7 +109,7 @@ private slots:
         QCOMPARE(porta->scritti.last(), CreaFrame(QByteArray("R\x01\x09\x01", 4)));
         arriva(QByteArray("r\x00", 2));
         QCOMPARE(porta->scritti.size(), 5);
-        QCOMPARE(p->motore.StatoDialogo, qint16(-1));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
         QCOMPARE(p->stato.EcuDaIdentificare, qint16(0));
         QCOMPARE(p->stato.TpsPresente, qint16(-1));
         QCOMPARE(p->stato.TipoTpsPresente, qint16(1));
@@ -154,7 +154,7 @@ private slots:
         p->motore.accoda("V");
         QVERIFY(p->motore.avvia(1, 5000));
         arriva(datiLive(0, 800, 100, 500, 1, 0));
-        QCOMPARE(p->motore.StatoDialogo, qint16(1));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(1));
         QCOMPARE(porta->scritti.size(), 1);
         QCOMPARE(p->stato.EcuDaIdentificare, qint16(-1));
     }
@@ -166,7 +166,7 @@ private slots:
         QVERIFY(req->scatta());
         QCOMPARE(frame.size(), 1);
         QCOMPARE(frame.at(0).at(0).toBool(), true);
-        QCOMPARE(p->motore.StatoDialogo, qint16(-1));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
         QCOMPARE(p->stato.EcuDaIdentificare, qint16(-1));
         arriva(versione()); // too late: dropped
         QCOMPARE(porta->scritti.size(), 1);
@@ -188,7 +188,7 @@ private slots:
         QCOMPARE(p->stato.EcuInMarcia, qint16(1));
         QVERIFY(!dati->isEnabled());
         arriva(datiLive(0, 800, 100, 500, 1, 0));
-        QCOMPARE(p->motore.StatoDialogo, qint16(111));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(111));
     }
 
     void statusOtherThanZeroLeavesRunningAndDropsTheRunningFunction()

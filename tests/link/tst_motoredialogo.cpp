@@ -19,9 +19,7 @@ public:
         risposte.append(QByteArray(1, lettera) + QByteArray::number(stato) + ":" + payload.mid(1).toHex());
         if (lettera == 'e' && static_cast<quint8>(payload.at(1)) != 0xFF)
             return;
-        motore.timeOutReq().setEnabled(false);
-        if (!motore.continua())
-            motore.termina();
+        (void)motore.prosegui();
     }
     void scadenza(int stato) override { scadenze.append(stato); }
 
@@ -73,7 +71,7 @@ private slots:
         porta->chiudi();
         motore->accoda("V");
         QVERIFY(!motore->avvia(1, 5000));
-        QCOMPARE(motore->StatoDialogo, qint16(-1));
+        QCOMPARE(motore->StatoDialogo(), qint16(-1));
         QVERIFY(porta->scritti.isEmpty());
         QVERIFY(!timer->isEnabled());
     }
@@ -81,18 +79,18 @@ private slots:
     void dialogueRunsFrameByFrameAndFreesTheLink()
     {
         treLetture();
-        QCOMPARE(motore->StatoDialogo, qint16(1));
+        QCOMPARE(motore->StatoDialogo(), qint16(1));
         QCOMPARE(timer->interval(), 5000);
         QVERIFY(timer->isEnabled());
         QCOMPARE(porta->scritti.size(), 1);
 
         motore->instrada(daEcu("r\x0A"));
         QCOMPARE(porta->scritti.size(), 2);
-        QCOMPARE(motore->PassoDialogo, qint16(1));
+        QCOMPARE(motore->PassoDialogo(), qint16(1));
         motore->instrada(daEcu("r\x0B"));
         motore->instrada(daEcu("r\x0C"));
         QCOMPARE(porta->scritti.size(), 3);
-        QCOMPARE(motore->StatoDialogo, qint16(-1));
+        QCOMPARE(motore->StatoDialogo(), qint16(-1));
         QCOMPARE(pagina->risposte, (QByteArrayList{"r1:0a", "r1:0b", "r1:0c"}));
     }
 
@@ -101,10 +99,10 @@ private slots:
         treLetture();
         QVERIFY(timer->scatta());
         QCOMPARE(pagina->scadenze, QList<int>{1});
-        QCOMPARE(motore->StatoDialogo, qint16(-1));
+        QCOMPARE(motore->StatoDialogo(), qint16(-1));
         QVERIFY(!timer->isEnabled());
         QCOMPARE(porta->scritti.size(), 1); // no retry
-        QVERIFY(!motore->CodaTx.isEmpty());
+        QVERIFY(!motore->CodaTx().isEmpty());
     }
 
     void lateReplyAfterTimeOutChangesNothing()
@@ -114,7 +112,7 @@ private slots:
         motore->instrada(daEcu("r\x0A"));
         QVERIFY(pagina->risposte.isEmpty());
         QCOMPARE(porta->scritti.size(), 1);
-        QCOMPARE(motore->StatoDialogo, qint16(-1));
+        QCOMPARE(motore->StatoDialogo(), qint16(-1));
     }
 
     void replyOfTheWrongKindIsDropped()
@@ -123,7 +121,7 @@ private slots:
         motore->instrada(daEcu("e\xFF")); // a write acknowledgement in a read state
         motore->instrada(daEcu("v1234"));
         QVERIFY(pagina->risposte.isEmpty());
-        QCOMPARE(motore->StatoDialogo, qint16(1));
+        QCOMPARE(motore->StatoDialogo(), qint16(1));
         QVERIFY(timer->isEnabled());
     }
 
@@ -132,12 +130,12 @@ private slots:
         treLetture();
         porta->rifiutaScritture = true;
         motore->instrada(daEcu("r\x0A"));
-        QCOMPARE(motore->StatoDialogo, qint16(1));
+        QCOMPARE(motore->StatoDialogo(), qint16(1));
         QCOMPARE(timer->interval(), MotoreDialogo::IntervalloTrappola);
         QVERIFY(timer->isEnabled());
         timer->scatta();
         QCOMPARE(pagina->scadenze, QList<int>{1});
-        QCOMPARE(motore->StatoDialogo, qint16(-1));
+        QCOMPARE(motore->StatoDialogo(), qint16(-1));
 
         // The same at the very first frame of a dialogue.
         porta->rifiutaScritture = true;
@@ -157,7 +155,7 @@ private slots:
         QCOMPARE(dati, 5);
         QVERIFY(timer->isEnabled());
         QCOMPARE(timer->interval(), 1234);
-        QCOMPARE(motore->StatoDialogo, qint16(1));
+        QCOMPARE(motore->StatoDialogo(), qint16(1));
     }
 
     void faultCodeEndsTheDialogueInAnyState()
@@ -165,7 +163,7 @@ private slots:
         treLetture();
         motore->instrada(daEcu("e\x05"));
         QCOMPARE(pagina->risposte, QByteArrayList{"e1:05"});
-        QCOMPARE(motore->StatoDialogo, qint16(-1));
+        QCOMPARE(motore->StatoDialogo(), qint16(-1));
         QVERIFY(!timer->isEnabled());
         QCOMPARE(porta->scritti.size(), 1);
     }
@@ -176,7 +174,7 @@ private slots:
         QVERIFY(motore->avvia(399, 5000));
         timer->scatta();
         QVERIFY(pagina->scadenze.isEmpty());
-        QCOMPARE(motore->StatoDialogo, qint16(-1));
+        QCOMPARE(motore->StatoDialogo(), qint16(-1));
     }
 
     void ownersAreFoundByTheirGroupOfTen()

@@ -111,9 +111,9 @@ class TstDialogoPagina : public QObject
     bool attendi()
     {
         QDeadlineTimer scadenza(3000);
-        while (p->motore.StatoDialogo != -1 && !scadenza.hasExpired())
+        while (p->motore.StatoDialogo() != -1 && !scadenza.hasExpired())
             QCoreApplication::processEvents();
-        return p->motore.StatoDialogo == -1;
+        return p->motore.StatoDialogo() == -1;
     }
 
     void crea(const DescrizionePagina &d)
@@ -366,7 +366,7 @@ private slots:
         QVERIFY(porta->scritti.isEmpty());
         QCOMPARE(val(Par::SogliaGiriEntrataMinimo).Letto, -1.0);
         QCOMPARE(vista.disabilitazioni, 0);
-        QCOMPARE(p->motore.StatoDialogo, qint16(-1));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
     }
 
     void everyPageReadsAndWritesInItsOrder_data()
@@ -459,7 +459,7 @@ private slots:
         dialogo->RispostaEsci(2); // cancel: the page stays and nothing is sent
         QVERIFY(porta->scritti.isEmpty());
         QCOMPARE(vista.chiusure, 1);
-        QCOMPARE(p->motore.StatoDialogo, qint16(-1));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
     }
 
     void periodFieldCountsAsAChangeAndZeroFails()
@@ -550,7 +550,7 @@ private slots:
         crea(DescrizioneMinimo());
         QVERIFY(dialogo->avviaLettura());
         emit porta->arrivati(CreaFrame(QByteArray("e\x03", 2), 0));
-        QCOMPARE(p->motore.StatoDialogo, qint16(-1));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
         QVERIFY(vista.emergenza);
         QVERIFY(vista.abilitata);
         QVERIFY(vista.segnalazioni.last().startsWith("03H "));
@@ -586,10 +586,10 @@ private slots:
             else
                 dialogo->RispostaEsci(DialogoPagina::RispostaSi);
         }
-        QCOMPARE(p->motore.StatoDialogo, qint16(stato));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(stato));
         QVERIFY(!vista.abilitata);
         QVERIFY(req->scatta());
-        QCOMPARE(p->motore.StatoDialogo, qint16(-1));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
         QVERIFY(vista.abilitata);
         QCOMPARE(vista.segnalazioni.last(), testo("SEGNALAZIONI", chiave));
         QCOMPARE(vista.emergenza, emergenza);

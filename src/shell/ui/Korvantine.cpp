@@ -410,8 +410,8 @@ void Korvantine::aggiornaStatoCollegamento()
     else if (s.EcuNormale == 0)
         stato = 4;
     else if (s.EcuDaIdentificare != 0)
-        stato = m_programma.motore.StatoDialogo == Identificazione::StatoVersione
-                        || m_programma.motore.StatoDialogo == Identificazione::StatoLetture
+        stato = m_programma.motore.StatoDialogo() == Identificazione::StatoVersione
+                        || m_programma.motore.StatoDialogo() == Identificazione::StatoLetture
                     ? 2
                     : 1;
     QString testo =

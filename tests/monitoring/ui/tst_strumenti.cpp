@@ -40,9 +40,9 @@ class TstStrumenti : public QObject
     bool attendi()
     {
         QDeadlineTimer scadenza(3000);
-        while (p->motore.StatoDialogo != -1 && !scadenza.hasExpired())
+        while (p->motore.StatoDialogo() != -1 && !scadenza.hasExpired())
             QCoreApplication::processEvents();
-        return p->motore.StatoDialogo == -1;
+        return p->motore.StatoDialogo() == -1;
     }
 
     void voce(int parametro, int grezzo) { ImpostaVoceEcu(*ecu, p->catalogo, parametro, grezzo); }
@@ -113,7 +113,7 @@ private slots:
         p->anello.IndiceRegistrazione = 7;
         QSignalSpy fine(modello.get(), &M::letturaFinita);
         QVERIFY(modello->carica());
-        QCOMPARE(p->motore.StatoDialogo, qint16(M::Stato));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(M::Stato));
         QVERIFY(attendi());
         QCOMPARE(fine.size(), 1);
         QCOMPARE(fine.at(0).at(0).toBool(), true);
@@ -147,7 +147,7 @@ private slots:
             QVERIFY(!modello->marcatore(M::Marcatore(m)));
         QVERIFY(modello->testoValore(M::GiriMinimo).isEmpty());
         QVERIFY(req->scatta());
-        QCOMPARE(p->motore.StatoDialogo, qint16(-1));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
         QCOMPARE(fine.size(), 1);
         QCOMPARE(fine.at(0).at(0).toBool(), false);
     }

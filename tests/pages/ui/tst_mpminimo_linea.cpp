@@ -37,7 +37,7 @@ class TstMpMinimoLinea : public QObject
     QPushButton *tasto(const char *nome) { return pagina->findChild<QPushButton *>(nome); }
     bool libero()
     {
-        return QTest::qWaitFor([this] { return p->motore.StatoDialogo == -1; }, 5000);
+        return QTest::qWaitFor([this] { return p->motore.StatoDialogo() == -1; }, 5000);
     }
 
     // The page opened as from the menu, its opening read done.

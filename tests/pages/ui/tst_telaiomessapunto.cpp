@@ -68,9 +68,9 @@ class TstTelaioMessaPunto : public QObject
     bool attendi()
     {
         QDeadlineTimer scadenza(3000);
-        while (p->motore.StatoDialogo != -1 && !scadenza.hasExpired())
+        while (p->motore.StatoDialogo() != -1 && !scadenza.hasExpired())
             QCoreApplication::processEvents();
-        return p->motore.StatoDialogo == -1;
+        return p->motore.StatoDialogo() == -1;
     }
 
     void apri(bool attendiLettura = true)
