@@ -101,7 +101,7 @@ int main(int argc, char *argv[])
     finestra.showNormal();
     finestra.resize(1024, 768);
 
-    if (!attendi([&] { return programma.stato.EcuDaIdentificare == 0; }, 15000)) {
+    if (!attendi([&] { return !programma.stato.EcuDaIdentificare; }, 15000)) {
         std::fprintf(stderr, "korvantine-pictures: the simulated ECU was not identified\n");
         return 1;
     }

@@ -80,7 +80,7 @@ int main(int argc, char *argv[])
     QObject::connect(&p.identificazione, &Identificazione::identificata, &ciclo, &QEventLoop::quit);
     QTimer::singleShot(10000, &ciclo, &QEventLoop::quit);
     ciclo.exec();
-    if (p.stato.EcuDaIdentificare != 0) {
+    if (p.stato.EcuDaIdentificare) {
         std::fprintf(stderr, "the simulated ECU was not identified\n");
         return 1;
     }

@@ -7,7 +7,10 @@
 #include "monitoring/AnelloRegistrazione.h"
 #include "variables/Conversioni.h"
 
+#include <QDebug>
+
 #include <algorithm>
+#include <exception>
 
 namespace kv {
 
@@ -41,12 +44,13 @@ void DatiLive::decodifica(const QByteArray &payload, RecordDati &record)
     const auto parola = [&](int posizione) { return payload.mid(posizione - 1, 2); };
     auto &v = record.Valore;
     // The probe type decides how the lambda word is scaled, so it comes first.
-    v[11] = NumeroBE(byte(15)) != 0 ? 1 : 0;
-    v[1] = NumeroBE(byte(2));
-    v[2] = NumeroBE(parola(3));
-    v[3] = Scala1023(NumeroBE(parola(5)));
-    v[4] = v[11] == 1 ? NumeroBE(parola(7)) : Scala1023(NumeroBE(parola(7)));
-    for (int canale = 5; canale <= 10; ++canale)
+    v[Canale::TipoLambda] = NumeroBE(byte(15)) != 0 ? 1 : 0;
+    v[Canale::FlagPa] = NumeroBE(byte(2));
+    v[Canale::Giri] = NumeroBE(parola(3));
+    v[Canale::Tps] = Scala1023(NumeroBE(parola(5)));
+    v[Canale::Lambda] = v[Canale::TipoLambda] == 1 ? NumeroBE(parola(7)) : Scala1023(NumeroBE(parola(7)));
+    // ACTPOS to TIPALIM are one byte each, at positions 9 to 14.
+    for (int canale = Canale::ActPos; canale <= Canale::TipAlim; ++canale)
         v[static_cast<size_t>(canale)] = NumeroBE(byte(canale + 4));
 }
 
@@ -60,15 +64,19 @@ void DatiLive::perOgniAscoltatore(F &&f)
             continue;
         try {
             f(a);
+        } catch (const std::exception &e) {
+            qWarning("A live data listener failed: %s", e.what());
+            m_stato.DatoNuovo = false;
         } catch (...) {
-            m_stato.DatoNuovo = 0;
+            qWarning("A live data listener failed: unknown exception");
+            m_stato.DatoNuovo = false;
         }
     }
 }
 
 void DatiLive::RispostaDati(const QByteArray &payload)
 {
-    if (m_stato.EcuDaIdentificare == -1) {
+    if (m_stato.EcuDaIdentificare) {
         m_identificazione.avvia();
         return;
     }
@@ -81,20 +89,20 @@ void DatiLive::RispostaDati(const QByteArray &payload)
         const bool alLimite = m_anello->aggiungi(attuale);
         perOgniAscoltatore([&](AscoltatoreDati *a) { a->campioneRegistrato(alLimite); });
     }
-    m_stato.DatoNuovo = -1;
+    m_stato.DatoNuovo = true;
 
-    if (attuale.Valore[1] == 0) {
-        if (m_stato.EcuInMarcia != 1) {
-            m_stato.EcuInMarcia = 1;
-            emit inMarciaCambiata(1);
+    if (attuale.Valore[Canale::FlagPa] == 0) {
+        if (!m_stato.EcuInMarcia) {
+            m_stato.EcuInMarcia = true;
+            emit inMarciaCambiata(true);
         }
         perOgniAscoltatore([&](AscoltatoreDati *a) { a->frameNormale(attuale); });
     } else {
-        if (m_stato.EcuInMarcia != 0) {
-            m_stato.EcuInMarcia = 0;
-            if (m_stato.FunzioneScelta == 2)
-                m_stato.FunzioneScelta = -1;
-            emit inMarciaCambiata(0);
+        if (m_stato.EcuInMarcia) {
+            m_stato.EcuInMarcia = false;
+            if (m_stato.FunzioneScelta == Funzione::MessaPunto)
+                m_stato.FunzioneScelta = Funzione::Nessuna;
+            emit inMarciaCambiata(false);
         }
         perOgniAscoltatore([&](AscoltatoreDati *a) { a->frameStato(attuale); });
     }
@@ -110,9 +118,9 @@ void DatiLive::RispostaVita()
 void DatiLive::watchdog()
 {
     m_timeOutDati.setEnabled(false);
-    m_stato.EcuInMarcia = 1;
-    m_stato.EcuNormale = -1;
-    m_stato.EcuDaIdentificare = -1;
+    m_stato.EcuInMarcia = true;
+    m_stato.EcuNormale = true;
+    m_stato.EcuDaIdentificare = true;
     emit ecuPersa();
 }
 

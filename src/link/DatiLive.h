@@ -46,7 +46,7 @@ public:
 
 signals:
     // EcuInMarcia has just changed; the menu follows it.
-    void inMarciaCambiata(int inMarcia);
+    void inMarciaCambiata(bool inMarcia);
     // Two seconds without a live frame: the ECU is unknown again.
     void ecuPersa();
 

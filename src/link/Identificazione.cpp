@@ -50,7 +50,7 @@ void Identificazione::avvia()
 {
     if (m_motore.StatoDialogo() != -1)
         return;
-    m_stato.EcuNormale = -1;
+    m_stato.EcuNormale = true;
     emit aggiornaMenu();
 
     m_motore.svuotaCoda();
@@ -69,8 +69,7 @@ void Identificazione::avvia()
 
 void Identificazione::RispostaVita()
 {
-    if (m_stato.EcuNormale != 0)
-        m_stato.EcuNormale = 0;
+    m_stato.EcuNormale = false;
 }
 
 void Identificazione::risposta(char lettera, int stato, const QByteArray &payload)
@@ -114,14 +113,13 @@ void Identificazione::rispostaLettura(const QByteArray &payload)
             break;
         case Par::TpsTaratoMinimo:
             p.Min = m_catalogo.daGrezzo(indice, grezzo);
-            m_stato.TpsPresente =
-                TpsPresenteDa(m_catalogo.Parametri[Par::TpsTaratoMassimo].Max, p.Min) ? -1 : 0;
+            m_stato.TpsPresente = TpsPresenteDa(m_catalogo.Parametri[Par::TpsTaratoMassimo].Max, p.Min);
             break;
         case Par::TipoTps:
-            m_stato.TipoTpsPresente = grezzo != 0 ? 1 : 0;
+            m_stato.TipoTpsPresente = grezzo != 0;
             break;
         case Par::TpsAutoadattante:
-            m_stato.TpsAutoPresente = grezzo != 0 ? 1 : 0;
+            m_stato.TpsAutoPresente = grezzo != 0;
             break;
         }
     }
@@ -133,7 +131,7 @@ void Identificazione::fine(bool completata)
 {
     emit frameAbilitato(true);
     if (completata) {
-        m_stato.EcuDaIdentificare = 0;
+        m_stato.EcuDaIdentificare = false;
         emit identificata();
     }
 }

@@ -9,28 +9,49 @@
 
 namespace kv {
 
-// The program-wide flags and fields. Flags are -1 for true and 0 for false, except
-// EcuInMarcia (1, 0) and ModoAssistenza (0, 1), as the rest of the program expects.
+// The functions of the main menu, by the index of their button.
+enum class Funzione : qint16 {
+    Nessuna = -1,
+    Programmazione = 0,
+    VisualizzaDati = 1,
+    MessaPunto = 2,
+    Taratura = 3,
+    Utilita = 4
+};
+
+// Where the calibration sequence stands; a single calibration page takes its own step.
+enum class FaseTaratura : qint16 {
+    Nessuna = -1,
+    Avviso = 0,    // the warning page
+    AttesaEcu = 1, // waiting for the ECU to enter calibration
+    Giri = 2,
+    Tps = 3,
+    Lambda = 4,
+    Parametri = 5
+};
+
+// The program-wide flags and fields. Inside the program a flag is a bool; the numbers
+// the ECU and the files use are made where values cross to them.
 struct StatoProgramma
 {
     QString PercorsoApp;
     char SepDecimale = '.';
 
-    qint16 FunzioneScelta = -1;
-    qint16 ModoAssistenza = 0;
-    qint16 RegistrazioneAttiva = 0;
+    Funzione FunzioneScelta = Funzione::Nessuna;
+    bool ModoAssistenza = false;      // service mode
+    bool RegistrazioneAttiva = false; // a monitor window keeps samples for a recording
 
-    qint16 EcuDaIdentificare = -1;
-    qint16 DatoNuovo = 0;
-    qint16 EcuInMarcia = 1;
-    qint16 EcuNormale = -1;
-    qint16 TaraturaInCorso = -1;
-    qint16 PassoTaratura = -1;
-    qint16 TaraturaCompleta = 0;
+    bool EcuDaIdentificare = true;
+    bool DatoNuovo = false;  // a live record came since the monitor page last showed one
+    bool EcuInMarcia = true; // the ECU reports normal running (status byte 0)
+    bool EcuNormale = true;  // the ECU runs its application; false after a 'g' frame
+    FaseTaratura TaraturaInCorso = FaseTaratura::Nessuna;
+    qint16 PassoTaratura = -1;     // counter within the calibration step, -1 none
+    bool TaraturaCompleta = false; // the guided sequence runs, not a single page
 
-    qint16 TpsPresente = -1;
-    qint16 TipoTpsPresente = 0;
-    qint16 TpsAutoPresente = 0;
+    bool TpsPresente = true; // the throttle sensor has been calibrated
+    bool TipoTpsPresente = false;
+    bool TpsAutoPresente = false;
 
     std::array<RecordDati, 2> DatiAttuali{};
 
@@ -43,27 +64,27 @@ struct StatoProgramma
     // The part of IniDialogo that is not the link's own (state, queue, buffer).
     void IniDialogo()
     {
-        FunzioneScelta = -1;
-        ModoAssistenza = 0;
-        RegistrazioneAttiva = 0;
+        FunzioneScelta = Funzione::Nessuna;
+        ModoAssistenza = false;
+        RegistrazioneAttiva = false;
     }
 
     void IniCollegamento()
     {
-        EcuDaIdentificare = -1;
-        DatoNuovo = 0;
+        EcuDaIdentificare = true;
+        DatoNuovo = false;
         for (auto &r : DatiAttuali)
             r.Progressivo = -1;
-        EcuInMarcia = 1;
-        EcuNormale = -1;
+        EcuInMarcia = true;
+        EcuNormale = true;
         InfVeicolo = QString(10, QLatin1Char(' '));
         InfData = QString(10, QLatin1Char(' '));
         InfCodice = QString(14, QLatin1Char(' '));
         InfDatoA = QString(10, QLatin1Char(' '));
         InfDatoB = QString(4, QLatin1Char(' '));
-        TaraturaInCorso = -1;
+        TaraturaInCorso = FaseTaratura::Nessuna;
         PassoTaratura = -1;
-        TaraturaCompleta = 0;
+        TaraturaCompleta = false;
     }
 };
 

@@ -6,8 +6,8 @@ namespace kv {
 
 namespace {
 // The channels the stream fills: 1 (status) to 11 (lambda probe type).
-constexpr int PrimoCanale = 1;
-constexpr int UltimoCanale = 11;
+constexpr int PrimoCanale = Canale::FlagPa;
+constexpr int UltimoCanale = Canale::TipoLambda;
 
 // The counter as a 32-bit sample number; a run long enough to pass 2^31 wraps round
 // instead of failing.

@@ -57,23 +57,24 @@ QString ChiaveCanale(int indice)
 
 bool puoAndareInGrafico(int canale)
 {
-    return indiceValido(canale) && canale != 1 && canale != 7 && canale != 10;
+    return indiceValido(canale) && canale != Canale::FlagPa && canale != Canale::MZonAct
+           && canale != Canale::TipAlim;
 }
 
 RigheDati RigheDatiIniziali()
 {
     RigheDati righe{};
     const std::array<RigaDati, 10> elenco{{
-        {2, 1, 1},
-        {3, 1, 1},
-        {4, 1, 1},
-        {5, 1, 1},
-        {6, 1, 1},
-        {7, 1, 1},
-        {8, 1, 1},
-        {9, 0, 1},
-        {10, 1, 1},
-        {11, 0, 1},
+        {Canale::Giri, 1, 1},
+        {Canale::Tps, 1, 1},
+        {Canale::Lambda, 1, 1},
+        {Canale::ActPos, 1, 1},
+        {Canale::RicMag, 1, 1},
+        {Canale::MZonAct, 1, 1},
+        {Canale::Pompata, 1, 1},
+        {Canale::TipTps, 0, 1},
+        {Canale::TipAlim, 1, 1},
+        {Canale::TipoLambda, 0, 1},
     }};
     for (std::size_t i = 0; i < elenco.size(); ++i)
         righe[i] = elenco[i];

@@ -14,6 +14,26 @@ struct Canale
 {
     static constexpr int LunghezzaNome = 20;
 
+    // The channels by name: indices of Canali and of RecordDati::Valore.
+    enum Indice : int {
+        Campioni = 0, // the sample counter
+        FlagPa = 1,   // the ECU's status byte: 0 in normal running
+        Giri = 2,
+        Tps = 3,
+        Lambda = 4,
+        ActPos = 5, // stepper position
+        RicMag = 6,
+        MZonAct = 7, // work zone
+        Pompata = 8,
+        TipTps = 9,
+        TipAlim = 10,    // fuel in use: 0 petrol, 1 gas
+        TipoLambda = 11, // probe type: 1 reads the lambda word unscaled
+        Libero2 = 12,
+        Libero3 = 13,
+        Libero4 = 14,
+        Libero5 = 15
+    };
+
     QString Nome;         // always LunghezzaNome characters, blank padded
     qint16 InGrafico = 0; // -1 while drawn in a chart slot
     QString UM;

@@ -221,7 +221,7 @@ void DialogoPagina::erroreEcu(int stato, const QByteArray &payload)
 void DialogoPagina::rispostaLettura(const QByteArray &payload)
 {
     if (m_descrizione.zonaLavoro)
-        m_vista.mostraZonaLavoro(TestoZona(m_lingua, m_stato.DatiAttuali[0].Valore[7]));
+        m_vista.mostraZonaLavoro(TestoZona(m_lingua, m_stato.DatiAttuali[0].Valore[Canale::MZonAct]));
     const int passo = m_motore.PassoDialogo();
     if (m_piano && passo >= 0 && passo < static_cast<int>(m_piano->righe.size()))
         gestisciRiga(m_piano->righe[static_cast<size_t>(passo)], payload);
@@ -256,7 +256,7 @@ void DialogoPagina::gestisciRiga(const RigaLettura &riga, const QByteArray &payl
         aggiornaLimiti(p, v, Occasione::Lettura);
         if (m_piano->presenzaTps) {
             const bool presente = TpsPresenteDa(m_catalogo.Valori[Par::TpsTaratoMassimo].Letto, v);
-            m_stato.TpsPresente = presente ? -1 : 0;
+            m_stato.TpsPresente = presente;
             if (!presente)
                 m_vista.nascondiRigheTps();
         }

@@ -57,11 +57,11 @@ int ModelloStrumenti::parametro(int passo)
 bool ModelloStrumenti::carica()
 {
     m_programma.anello.azzera();
-    m_programma.stato.RegistrazioneAttiva = -1;
+    m_programma.stato.RegistrazioneAttiva = true;
     for (int p : Parametri)
         m_programma.catalogo.azzeraValori(p);
     RecordDati &mostrato = m_programma.stato.DatiAttuali[1];
-    for (int canale = 1; canale <= 11; ++canale)
+    for (int canale = Canale::FlagPa; canale <= Canale::TipoLambda; ++canale)
         mostrato.Valore[static_cast<size_t>(canale)] = -1.0;
 
     MotoreDialogo &m = m_programma.motore;
@@ -78,7 +78,7 @@ bool ModelloStrumenti::carica()
 void ModelloStrumenti::chiudi()
 {
     m_programma.anello.azzera();
-    m_programma.stato.RegistrazioneAttiva = 0;
+    m_programma.stato.RegistrazioneAttiva = false;
 }
 
 bool ModelloStrumenti::inLettura() const
@@ -192,7 +192,7 @@ ModelloStrumenti::Cambiamenti ModelloStrumenti::tick()
 {
     Cambiamenti c;
     StatoProgramma &s = m_programma.stato;
-    if (s.DatoNuovo == 0)
+    if (!s.DatoNuovo)
         return c;
     const auto &nuovo = s.DatiAttuali[0].Valore;
     auto &mostrato = s.DatiAttuali[1].Valore;
@@ -201,9 +201,9 @@ ModelloStrumenti::Cambiamenti ModelloStrumenti::tick()
     };
     const Lingua &l = m_programma.lingua;
 
-    if ((c.giri = cambiato(2))) {
-        m_quadro.giri = intero(nuovo[2]);
-        const double migliaia = nuovo[2] / 1000;
+    if ((c.giri = cambiato(Canale::Giri))) {
+        m_quadro.giri = intero(nuovo[Canale::Giri]);
+        const double migliaia = nuovo[Canale::Giri] / 1000;
         // Off the scale the needle stays where it was; the number goes on.
         if (migliaia >= GiriMinimoScala && migliaia <= GiriMassimoScala)
             m_quadro.lancettaGiri = migliaia;
@@ -212,24 +212,24 @@ ModelloStrumenti::Cambiamenti ModelloStrumenti::tick()
         const float f = static_cast<float>(v);
         return f >= static_cast<float>(BarraMinimo) && f <= static_cast<float>(BarraMassimo);
     };
-    if ((c.tps = cambiato(3))) {
-        m_quadro.tps = intero(nuovo[3]);
-        if (inBarra(nuovo[3]))
-            m_quadro.barraTps = nuovo[3];
+    if ((c.tps = cambiato(Canale::Tps))) {
+        m_quadro.tps = intero(nuovo[Canale::Tps]);
+        if (inBarra(nuovo[Canale::Tps]))
+            m_quadro.barraTps = nuovo[Canale::Tps];
     }
-    if ((c.lambda = cambiato(4))) {
-        m_quadro.lambda = intero(nuovo[4]);
-        if (inBarra(nuovo[4]))
-            m_quadro.barraLambda = nuovo[4];
+    if ((c.lambda = cambiato(Canale::Lambda))) {
+        m_quadro.lambda = intero(nuovo[Canale::Lambda]);
+        if (inBarra(nuovo[Canale::Lambda]))
+            m_quadro.barraLambda = nuovo[Canale::Lambda];
     }
-    if ((c.motorino = cambiato(5))) {
-        m_quadro.motorino = intero(nuovo[5]);
-        const double x = posizione(nuovo[5]);
+    if ((c.motorino = cambiato(Canale::ActPos))) {
+        m_quadro.motorino = intero(nuovo[Canale::ActPos]);
+        const double x = posizione(nuovo[Canale::ActPos]);
         if (x != -1.0)
             m_quadro.posizioneMotorino = x;
     }
-    if ((c.alimentazione = cambiato(10))) {
-        const double v = nuovo[10];
+    if ((c.alimentazione = cambiato(Canale::TipAlim))) {
+        const double v = nuovo[Canale::TipAlim];
         if (v == 0 || v == 1) {
             m_quadro.alimentazione = l.LeggiTesto("ALIMENTAZIONE", "TIPO." + intero(v));
             m_quadro.coloreAlimentazione = v == 0 ? ColoreBenzina : ColoreGas;
@@ -238,17 +238,17 @@ ModelloStrumenti::Cambiamenti ModelloStrumenti::tick()
             m_quadro.coloreAlimentazione = ColoreIgnoto;
         }
     }
-    if ((c.pompata = cambiato(8))) {
+    if ((c.pompata = cambiato(Canale::Pompata))) {
         // Only the pump at rest has a text of its own.
-        m_quadro.pompata =
-            nuovo[8] == 0 ? l.LeggiTesto("POMPATA", "POMPATA.0") : l.LeggiTesto("POMPATA", "POMPATA.99");
+        m_quadro.pompata = nuovo[Canale::Pompata] == 0 ? l.LeggiTesto("POMPATA", "POMPATA.0")
+                                                       : l.LeggiTesto("POMPATA", "POMPATA.99");
     }
-    if ((c.zona = cambiato(7)))
-        m_quadro.zona = TestoZona(l, nuovo[7]);
+    if ((c.zona = cambiato(Canale::MZonAct)))
+        m_quadro.zona = TestoZona(l, nuovo[Canale::MZonAct]);
 
-    for (int canale = 1; canale <= 11; ++canale)
+    for (int canale = Canale::FlagPa; canale <= Canale::TipoLambda; ++canale)
         mostrato[static_cast<size_t>(canale)] = nuovo[static_cast<size_t>(canale)];
-    s.DatoNuovo = 0;
+    s.DatoNuovo = false;
     return c;
 }
 

@@ -14,11 +14,11 @@ QString TestoZona(const Lingua &lingua, double zona)
 
 TestiPannelloLive TestiPannello(const Lingua &lingua, const RecordDati &record)
 {
-    static constexpr int Canale[4] = {2, 4, 3, 5};
+    static constexpr int Mostrati[4] = {Canale::Giri, Canale::Lambda, Canale::Tps, Canale::ActPos};
     TestiPannelloLive t;
     for (size_t i = 0; i < t.dato.size(); ++i)
-        t.dato[i] = FormattaNumero(record.Valore[static_cast<size_t>(Canale[i])], QStringLiteral("#0"));
-    t.zona = TestoZona(lingua, record.Valore[7]);
+        t.dato[i] = FormattaNumero(record.Valore[static_cast<size_t>(Mostrati[i])], QStringLiteral("#0"));
+    t.zona = TestoZona(lingua, record.Valore[Canale::MZonAct]);
     return t;
 }
 

@@ -43,7 +43,7 @@ const std::vector<Riga> Utilita = {
     {P::CancelMappe, C::EcuNormale},  {P::ReadMappe, C::EcuNormale}, {P::Comunicazione, C::EcuNormale},
     {P::SceltaLingua, C::EcuNormale}, {P::Password, C::EcuNormale}};
 
-const std::vector<Riga> *righe(int funzione, int modoAssistenza)
+const std::vector<Riga> *righe(int funzione, bool assistenza)
 {
     switch (funzione) {
     case 0:
@@ -51,7 +51,7 @@ const std::vector<Riga> *righe(int funzione, int modoAssistenza)
     case 1:
         return &VisualizzaDati;
     case 2:
-        return modoAssistenza == 1 ? &MessaPuntoAssistenza : &MessaPuntoNormale;
+        return assistenza ? &MessaPuntoAssistenza : &MessaPuntoNormale;
     case 3:
         return &Taratura;
     case 4:
@@ -67,11 +67,11 @@ bool condizioneVera(Condizione c, const StatoProgramma &s)
     case Condizione::Testo:
         return true;
     case Condizione::EcuNormale:
-        return s.EcuNormale == -1;
+        return s.EcuNormale;
     case Condizione::TpsPresente:
-        return s.TpsPresente != 0;
+        return s.TpsPresente;
     case Condizione::EcuInMarcia:
-        return s.EcuInMarcia == 1;
+        return s.EcuInMarcia;
     }
     return false;
 }
@@ -85,8 +85,8 @@ Funzioni AggiornaFunzioni(StatoProgramma &stato, const Lingua &lingua)
     for (int i = 0; i < NumeroFunzioni; ++i)
         f.caption[static_cast<size_t>(i)] =
             lingua.LeggiTesto("MainLambda", "FUNZIONE." + QString::number(i)).trimmed();
-    if (stato.EcuNormale != -1)
-        stato.FunzioneScelta = -1;
+    if (!stato.EcuNormale)
+        stato.FunzioneScelta = Funzione::Nessuna;
     for (int i = 0; i < NumeroFunzioni; ++i)
         f.abilitata[static_cast<size_t>(i)] = FunzioneAbilitata(i, stato);
     f.uscita = lingua.LeggiTesto("MainLambda", "USCITA").trimmed();
@@ -97,12 +97,12 @@ bool FunzioneAbilitata(int funzione, const StatoProgramma &stato)
 {
     if (funzione < 0 || funzione >= NumeroFunzioni)
         return false;
-    if (stato.EcuNormale != -1)
+    if (!stato.EcuNormale)
         return funzione == 0 || funzione == 4;
-    return funzione != 2 || stato.EcuInMarcia == 1;
+    return funzione != 2 || stato.EcuInMarcia;
 }
 
-QString PrefissoOpzioni(int funzione, int modoAssistenza)
+QString PrefissoOpzioni(int funzione, bool assistenza)
 {
     switch (funzione) {
     case 0:
@@ -110,7 +110,7 @@ QString PrefissoOpzioni(int funzione, int modoAssistenza)
     case 1:
         return QStringLiteral("VISDATI.");
     case 2:
-        return QStringLiteral("MESSAPUNTO%1.").arg(modoAssistenza == 1 ? 1 : 0);
+        return QStringLiteral("MESSAPUNTO%1.").arg(assistenza ? 1 : 0);
     case 3:
         return QStringLiteral("TARATURA.");
     case 4:
@@ -144,11 +144,11 @@ std::vector<Voce> Opzioni(int funzione, const StatoProgramma &stato, const Lingu
 EsitoParola VerificaParola(StatoProgramma &stato, const QString &parola)
 {
     if (parola.toUpper() == QLatin1String(ParolaAssistenza)) {
-        stato.ModoAssistenza = 1;
+        stato.ModoAssistenza = true;
         return EsitoParola::Assistenza;
     }
-    if (stato.ModoAssistenza == 1) {
-        stato.ModoAssistenza = 0;
+    if (stato.ModoAssistenza) {
+        stato.ModoAssistenza = false;
         return EsitoParola::Normale;
     }
     return EsitoParola::Errata;

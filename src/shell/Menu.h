@@ -46,7 +46,7 @@ Funzioni AggiornaFunzioni(StatoProgramma &stato, const Lingua &lingua);
 bool FunzioneAbilitata(int funzione, const StatoProgramma &stato);
 
 // The key prefix of a function's entries; the tuning entries differ by mode. Empty outside 0..4.
-QString PrefissoOpzioni(int funzione, int modoAssistenza);
+QString PrefissoOpzioni(int funzione, bool assistenza);
 
 // The NumeroOpzioni entries of a function in the present mode; empty outside 0..4.
 std::vector<Voce> Opzioni(int funzione, const StatoProgramma &stato, const Lingua &lingua);

@@ -88,12 +88,12 @@ private slots:
         o.versione = v;
         o.tipoSonda = 0;
         avvia(o);
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 3000);
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
         QCOMPARE(p->stato.InfCodice, QString("KVTEST-123456 "));
         QCOMPARE(p->stato.InfVeicolo, QString::fromLatin1(v.veicolo));
         QCOMPARE(p->stato.InfDatoA, QString::fromLatin1(v.datoA));
         QCOMPARE(p->stato.InfDatoB, QString::fromLatin1(v.datoB));
-        QCOMPARE(p->stato.TpsPresente, qint16(-1));
+        QCOMPARE(p->stato.TpsPresente, true);
         QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
 
         Raccoglitore r;
@@ -105,10 +105,12 @@ private slots:
         const auto corrisponde = [](const RecordDati &d, const QByteArray &bytes) {
             const auto u8 = [&](int pos) { return double(quint8(bytes.at(pos - 1))); };
             const auto u16 = [&](int pos) { return u8(pos) * 256 + u8(pos + 1); };
-            return d.Valore[1] == u8(2) && d.Valore[2] == u16(3) && d.Valore[3] == Scala1023(u16(5))
-                   && d.Valore[4] == Scala1023(u16(7)) && d.Valore[5] == u8(9) && d.Valore[6] == u8(10)
-                   && d.Valore[7] == u8(11) && d.Valore[8] == u8(12) && d.Valore[9] == u8(13)
-                   && d.Valore[10] == u8(14) && d.Valore[11] == 0;
+            return d.Valore[Canale::FlagPa] == u8(2) && d.Valore[Canale::Giri] == u16(3)
+                   && d.Valore[Canale::Tps] == Scala1023(u16(5))
+                   && d.Valore[Canale::Lambda] == Scala1023(u16(7)) && d.Valore[Canale::ActPos] == u8(9)
+                   && d.Valore[Canale::RicMag] == u8(10) && d.Valore[Canale::MZonAct] == u8(11)
+                   && d.Valore[Canale::Pompata] == u8(12) && d.Valore[Canale::TipTps] == u8(13)
+                   && d.Valore[Canale::TipAlim] == u8(14) && d.Valore[Canale::TipoLambda] == 0;
         };
         qsizetype i = 0;
         while (i < inviati.size() && !corrisponde(r.record[0], inviati[i].payload))
@@ -118,15 +120,15 @@ private slots:
             const Inviato &s = inviati[i++];
             QVERIFY(corrisponde(d, s.payload));
             // And the bytes are the engine the simulator was running.
-            QCOMPARE(d.Valore[2], double(s.campione.giri));
-            QCOMPARE(d.Valore[7], double(s.campione.zona));
+            QCOMPARE(d.Valore[Canale::Giri], double(s.campione.giri));
+            QCOMPARE(d.Valore[Canale::MZonAct], double(s.campione.zona));
         }
     }
 
     void lostStreamMakesTheEcuUnknownUntilItComesBack()
     {
         avvia();
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 3000);
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
         QSignalSpy persa(&p->datiLive, &DatiLive::ecuPersa);
         // The watchdog runs from the first live frame after identification on.
         QTRY_VERIFY_WITH_TIMEOUT(p->TimeOutDati.isEnabled(), 2000);
@@ -134,9 +136,9 @@ private slots:
         QTest::qWait(1500);
         QCOMPARE(persa.size(), 0);
         QTRY_COMPARE_WITH_TIMEOUT(persa.size(), 1, 1500);
-        QCOMPARE(p->stato.EcuDaIdentificare, qint16(-1));
+        QCOMPARE(p->stato.EcuDaIdentificare, true);
         ecu->impostaStallo(false);
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 3000);
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
         QCOMPARE(richiesteVersione, 2);
     }
 
@@ -150,15 +152,15 @@ private slots:
         ecu->scartaOgniNRisposte(0);
         QTRY_VERIFY_WITH_TIMEOUT(!frame.isEmpty(), 2000);
         QCOMPARE(frame.first().at(0).toBool(), true);
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 2000);
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 2000);
         QCOMPARE(richiesteVersione, 2);
     }
 
     void erasedTpsCellsMeanNoTps()
     {
         avvia({}, [](EcuSimulata &e) { e.scriviMemoria(0xC110, QByteArray::fromHex("03FF03FF")); });
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 3000);
-        QCOMPARE(p->stato.TpsPresente, qint16(0));
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
+        QCOMPARE(p->stato.TpsPresente, false);
     }
 
     void ecuWithoutApplicationIsSeenAsSuch()
@@ -166,8 +168,8 @@ private slots:
         OpzioniEcu o;
         o.applicazionePresente = false;
         avvia(o);
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuNormale, qint16(0), 2000);
-        QCOMPARE(p->stato.EcuDaIdentificare, qint16(-1));
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuNormale, false, 2000);
+        QCOMPARE(p->stato.EcuDaIdentificare, true);
         QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
     }
 
@@ -176,7 +178,7 @@ private slots:
         OpzioniEcu o;
         o.frameAlSecondo = 40;
         avvia(o);
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 3000);
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
 
         int ricevuti = 0;
         connect(p.get(), &Programma::segnalazione, this, [&](const QString &hex) {

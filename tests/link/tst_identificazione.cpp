@@ -110,10 +110,10 @@ private slots:
         arriva(QByteArray("r\x00", 2));
         QCOMPARE(porta->scritti.size(), 5);
         QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
-        QCOMPARE(p->stato.EcuDaIdentificare, qint16(0));
-        QCOMPARE(p->stato.TpsPresente, qint16(-1));
-        QCOMPARE(p->stato.TipoTpsPresente, qint16(1));
-        QCOMPARE(p->stato.TpsAutoPresente, qint16(0));
+        QCOMPARE(p->stato.EcuDaIdentificare, false);
+        QCOMPARE(p->stato.TpsPresente, true);
+        QCOMPARE(p->stato.TipoTpsPresente, true);
+        QCOMPARE(p->stato.TpsAutoPresente, false);
         QCOMPARE(frame.last().at(0).toBool(), true);
         // The calibration points went through the scale and the mask into the limits.
         QCOMPARE(p->catalogo.Parametri[Par::TpsTaratoMassimo].Max, 224.0);
@@ -123,10 +123,10 @@ private slots:
     void tpsPresenceNeedsBothCellsErased()
     {
         identifica(1023, 1023);
-        QCOMPARE(p->stato.TpsPresente, qint16(0));
+        QCOMPARE(p->stato.TpsPresente, false);
         init();
         identifica(1023, 60);
-        QCOMPARE(p->stato.TpsPresente, qint16(-1));
+        QCOMPARE(p->stato.TpsPresente, true);
     }
 
     void liveFramesAreDecodedOnceTheEcuIsKnown()
@@ -134,19 +134,19 @@ private slots:
         identifica();
         arriva(datiLive(0, 2500, 1023, 1023, 3, 0));
         const RecordDati &r = p->stato.DatiAttuali[0];
-        QCOMPARE(r.Valore[2], 2500.0);
-        QCOMPARE(r.Valore[3], 255.0);
-        QCOMPARE(r.Valore[4], 255.0); // scaled when the probe type is 0
-        QCOMPARE(r.Valore[7], 3.0);
-        QCOMPARE(r.Valore[10], 2.0);
-        QCOMPARE(r.Valore[11], 0.0);
-        QCOMPARE(p->stato.DatoNuovo, qint16(-1));
+        QCOMPARE(r.Valore[Canale::Giri], 2500.0);
+        QCOMPARE(r.Valore[Canale::Tps], 255.0);
+        QCOMPARE(r.Valore[Canale::Lambda], 255.0); // scaled when the probe type is 0
+        QCOMPARE(r.Valore[Canale::MZonAct], 3.0);
+        QCOMPARE(r.Valore[Canale::TipAlim], 2.0);
+        QCOMPARE(r.Valore[Canale::TipoLambda], 0.0);
+        QCOMPARE(p->stato.DatoNuovo, true);
         QVERIFY(dati->isEnabled());
 
         arriva(datiLive(0, 2500, 512, 700, 3, 5));
-        QCOMPARE(r.Valore[11], 1.0);
-        QCOMPARE(r.Valore[4], 700.0); // raw for a probe of type 1
-        QCOMPARE(r.Valore[3], 512.0 * 255.0 / 1023.0);
+        QCOMPARE(r.Valore[Canale::TipoLambda], 1.0);
+        QCOMPARE(r.Valore[Canale::Lambda], 700.0); // raw for a probe of type 1
+        QCOMPARE(r.Valore[Canale::Tps], 512.0 * 255.0 / 1023.0);
     }
 
     void liveFrameDuringAnotherDialogueDoesNotStartIdentification()
@@ -156,7 +156,7 @@ private slots:
         arriva(datiLive(0, 800, 100, 500, 1, 0));
         QCOMPARE(p->motore.StatoDialogo(), qint16(1));
         QCOMPARE(porta->scritti.size(), 1);
-        QCOMPARE(p->stato.EcuDaIdentificare, qint16(-1));
+        QCOMPARE(p->stato.EcuDaIdentificare, true);
     }
 
     void timeOutDuringIdentificationRetriesOnTheNextLiveFrame()
@@ -167,7 +167,7 @@ private slots:
         QCOMPARE(frame.size(), 1);
         QCOMPARE(frame.at(0).at(0).toBool(), true);
         QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
-        QCOMPARE(p->stato.EcuDaIdentificare, qint16(-1));
+        QCOMPARE(p->stato.EcuDaIdentificare, true);
         arriva(versione()); // too late: dropped
         QCOMPARE(porta->scritti.size(), 1);
         arriva(datiLive(0, 800, 100, 500, 1, 0));
@@ -180,12 +180,12 @@ private slots:
         identifica();
         QSignalSpy persa(&p->datiLive, &DatiLive::ecuPersa);
         arriva(datiLive(5, 0, 0, 0, 1, 0));
-        QCOMPARE(p->stato.EcuInMarcia, qint16(0));
+        QCOMPARE(p->stato.EcuInMarcia, false);
         QVERIFY(dati->scatta());
         QCOMPARE(persa.size(), 1);
-        QCOMPARE(p->stato.EcuDaIdentificare, qint16(-1));
-        QCOMPARE(p->stato.EcuNormale, qint16(-1));
-        QCOMPARE(p->stato.EcuInMarcia, qint16(1));
+        QCOMPARE(p->stato.EcuDaIdentificare, true);
+        QCOMPARE(p->stato.EcuNormale, true);
+        QCOMPARE(p->stato.EcuInMarcia, true);
         QVERIFY(!dati->isEnabled());
         arriva(datiLive(0, 800, 100, 500, 1, 0));
         QCOMPARE(p->motore.StatoDialogo(), qint16(111));
@@ -195,15 +195,15 @@ private slots:
     {
         identifica();
         QSignalSpy marcia(&p->datiLive, &DatiLive::inMarciaCambiata);
-        p->stato.FunzioneScelta = 2;
+        p->stato.FunzioneScelta = Funzione::MessaPunto;
         arriva(datiLive(1, 800, 100, 500, 1, 0));
         QCOMPARE(marcia.size(), 1);
-        QCOMPARE(p->stato.FunzioneScelta, qint16(-1));
+        QCOMPARE(p->stato.FunzioneScelta, Funzione::Nessuna);
         arriva(datiLive(1, 800, 100, 500, 1, 0));
         QCOMPARE(marcia.size(), 1); // only on a change
         arriva(datiLive(0, 800, 100, 500, 1, 0));
         QCOMPARE(marcia.size(), 2);
-        QCOMPARE(p->stato.EcuInMarcia, qint16(1));
+        QCOMPARE(p->stato.EcuInMarcia, true);
     }
 
     void signOfLifeWithoutApplication()
@@ -212,20 +212,20 @@ private slots:
         arriva(datiLive(0, 800, 100, 500, 1, 0));
         QVERIFY(dati->isEnabled());
         arriva("g");
-        QCOMPARE(p->stato.EcuNormale, qint16(0));
+        QCOMPARE(p->stato.EcuNormale, false);
         QVERIFY(!dati->isEnabled()); // a stream of 'g' never ends in a time-out
-        QCOMPARE(p->stato.EcuDaIdentificare, qint16(0));
+        QCOMPARE(p->stato.EcuDaIdentificare, false);
     }
 
     void recordingRingTakesEachFrameWhileActive()
     {
         identifica();
         p->anello.azzera();
-        p->stato.RegistrazioneAttiva = -1;
+        p->stato.RegistrazioneAttiva = true;
         for (int i = 0; i < 3; ++i)
             arriva(datiLive(0, quint16(1000 + i), 100, 500, 1, 0));
         QCOMPARE(p->anello.IndiceRegistrazione, qint16(2));
-        QCOMPARE(p->anello.BufferRegistrazione[2].Valore[2], 1002.0);
+        QCOMPARE(p->anello.BufferRegistrazione[2].Valore[Canale::Giri], 1002.0);
     }
 };
 

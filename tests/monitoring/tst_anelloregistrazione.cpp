@@ -36,12 +36,12 @@ private slots:
         // Only the channels of the stream, 1 to 11, are taken.
         const RecordDati &r = a.BufferRegistrazione[3];
         for (int c = 0; c < NumeroCanali; ++c)
-            QCOMPARE(r.Valore[c], c >= 1 && c <= 11 ? 3000.0 + c : 0.0);
+            QCOMPARE(r.Valore[c], c >= Canale::FlagPa && c <= Canale::TipoLambda ? 3000.0 + c : 0.0);
 
         QVERIFY(!a.aggiungi(campione(100)));
         QCOMPARE(a.IndiceRegistrazione, qint16(0));
         QCOMPARE(a.BufferRegistrazione[0].Progressivo, 41);
-        QCOMPARE(a.BufferRegistrazione[0].Valore[2], 102.0);
+        QCOMPARE(a.BufferRegistrazione[0].Valore[Canale::Giri], 102.0);
         QCOMPARE(a.BufferRegistrazione[1].Progressivo, 1);
     }
 

@@ -169,7 +169,7 @@ private slots:
         req = r.get();
         p = std::make_unique<Programma>(cartella.path(), std::move(pe), std::move(r),
                                         std::make_unique<TemporizzatoreManuale>());
-        p->stato.EcuDaIdentificare = 0;
+        p->stato.EcuDaIdentificare = false;
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
         vista = VistaFinta{};
     }
@@ -183,7 +183,7 @@ private slots:
 
     void idleReadFillsValuesLimitsAndTheZoneLine()
     {
-        p->stato.DatiAttuali[0].Valore[7] = 3;
+        p->stato.DatiAttuali[0].Valore[Canale::MZonAct] = 3;
         QVERIFY(apriMinimo());
         QCOMPARE(vista.valori.size(), 8);
         QCOMPARE(vista.valori.value(Par::SogliaLambdaRiccoMinimo), scala(700));
@@ -234,7 +234,7 @@ private slots:
             // The normal page reads the low point for the limit alone, and keeps the high
             // point an earlier page read.
             const bool atteso = presente || primo == 11;
-            QVERIFY2(p->stato.TpsPresente == (atteso ? -1 : 0), qPrintable(QString::number(primo)));
+            QVERIFY2(p->stato.TpsPresente == atteso, qPrintable(QString::number(primo)));
             QCOMPARE(vista.righeTpsNascoste, !atteso);
             QCOMPARE(val(Par::TpsTaratoMassimo).Letto, primo == 11 ? 77.0 : scala(massimo));
             // The low point, read last on every page, is the idle exit's floor.

@@ -100,7 +100,7 @@ private slots:
         QVERIFY(p->porta.PortOpen());
         QCOMPARE(p->seriale.VelocitaCom, 38400);
         ecu.avvia();
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 3000);
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
         p.reset();
         // The version request, as sent, in the log of the folder the program was started in.
         QVERIFY(leggi(home + "/MESSAGGI.TXT").split('\n').contains("02873AF1560803\r"));

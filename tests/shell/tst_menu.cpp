@@ -64,13 +64,13 @@ private slots:
         QFETCH(int, sceltaDopo);
         QFETCH(QString, atteso);
         StatoProgramma stato;
-        stato.EcuNormale = qint16(flag[0]);
-        stato.EcuInMarcia = qint16(flag[1]);
-        stato.TpsPresente = qint16(flag[2]);
-        stato.ModoAssistenza = qint16(flag[3]);
-        stato.FunzioneScelta = 3;
+        stato.EcuNormale = flag[0] != 0;
+        stato.EcuInMarcia = flag[1] != 0;
+        stato.TpsPresente = flag[2] != 0;
+        stato.ModoAssistenza = flag[3] != 0;
+        stato.FunzioneScelta = Funzione::Taratura;
         const Menu::Funzioni f = Menu::AggiornaFunzioni(stato, lingua);
-        QCOMPARE(stato.FunzioneScelta, qint16(sceltaDopo));
+        QCOMPARE(static_cast<int>(stato.FunzioneScelta), sceltaDopo);
         QStringList voci;
         for (int i = 0; i < Menu::NumeroFunzioni; ++i) {
             QCOMPARE(f.abilitata[size_t(i)], Menu::FunzioneAbilitata(i, stato));
@@ -79,7 +79,7 @@ private slots:
         QCOMPARE(voci.join(u' '), atteso);
         // The one entry a missing TPS greys is the pump page.
         for (const Menu::Voce &v : Menu::Opzioni(2, stato, lingua))
-            QCOMPARE(v.visibile && !v.abilitata, stato.TpsPresente == 0 && v.pagina == IdPagina::MP_Pompata);
+            QCOMPARE(v.visibile && !v.abilitata, !stato.TpsPresente && v.pagina == IdPagina::MP_Pompata);
     }
 
     void theLanguageFileSetsTheListsLength()
@@ -131,9 +131,9 @@ private slots:
         QFETCH(int, esito);
         QFETCH(qint16, modoDopo);
         StatoProgramma stato;
-        stato.ModoAssistenza = modo;
+        stato.ModoAssistenza = modo != 0;
         QCOMPARE(int(Menu::VerificaParola(stato, parola)), esito);
-        QCOMPARE(stato.ModoAssistenza, modoDopo);
+        QCOMPARE(stato.ModoAssistenza, modoDopo != 0);
     }
 
     void versionNumber()

@@ -370,7 +370,7 @@ void Strumenti::VisDati()
     }
     if (c.pompata) {
         m_statoPompata->setText(q.pompata);
-        const bool attiva = m_programma.stato.DatiAttuali[1].Valore[8] != 0;
+        const bool attiva = m_programma.stato.DatiAttuali[1].Valore[Canale::Pompata] != 0;
         coloraStato(m_statoPompata, attiva ? ColorePompa : Cruscotto);
     }
     if (c.zona) {

@@ -111,7 +111,7 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     });
     connect(&p.datiLive, &DatiLive::inMarciaCambiata, this, &Korvantine::AggiornaMenu);
     connect(&p.datiLive, &DatiLive::ecuPersa, this, [this] {
-        if (m_programma.stato.TaraturaInCorso != -1)
+        if (m_programma.stato.TaraturaInCorso != FaseTaratura::Nessuna)
             ChiudiPagineTaratura();
         else
             RitornoMenu();
@@ -131,7 +131,7 @@ Korvantine::~Korvantine()
 
 void Korvantine::avvia()
 {
-    m_programma.stato.FunzioneScelta = -1;
+    m_programma.stato.FunzioneScelta = Funzione::Nessuna;
     mostraMenu();
     if (!isVisible()) {
         const QScreen *schermo = screen();
@@ -383,17 +383,17 @@ void Korvantine::ChiudiPagineTaratura()
     if (MainLambda *m = menu())
         m->setEnabled(!m_sopra);
     StatoProgramma &s = m_programma.stato;
-    s.TaraturaCompleta = 0;
-    s.TaraturaInCorso = -1;
+    s.TaraturaCompleta = false;
+    s.TaraturaInCorso = FaseTaratura::Nessuna;
     s.PassoTaratura = -1;
 }
 
-void Korvantine::impostaAvviaTaratura(std::function<void(int)> avvia)
+void Korvantine::impostaAvviaTaratura(std::function<void(FaseTaratura)> avvia)
 {
     m_avviaTaratura = std::move(avvia);
 }
 
-bool Korvantine::AvviaTaratura(int passo)
+bool Korvantine::AvviaTaratura(FaseTaratura passo)
 {
     if (!m_avviaTaratura)
         return false;
@@ -407,9 +407,9 @@ void Korvantine::aggiornaStatoCollegamento()
     int stato = 3;
     if (!m_programma.porta.PortOpen())
         stato = 0;
-    else if (s.EcuNormale == 0)
+    else if (!s.EcuNormale)
         stato = 4;
-    else if (s.EcuDaIdentificare != 0)
+    else if (s.EcuDaIdentificare)
         stato = m_programma.motore.StatoDialogo() == Identificazione::StatoVersione
                         || m_programma.motore.StatoDialogo() == Identificazione::StatoLetture
                     ? 2

@@ -18,6 +18,7 @@ namespace kv {
 class MainLambda;
 class MsgBox1;
 class Programma;
+enum class FaseTaratura : qint16;
 
 // The main frame: one page at a time inside it, the message strip under it. It follows the
 // link (menu refresh, wait cursor, the watchdog's return to the menu) and opens the pages
@@ -83,9 +84,9 @@ public:
     void RitornoMenu();
     void ChiudiPagineTaratura();
     // The calibration sequence is driven from outside; without it the menu entry opens nothing.
-    void impostaAvviaTaratura(std::function<void(int passo)> avvia);
+    void impostaAvviaTaratura(std::function<void(FaseTaratura passo)> avvia);
     bool sequenzaTaraturaDisponibile() const { return static_cast<bool>(m_avviaTaratura); }
-    bool AvviaTaratura(int passo);
+    bool AvviaTaratura(FaseTaratura passo);
     // Port, stream and identification, in the strip.
     void aggiornaStatoCollegamento();
 
@@ -128,7 +129,7 @@ private:
 
     Programma &m_programma;
     std::map<IdPagina, Registrazione> m_registro;
-    std::function<void(int)> m_avviaTaratura;
+    std::function<void(FaseTaratura)> m_avviaTaratura;
 
     QWidget *m_area;
     QLabel *m_segnalazione;

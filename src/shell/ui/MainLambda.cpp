@@ -211,7 +211,7 @@ void MainLambda::AggiornaMenu()
         funzione(i)->setEnabled(f.abilitata[static_cast<size_t>(i)]);
     }
     m_uscita->setText(f.uscita);
-    ScegliFunzione(p.stato.FunzioneScelta);
+    ScegliFunzione(static_cast<int>(p.stato.FunzioneScelta));
 }
 
 void MainLambda::ScegliFunzione(int indice)
@@ -220,12 +220,12 @@ void MainLambda::ScegliFunzione(int indice)
     StatoProgramma &s = p.stato;
     setEnabled(!m_frame.paginaSopra());
     const bool valido = indice >= 0 && indice < Menu::NumeroFunzioni;
-    if (indice != s.FunzioneScelta || !valido) {
+    if (indice != static_cast<int>(s.FunzioneScelta) || !valido) {
         m_boxMenu->hide();
         m_boxMenu->setEnabled(false);
     }
     if (valido || indice == -1)
-        s.FunzioneScelta = static_cast<qint16>(indice);
+        s.FunzioneScelta = static_cast<Funzione>(indice);
     for (int i = 0; i < Menu::NumeroFunzioni; ++i)
         funzione(i)->setChecked(valido && i == indice);
 
@@ -273,9 +273,9 @@ void MainLambda::cliccaOpzione(int indice)
         if (!m_frame.sequenzaTaraturaDisponibile())
             return;
         StatoProgramma &s = m_frame.programma().stato;
-        s.TaraturaInCorso = 0;
+        s.TaraturaInCorso = FaseTaratura::Avviso;
         s.PassoTaratura = 0;
-        m_frame.AvviaTaratura(0);
+        m_frame.AvviaTaratura(FaseTaratura::Avviso);
         return;
     }
     // A page whose unit is not built yet is not in the registry: nothing opens.

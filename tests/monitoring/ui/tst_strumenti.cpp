@@ -51,9 +51,10 @@ class TstStrumenti : public QObject
     void record(double giri, double tps, double lambda, double passi, double zona, double pompa, double alim)
     {
         auto &v = p->stato.DatiAttuali[0].Valore;
-        std::tie(v[1], v[2], v[3], v[4], v[5], v[7], v[8], v[10]) =
+        std::tie(v[Canale::FlagPa], v[Canale::Giri], v[Canale::Tps], v[Canale::Lambda], v[Canale::ActPos],
+                 v[Canale::MZonAct], v[Canale::Pompata], v[Canale::TipAlim]) =
             std::tuple(0.0, giri, tps, lambda, passi, zona, pompa, alim);
-        p->stato.DatoNuovo = -1;
+        p->stato.DatoNuovo = true;
     }
 
     // Loaded and read, so the record last shown is all -1.
@@ -80,7 +81,7 @@ private slots:
         req = r.get();
         p = std::make_unique<Programma>(cartella.path(), std::move(pe), std::move(r),
                                         std::make_unique<TemporizzatoreManuale>());
-        p->stato.EcuDaIdentificare = 0;
+        p->stato.EcuDaIdentificare = false;
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
         using namespace Par;
         for (auto [v, grezzo] : {std::pair{SogliaGiriEntrataMinimo, 1100},
@@ -109,7 +110,7 @@ private slots:
 
     void thirteenReadsFillTheSetPoints()
     {
-        p->stato.RegistrazioneAttiva = 0;
+        p->stato.RegistrazioneAttiva = false;
         p->anello.IndiceRegistrazione = 7;
         QSignalSpy fine(modello.get(), &M::letturaFinita);
         QVERIFY(modello->carica());
@@ -117,7 +118,7 @@ private slots:
         QVERIFY(attendi());
         QCOMPARE(fine.size(), 1);
         QCOMPARE(fine.at(0).at(0).toBool(), true);
-        QCOMPARE(p->stato.RegistrazioneAttiva, qint16(-1));
+        QCOMPARE(p->stato.RegistrazioneAttiva, true);
         QCOMPARE(p->anello.IndiceRegistrazione, qint16(-1));
 
         QCOMPARE(porta->scritti.size(), 13);
@@ -159,7 +160,7 @@ private slots:
         record(2500, 40, 120, 90, 2, 0, 1);
         M::Cambiamenti c = modello->tick();
         QVERIFY(c.giri && c.tps && c.lambda && c.motorino && c.alimentazione && c.pompata && c.zona);
-        QCOMPARE(p->stato.DatoNuovo, qint16(0));
+        QCOMPARE(p->stato.DatoNuovo, false);
         const M::Quadro &q = modello->quadro();
         QCOMPARE(q.giri, QString("2500"));
         QCOMPARE(q.lancettaGiri, 2.5);
@@ -172,7 +173,7 @@ private slots:
         c = modello->tick();
         QVERIFY(c.giri);
         QVERIFY(!c.tps && !c.lambda && !c.motorino && !c.alimentazione && !c.pompata && !c.zona);
-        QCOMPARE(p->stato.DatiAttuali[1].Valore[2], 2600.0);
+        QCOMPARE(p->stato.DatiAttuali[1].Valore[Canale::Giri], 2600.0);
 
         // Off its scale a pointer stays where it was while the number goes on; the top of a
         // scale is still on it.
@@ -240,16 +241,18 @@ private slots:
         QCOMPARE(*s.findChild<ScalaMotorino *>("MotorinoZ")->reset(), 120.0 / 255);
 
         ecu->avanzaTempo(40);
-        QTRY_COMPARE(p->stato.DatoNuovo, qint16(-1));
+        QTRY_COMPARE(p->stato.DatoNuovo, true);
         const RecordDati r = p->stato.DatiAttuali[0];
         s.VisDati();
-        QCOMPARE(s.findChild<QLabel *>("DatoCanale_2")->text(), QString::number(std::lround(r.Valore[2])));
-        QCOMPARE(s.findChild<Contagiri *>("Dato_Giri")->valore(), r.Valore[2] / 1000);
-        QCOMPARE(s.findChild<QLabel *>("DatoCanale_3")->text(), QString::number(std::lround(r.Valore[5])));
+        QCOMPARE(s.findChild<QLabel *>("DatoCanale_2")->text(),
+                 QString::number(std::lround(r.Valore[Canale::Giri])));
+        QCOMPARE(s.findChild<Contagiri *>("Dato_Giri")->valore(), r.Valore[Canale::Giri] / 1000);
+        QCOMPARE(s.findChild<QLabel *>("DatoCanale_3")->text(),
+                 QString::number(std::lround(r.Valore[Canale::ActPos])));
 
         record(9000, 30, 40, 50, 3, 0, 2);
         s.VisDati();
-        QCOMPARE(s.findChild<Contagiri *>("Dato_Giri")->valore(), r.Valore[2] / 1000);
+        QCOMPARE(s.findChild<Contagiri *>("Dato_Giri")->valore(), r.Valore[Canale::Giri] / 1000);
         QCOMPARE(s.findChild<QLabel *>("DatoCanale_2")->text(), QString("9000"));
         auto *alim = s.findChild<QLabel *>("StatoAlim");
         QCOMPARE(alim->text(), testo("ALIMENTAZIONE", "TIPO.99"));
@@ -260,7 +263,7 @@ private slots:
         p->anello.IndiceRegistrazione = 5;
         QTest::keyClick(&s, Qt::Key_Escape);
         QCOMPARE(chiusa.size(), 1);
-        QCOMPARE(p->stato.RegistrazioneAttiva, qint16(0));
+        QCOMPARE(p->stato.RegistrazioneAttiva, false);
         QCOMPARE(p->anello.IndiceRegistrazione, qint16(-1));
     }
 };

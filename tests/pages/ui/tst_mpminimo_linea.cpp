@@ -83,7 +83,7 @@ private slots:
         QVERIFY(p->ApriPorta());
         ecu->avvia();
         // The first live frame identifies the ECU; the page comes after, as from the menu.
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, qint16(0), 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 5000);
         QVERIFY(libero());
         ricevuti.clear();
         rispostaEsci = 2;

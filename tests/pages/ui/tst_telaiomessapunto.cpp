@@ -130,7 +130,7 @@ private slots:
         req = r.get();
         p = std::make_unique<Programma>(cartella.path(), std::move(pe), std::move(r),
                                         std::make_unique<TemporizzatoreManuale>());
-        p->stato.EcuDaIdentificare = 0;
+        p->stato.EcuDaIdentificare = false;
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
         risposta = 2;
         domande = 0;
@@ -315,11 +315,11 @@ private slots:
         QTRY_VERIFY(!etichetta("Dato_0")->text().isEmpty());
         const RecordDati &r = p->stato.DatiAttuali[0];
         // Panel row by row: RPM, lambda, TPS, stepper.
-        const int canali[] = {2, 4, 3, 5};
+        const int canali[] = {Canale::Giri, Canale::Lambda, Canale::Tps, Canale::ActPos};
         for (int i = 0; i < 4; ++i)
             QCOMPARE(etichetta(QString("Dato_%1").arg(i))->text(),
                      QString::number(std::lround(r.Valore[canali[i]])));
-        const int zona = int(r.Valore[7]);
+        const int zona = int(r.Valore[Canale::MZonAct]);
         QCOMPARE(
             etichetta("ZonaLavoro")->text(),
             p->lingua.LeggiTesto("ZONE", zona >= 1 && zona <= 5 ? QString("ZONA.%1").arg(zona) : "ZONA.99"));

@@ -227,7 +227,7 @@ private slots:
         aiuto::Risponditore r;
         QTest::keyClick(m, Qt::Key_F3);
         prova(QStringLiteral("tOrBa"));
-        QCOMPARE(a.stato().ModoAssistenza, qint16(1));
+        QCOMPARE(a.stato().ModoAssistenza, true);
         // The list on view is the old one until the function is chosen again.
         QVERIFY(m->opzione(2)->isHidden());
         QTest::keyClick(m, Qt::Key_F3);
@@ -235,12 +235,12 @@ private slots:
         QCOMPARE(m->opzione(0)->text(), a.testo("MainLambda", "MESSAPUNTO1.0"));
         // A wrong word leaves service mode without a word; in normal mode it is told.
         prova(QStringLiteral("torb"));
-        QCOMPARE(a.stato().ModoAssistenza, qint16(0));
+        QCOMPARE(a.stato().ModoAssistenza, false);
         QVERIFY(r.visti.isEmpty());
         prova(QStringLiteral("torb"));
         QCOMPARE(r.visti.size(), 1);
         QCOMPARE(r.visti[0].testo, a.testo("SEGNALAZIONI", "SEGNALAZIONE_22"));
-        QCOMPARE(a.stato().ModoAssistenza, qint16(0));
+        QCOMPARE(a.stato().ModoAssistenza, false);
     }
 
     void enterInTheAccessBoxMovesOnAndEscCancels()
@@ -258,11 +258,11 @@ private slots:
         QTest::keyClicks(parola, QStringLiteral("TORBA"));
         QTest::keyClick(parola, Qt::Key_Return);
         QCOMPARE(a.frame->paginaSopra(), box);
-        QCOMPARE(a.stato().ModoAssistenza, qint16(0));
+        QCOMPARE(a.stato().ModoAssistenza, false);
         QCOMPARE(box->focusWidget(), a.sullaPagina("TastoOK"));
         QTest::keyClick(box, Qt::Key_Escape);
         QVERIFY(!a.frame->paginaSopra());
-        QCOMPARE(a.stato().ModoAssistenza, qint16(0));
+        QCOMPARE(a.stato().ModoAssistenza, false);
         QVERIFY(m->isEnabled());
         QCOMPARE(a.menu(), m);
     }

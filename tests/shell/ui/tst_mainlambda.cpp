@@ -47,7 +47,7 @@ private slots:
         QCOMPARE(a.frame->windowTitle(), a.testo("KORVANTINE", "CAPTION"));
         QVERIFY(!boxVisibile(m));
         QTest::keyClick(m, Qt::Key_F3);
-        QCOMPARE(a.stato().FunzioneScelta, qint16(2));
+        QCOMPARE(a.stato().FunzioneScelta, Funzione::MessaPunto);
         QVERIFY(boxVisibile(m) && m->funzione(2)->isChecked());
         QCOMPARE(abilitate(m), QStringLiteral("11"));
         QCOMPARE(m->opzione(1)->text(), a.testo("MainLambda", "MESSAPUNTO0.1"));
@@ -58,7 +58,7 @@ private slots:
         // Esc closes the box; Shift keys then open nothing.
         QTest::keyClick(m, Qt::Key_Escape);
         QVERIFY(!boxVisibile(m));
-        QCOMPARE(a.stato().FunzioneScelta, qint16(-1));
+        QCOMPARE(a.stato().FunzioneScelta, Funzione::Nessuna);
         QTest::keyClick(m, Qt::Key_F9, Qt::ShiftModifier);
         QCOMPARE(a.frame->paginaAttiva(), m);
         QTest::keyClick(m, Qt::Key_F5);
@@ -76,14 +76,14 @@ private slots:
         MainLambda *m = a.menu();
         QTest::keyClick(m, Qt::Key_F3);
         a.arriva("g\x01");
-        QCOMPARE(a.stato().EcuNormale, qint16(0));
+        QCOMPARE(a.stato().EcuNormale, false);
         QVERIFY(boxVisibile(m));
         a.frame->AggiornaMenu();
         QVERIFY(!boxVisibile(m));
-        QCOMPARE(a.stato().FunzioneScelta, qint16(-1));
+        QCOMPARE(a.stato().FunzioneScelta, Funzione::Nessuna);
         QCOMPARE(abilitate(m, false), QStringLiteral("10001"));
         QTest::keyClick(m, Qt::Key_F2);
-        QCOMPARE(a.stato().FunzioneScelta, qint16(-1));
+        QCOMPARE(a.stato().FunzioneScelta, Funzione::Nessuna);
     }
 
     void calibrationStatusTurnsTuningOffAtOnce()
@@ -99,7 +99,7 @@ private slots:
         a.arriva(datiLive(0));
         QCOMPARE(abilitate(m, false), QStringLiteral("11111"));
         // The calibration function stays chosen, now with all its entries.
-        QCOMPARE(a.stato().FunzioneScelta, qint16(3));
+        QCOMPARE(a.stato().FunzioneScelta, Funzione::Taratura);
         QCOMPARE(abilitate(m), QStringLiteral("11111"));
     }
 
@@ -162,7 +162,7 @@ private slots:
         // The sequence has no driver yet: its entry leaves the flags alone.
         QTest::keyClick(m, Qt::Key_F4);
         m->opzione(4)->click();
-        QCOMPARE(a.stato().TaraturaInCorso, qint16(-1));
+        QCOMPARE(a.stato().TaraturaInCorso, FaseTaratura::Nessuna);
         QCOMPARE(a.frame->paginaAttiva(), m);
         // A factory may decline: nothing changes.
         a.frame->registraPagina(IdPagina::MP_Normale, [](Korvantine &) { return nullptr; });
@@ -175,7 +175,7 @@ private slots:
         Ambiente a;
         int vive = 0;
         a.registraContata(IdPagina::MP_Minimo, vive);
-        a.stato().ModoAssistenza = 1;
+        a.stato().ModoAssistenza = true;
         QPointer<MainLambda> vecchio(a.menu());
         QTest::keyClick(vecchio, Qt::Key_F3);
         QTest::keyClick(vecchio, Qt::Key_F1, Qt::ShiftModifier);
@@ -192,7 +192,7 @@ private slots:
         QVERIFY(!pagina->isVisible());
         MainLambda *nuovo = a.menu();
         QVERIFY(nuovo);
-        QCOMPARE(a.stato().FunzioneScelta, qint16(2));
+        QCOMPARE(a.stato().FunzioneScelta, Funzione::MessaPunto);
         QVERIFY(boxVisibile(nuovo));
         QCOMPARE(a.frame->windowTitle(), a.testo("KORVANTINE", "CAPTION"));
         QTRY_COMPARE(vive, 0);
@@ -210,7 +210,7 @@ private slots:
         QVERIFY(a.frame->apriPagina(IdPagina::Strumenti));
         QVERIFY(a.dati->scatta());
         QCOMPARE(a.frame->idPaginaAttiva(), IdPagina::Strumenti);
-        QCOMPARE(a.stato().EcuDaIdentificare, qint16(-1));
+        QCOMPARE(a.stato().EcuDaIdentificare, true);
 
         // A tuning page goes, without a word.
         a.identifica();
@@ -226,13 +226,13 @@ private slots:
         a.identifica();
         a.arriva(datiLive(234));
         QVERIFY(a.frame->apriPagina(IdPagina::T_Giri_Single));
-        a.stato().TaraturaInCorso = 2;
+        a.stato().TaraturaInCorso = FaseTaratura::Giri;
         a.stato().PassoTaratura = 1;
         QVERIFY(a.dati->scatta());
         QVERIFY(a.menu());
-        QCOMPARE(a.stato().TaraturaInCorso, qint16(-1));
+        QCOMPARE(a.stato().TaraturaInCorso, FaseTaratura::Nessuna);
         QCOMPARE(a.stato().PassoTaratura, qint16(-1));
-        QCOMPARE(a.stato().TaraturaCompleta, qint16(0));
+        QCOMPARE(a.stato().TaraturaCompleta, false);
         QTRY_COMPARE(vive, 0);
     }
 
@@ -240,17 +240,17 @@ private slots:
     {
         Ambiente a;
         QList<int> passi;
-        a.frame->impostaAvviaTaratura([&](int passo) { passi << passo; });
+        a.frame->impostaAvviaTaratura([&](FaseTaratura passo) { passi << static_cast<int>(passo); });
         QTest::keyClick(a.menu(), Qt::Key_F4);
         QTest::keyClick(a.menu(), Qt::Key_F5, Qt::ShiftModifier);
         QCOMPARE(passi, QList<int>{0});
-        QCOMPARE(a.stato().TaraturaInCorso, qint16(0));
+        QCOMPARE(a.stato().TaraturaInCorso, FaseTaratura::Avviso);
         QCOMPARE(a.stato().PassoTaratura, qint16(0));
         // The next step, with the menu only if none opens.
         int vive = 0;
         a.registraContata(IdPagina::T_Giri, vive);
         QWidget *giri = a.frame->apriPagina(IdPagina::T_Giri);
-        a.stato().TaraturaInCorso = 3;
+        a.stato().TaraturaInCorso = FaseTaratura::Tps;
         a.frame->ChiudiPagina(giri, -1);
         QCOMPARE(passi, (QList<int>{0, 3}));
         QVERIFY(a.menu());

@@ -32,7 +32,7 @@ public:
 private:
     void nota(const RecordDati &r)
     {
-        stati << static_cast<int>(r.Valore[1]);
+        stati << static_cast<int>(r.Valore[Canale::FlagPa]);
         if (stati.last() == m_statoDomanda)
             m_a.frame->MostraMsg(QStringLiteral("Calibration finished"), 64, QStringLiteral("t"));
     }
@@ -99,7 +99,7 @@ private slots:
         QCOMPARE(r.visti.size(), 1);
         QCOMPARE(nelBox, QList<int>{29});
         QCOMPARE(ascolto.stati, (QList<int>{29, 1, 0, 2}));
-        QCOMPARE(a.stato().EcuInMarcia, qint16(0));
+        QCOMPARE(a.stato().EcuInMarcia, false);
     }
 
     void framesDuringAUsersBoxAreHandledOnceAtOnce()
