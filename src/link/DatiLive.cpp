@@ -51,6 +51,17 @@ void DatiLive::decodifica(const QByteArray &payload, RecordDati &record)
 }
 
 template <typename F>
+void DatiLive::protetto(F &&f)
+{
+    // A fault in a page's or the calibration's part loses this sample, not the stream.
+    try {
+        f();
+    } catch (...) {
+        m_stato.DatoNuovo = 0;
+    }
+}
+
+template <typename F>
 void DatiLive::perOgniAscoltatore(F &&f)
 {
     // A listener may remove itself (a page closing) while we walk the list.
@@ -58,11 +69,7 @@ void DatiLive::perOgniAscoltatore(F &&f)
     for (AscoltatoreDati *a : copia) {
         if (std::find(m_ascoltatori.begin(), m_ascoltatori.end(), a) == m_ascoltatori.end())
             continue;
-        try {
-            f(a);
-        } catch (...) {
-            m_stato.DatoNuovo = 0;
-        }
+        protetto([&] { f(a); });
     }
 }
 
@@ -84,6 +91,8 @@ void DatiLive::RispostaDati(const QByteArray &payload)
     m_stato.DatoNuovo = -1;
 
     if (attuale.Valore[1] == 0) {
+        if (m_taratura && !m_stato.TaraturaCompleta)
+            protetto([&] { m_taratura->marciaNormale(attuale); });
         if (m_stato.EcuInMarcia != 1) {
             m_stato.EcuInMarcia = 1;
             emit inMarciaCambiata(1);
@@ -96,6 +105,11 @@ void DatiLive::RispostaDati(const QByteArray &payload)
                 m_stato.FunzioneScelta = -1;
             emit inMarciaCambiata(0);
         }
+        if (m_taratura) {
+            const int stato = static_cast<int>(attuale.Valore[1]);
+            const bool sequenza = m_stato.TaraturaCompleta != 0;
+            protetto([&] { m_taratura->statoTaratura(stato, sequenza, attuale); });
+        }
         perOgniAscoltatore([&](AscoltatoreDati *a) { a->frameStato(attuale); });
     }
     m_timeOutDati.setEnabled(true);
@@ -105,6 +119,11 @@ void DatiLive::RispostaVita()
 {
     m_timeOutDati.setEnabled(false);
     m_identificazione.RispostaVita();
+}
+
+void DatiLive::flussoPerso()
+{
+    watchdog();
 }
 
 void DatiLive::watchdog()

@@ -95,6 +95,12 @@ void MotoreDialogo::termina()
     StatoDialogo = -1;
 }
 
+void MotoreDialogo::abbandona()
+{
+    if (m_timeOutReq.isEnabled())
+        scadenzaTimeOutReq();
+}
+
 void MotoreDialogo::scrivi(const QByteArray &bytes)
 {
     if (!m_porta.scrivi(bytes))

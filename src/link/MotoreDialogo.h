@@ -61,6 +61,9 @@ public:
     bool continua();
     // End of a dialogue: cursor back, link free.
     void termina();
+    // The line is gone: a request still waiting for its reply ends at once, as its time-out
+    // would have ended it.
+    void abbandona();
 
     bool PortOpen() const;
 

@@ -8,6 +8,8 @@
 #include "variables/Conversioni.h"
 #include "variables/Formato.h"
 
+#include <algorithm>
+
 namespace kv {
 
 namespace {
@@ -30,10 +32,10 @@ QString intero(double v)
     return FormattaNumero(v, QStringLiteral("#0"));
 }
 
-// Position on a 0..255 scale as a fraction of its height; -1 when it cannot be worked out.
-double posizione(double v)
+// Position on a scale as a fraction of its height; -1 when it cannot be worked out.
+double posizione(double v, double minimo = 0.0, double massimo = 255.0)
 {
-    return Interpola(v, 1.0, 0.0, 255.0, 0.0);
+    return Interpola(v, 1.0, 0.0, massimo, minimo);
 }
 
 } // namespace
@@ -106,27 +108,47 @@ double ModelloStrumenti::scalaLambda() const
     return valore(ScalaLambda);
 }
 
+ModelloStrumenti::Scala ModelloStrumenti::scalaBarra(int canale) const
+{
+    Scala s;
+    const bool lambdaGrezza = m_programma.stato.DatiAttuali[0].Valore[11] == 1;
+    if (canale == 3 || (canale == 4 && lambdaGrezza)) {
+        const Canale &c = m_programma.canali.Canali[static_cast<size_t>(canale)];
+        s.minimo = std::min(s.minimo, static_cast<double>(c.MinTabella));
+        s.massimo = std::max(s.massimo, static_cast<double>(c.MaxTabella));
+    }
+    return s;
+}
+
 std::optional<double> ModelloStrumenti::marcatore(Marcatore m) const
 {
     double v = -1;
+    // Set points on a bar stand on that bar's scale; those of the stepper on 0..255.
+    Scala scala;
     switch (m) {
     case MarcaTpsMinimo:
         v = valore(TpsMinimo);
+        scala = scalaBarra(3);
         break;
     case MarcaTpsCutOff:
         v = valore(TpsCutOff);
+        scala = scalaBarra(3);
         break;
     case MarcaTpsPienoCarico:
         v = valore(TpsPienoCarico);
+        scala = scalaBarra(3);
         break;
     case MarcaLambdaMinimo:
         v = valore(LambdaMinimo);
+        scala = scalaBarra(4);
         break;
     case MarcaLambdaNormale:
         v = valore(LambdaNormale);
+        scala = scalaBarra(4);
         break;
     case MarcaLambdaPienoCarico:
         v = valore(LambdaPienoCarico);
+        scala = scalaBarra(4);
         break;
     case LineaReset:
     case PassiNormSopra:
@@ -150,7 +172,7 @@ std::optional<double> ModelloStrumenti::marcatore(Marcatore m) const
     }
     if (v == -1.0)
         return std::nullopt;
-    const double y = posizione(v);
+    const double y = posizione(v, scala.minimo, scala.massimo);
     if (y == -1.0)
         return std::nullopt;
     return y;
@@ -213,18 +235,20 @@ ModelloStrumenti::Cambiamenti ModelloStrumenti::tick()
         if (migliaia >= GiriMinimoScala && migliaia <= GiriMassimoScala)
             m_quadro.lancettaGiri = migliaia;
     }
-    const auto inBarra = [](double v) {
+    const auto inBarra = [this](int canale, double v) {
+        const Scala scala = scalaBarra(canale);
         const float f = static_cast<float>(v);
-        return f >= static_cast<float>(BarraMinimo) && f <= static_cast<float>(BarraMassimo);
+        return f >= static_cast<float>(scala.minimo) && f <= static_cast<float>(scala.massimo);
     };
     if ((c.tps = cambiato(3))) {
         m_quadro.tps = intero(nuovo[3]);
-        if (inBarra(nuovo[3]))
+        if (inBarra(3, nuovo[3]))
             m_quadro.barraTps = nuovo[3];
     }
-    if ((c.lambda = cambiato(4))) {
+    // The probe type decides the lambda bar's scale, so a change of it counts as a change.
+    if ((c.lambda = cambiato(4) || cambiato(11))) {
         m_quadro.lambda = intero(nuovo[4]);
-        if (inBarra(nuovo[4]))
+        if (inBarra(4, nuovo[4]))
             m_quadro.barraLambda = nuovo[4];
     }
     if ((c.motorino = cambiato(5))) {
