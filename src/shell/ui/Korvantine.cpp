@@ -96,7 +96,7 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     registraPagina(
         IdPagina::Infor, [](Korvantine &f) { return new Infor(f); }, Apertura::SopraIlMenu);
     // The tuning, live-data, calibration, programming and archive pages are registered by
-    // their own units; until they are, their menu entries open nothing.
+    // their own units; until they are, their menu entries say they are not there yet.
 
     Programma &p = m_programma;
     connect(&p, &Programma::portaNonAperta, this, [this](const QString &testo, const QString &titolo) {
@@ -152,7 +152,6 @@ void Korvantine::avvia()
             show();
         }
         // The menu is driven by keys: the frame asks for the keyboard as it comes up.
-        raise();
         activateWindow();
     }
     m_avviato = true;

@@ -82,7 +82,7 @@ public:
     // The watchdog: a tuning page goes, the menu comes back.
     void RitornoMenu();
     void ChiudiPagineTaratura();
-    // The calibration sequence is driven from outside; without it the menu entry opens nothing.
+    // The calibration sequence is driven from outside; without it the menu entry says so.
     void impostaAvviaTaratura(std::function<void(int passo)> avvia);
     bool sequenzaTaraturaDisponibile() const { return static_cast<bool>(m_avviaTaratura); }
     bool AvviaTaratura(int passo);
