@@ -76,7 +76,7 @@ int main(int argc, char *argv[])
     Korvantine finestra(programma);
     QObject::connect(&finestra, &Korvantine::uscita, &app, [] { QCoreApplication::exit(0); });
     // Each unit of pages puts its own into the frame's registry; a menu entry whose page is
-    // in none of them opens nothing.
+    // in none of them tells the fitter it is not there yet.
     RegistraPagineMessaPunto(finestra);
     RegistraStrumenti(finestra);
 

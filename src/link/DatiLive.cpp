@@ -55,6 +55,17 @@ void DatiLive::decodifica(const QByteArray &payload, RecordDati &record)
 }
 
 template <typename F>
+void DatiLive::protetto(F &&f)
+{
+    // A fault in a page's or the calibration's part loses this sample, not the stream.
+    try {
+        f();
+    } catch (...) {
+        m_stato.DatoNuovo = 0;
+    }
+}
+
+template <typename F>
 void DatiLive::perOgniAscoltatore(F &&f)
 {
     // A listener may remove itself (a page closing) while we walk the list.
@@ -62,15 +73,7 @@ void DatiLive::perOgniAscoltatore(F &&f)
     for (AscoltatoreDati *a : copia) {
         if (std::find(m_ascoltatori.begin(), m_ascoltatori.end(), a) == m_ascoltatori.end())
             continue;
-        try {
-            f(a);
-        } catch (const std::exception &e) {
-            qWarning("A live data listener failed: %s", e.what());
-            m_stato.DatoNuovo = false;
-        } catch (...) {
-            qWarning("A live data listener failed: unknown exception");
-            m_stato.DatoNuovo = false;
-        }
+        protetto([&] { f(a); });
     }
 }
 
@@ -92,6 +95,8 @@ void DatiLive::RispostaDati(const QByteArray &payload)
     m_stato.DatoNuovo = true;
 
     if (attuale.Valore[Canale::FlagPa] == 0) {
+        if (m_taratura && !m_stato.TaraturaCompleta)
+            protetto([&] { m_taratura->marciaNormale(attuale); });
         if (!m_stato.EcuInMarcia) {
             m_stato.EcuInMarcia = true;
             emit inMarciaCambiata(true);
@@ -104,6 +109,11 @@ void DatiLive::RispostaDati(const QByteArray &payload)
                 m_stato.FunzioneScelta = Funzione::Nessuna;
             emit inMarciaCambiata(false);
         }
+        if (m_taratura) {
+            const int stato = static_cast<int>(attuale.Valore[Canale::FlagPa]);
+            const bool sequenza = m_stato.TaraturaCompleta != 0;
+            protetto([&] { m_taratura->statoTaratura(stato, sequenza, attuale); });
+        }
         perOgniAscoltatore([&](AscoltatoreDati *a) { a->frameStato(attuale); });
     }
     m_timeOutDati.setEnabled(true);
@@ -113,6 +123,11 @@ void DatiLive::RispostaVita()
 {
     m_timeOutDati.setEnabled(false);
     m_identificazione.RispostaVita();
+}
+
+void DatiLive::flussoPerso()
+{
+    watchdog();
 }
 
 void DatiLive::watchdog()

@@ -25,6 +25,22 @@ public:
     virtual void campioneRegistrato(bool alLimite) { Q_UNUSED(alLimite); }
 };
 
+// The calibration's share of the live stream: the status byte, not a reply, drives its pages,
+// and the ECU may open the RPM page by itself (status 234) or end a single calibration by
+// going back to normal running. The calibration unit plugs this in; the stream calls it at
+// its place in each frame, after the frame has been decoded into DatiAttuali(0).
+class GestoreTaratura
+{
+public:
+    virtual ~GestoreTaratura() = default;
+    // Status 0 while no sequence runs (TaraturaCompleta clear), before EcuInMarcia follows
+    // the frame: a single calibration page that is open ends here, with its message.
+    virtual void marciaNormale(const RecordDati &attuale) = 0;
+    // Any other status, after EcuInMarcia has followed it: the branch of the sequence when
+    // sequenza (TaraturaCompleta set), otherwise that of the single calibration.
+    virtual void statoTaratura(int stato, bool sequenza, const RecordDati &attuale) = 0;
+};
+
 // The 'd' frames that the ECU sends unasked, and the watchdog that notices when they stop.
 class DatiLive : public QObject
 {
@@ -40,6 +56,12 @@ public:
 
     void aggiungiAscoltatore(AscoltatoreDati *a);
     void rimuoviAscoltatore(AscoltatoreDati *a);
+    // One at a time; nullptr takes it out.
+    void impostaGestoreTaratura(GestoreTaratura *g) { m_taratura = g; }
+
+    // The line is gone: the stream counts as lost now, as the watchdog would find two
+    // seconds later, and whatever ECU was there is unknown until the line comes back.
+    void flussoPerso();
 
     // The payload of a 'd' frame into a sample record (channels 1 to 11).
     static void decodifica(const QByteArray &payload, RecordDati &record);
@@ -54,6 +76,8 @@ private:
     void watchdog();
     template <typename F>
     void perOgniAscoltatore(F &&f);
+    template <typename F>
+    void protetto(F &&f);
 
     StatoProgramma &m_stato;
     MotoreDialogo &m_motore;
@@ -61,6 +85,7 @@ private:
     Temporizzatore &m_timeOutDati;
     AnelloRegistrazione *m_anello;
     std::vector<AscoltatoreDati *> m_ascoltatori;
+    GestoreTaratura *m_taratura = nullptr;
 };
 
 } // namespace kv

@@ -114,6 +114,12 @@ void MotoreDialogo::termina()
     m_passoDialogo = -1;
 }
 
+void MotoreDialogo::lineaPersa()
+{
+    if (m_timeOutReq.isEnabled())
+        scadenzaTimeOutReq();
+}
+
 void MotoreDialogo::abbandona()
 {
     m_timeOutReq.setEnabled(false);

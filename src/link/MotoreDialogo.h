@@ -77,6 +77,9 @@ public:
     // What a time-out or an emergency does: timer stopped, cursor back, link free; whatever
     // is still queued stays there until the next dialogue empties it.
     void abbandona();
+    // The line is gone: a request still waiting for its reply ends at once, as its time-out
+    // would have ended it.
+    void lineaPersa();
 
     [[nodiscard]] bool PortOpen() const;
 

@@ -70,10 +70,18 @@ void PortaSeriale::leggi()
 
 void PortaSeriale::errore(QSerialPort::SerialPortError e)
 {
-    // Only a lost device ends the link; a single failed read or write is left to the
-    // time-outs of the dialogue, as on any noisy line.
-    if (e != QSerialPort::ResourceError && e != QSerialPort::PermissionError)
+    // A read or write that the system refuses on an open device means the device is gone
+    // (an adapter pulled out, a line hung up); the driver copes with a busy line by itself,
+    // and a garbled byte is no error here but a frame that fails its checksum.
+    switch (e) {
+    case QSerialPort::ResourceError:
+    case QSerialPort::PermissionError:
+    case QSerialPort::ReadError:
+    case QSerialPort::WriteError:
+        break;
+    default:
         return;
+    }
     if (!m_porta.isOpen())
         return;
     m_errore = m_porta.errorString();

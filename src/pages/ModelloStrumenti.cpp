@@ -7,6 +7,8 @@
 #include "variables/Conversioni.h"
 #include "variables/Formato.h"
 
+#include <algorithm>
+
 namespace kv {
 
 namespace {
@@ -29,10 +31,10 @@ QString intero(double v)
     return FormattaNumero(v, QStringLiteral("#0"));
 }
 
-// Position on a 0..255 scale as a fraction of its height; -1 when it cannot be worked out.
-double posizione(double v)
+// Position on a scale as a fraction of its height; -1 when it cannot be worked out.
+double posizione(double v, double minimo = 0.0, double massimo = 255.0)
 {
-    return Interpola(v, 1.0, 0.0, 255.0, 0.0);
+    return Interpola(v, 1.0, 0.0, massimo, minimo);
 }
 
 } // namespace
@@ -105,27 +107,47 @@ double ModelloStrumenti::scalaLambda() const
     return valore(ScalaLambda);
 }
 
+ModelloStrumenti::Scala ModelloStrumenti::scalaBarra(int canale) const
+{
+    Scala s;
+    const bool lambdaGrezza = m_programma.stato.DatiAttuali[0].Valore[Canale::TipoLambda] == 1;
+    if (canale == 3 || (canale == 4 && lambdaGrezza)) {
+        const Canale &c = m_programma.canali.Canali[static_cast<size_t>(canale)];
+        s.minimo = std::min(s.minimo, static_cast<double>(c.MinTabella));
+        s.massimo = std::max(s.massimo, static_cast<double>(c.MaxTabella));
+    }
+    return s;
+}
+
 std::optional<double> ModelloStrumenti::marcatore(Marcatore m) const
 {
     double v = -1;
+    // Set points on a bar stand on that bar's scale; those of the stepper on 0..255.
+    Scala scala;
     switch (m) {
     case MarcaTpsMinimo:
         v = valore(TpsMinimo);
+        scala = scalaBarra(3);
         break;
     case MarcaTpsCutOff:
         v = valore(TpsCutOff);
+        scala = scalaBarra(3);
         break;
     case MarcaTpsPienoCarico:
         v = valore(TpsPienoCarico);
+        scala = scalaBarra(3);
         break;
     case MarcaLambdaMinimo:
         v = valore(LambdaMinimo);
+        scala = scalaBarra(4);
         break;
     case MarcaLambdaNormale:
         v = valore(LambdaNormale);
+        scala = scalaBarra(4);
         break;
     case MarcaLambdaPienoCarico:
         v = valore(LambdaPienoCarico);
+        scala = scalaBarra(4);
         break;
     case LineaReset:
     case PassiNormSopra:
@@ -149,7 +171,7 @@ std::optional<double> ModelloStrumenti::marcatore(Marcatore m) const
     }
     if (v == -1.0)
         return std::nullopt;
-    const double y = posizione(v);
+    const double y = posizione(v, scala.minimo, scala.massimo);
     if (y == -1.0)
         return std::nullopt;
     return y;
@@ -208,18 +230,20 @@ ModelloStrumenti::Cambiamenti ModelloStrumenti::tick()
         if (migliaia >= GiriMinimoScala && migliaia <= GiriMassimoScala)
             m_quadro.lancettaGiri = migliaia;
     }
-    const auto inBarra = [](double v) {
+    const auto inBarra = [this](int canale, double v) {
+        const Scala scala = scalaBarra(canale);
         const float f = static_cast<float>(v);
-        return f >= static_cast<float>(BarraMinimo) && f <= static_cast<float>(BarraMassimo);
+        return f >= static_cast<float>(scala.minimo) && f <= static_cast<float>(scala.massimo);
     };
     if ((c.tps = cambiato(Canale::Tps))) {
         m_quadro.tps = intero(nuovo[Canale::Tps]);
-        if (inBarra(nuovo[Canale::Tps]))
+        if (inBarra(Canale::Tps, nuovo[Canale::Tps]))
             m_quadro.barraTps = nuovo[Canale::Tps];
     }
-    if ((c.lambda = cambiato(Canale::Lambda))) {
+    // The probe type decides the lambda bar's scale, so a change of it counts as a change.
+    if ((c.lambda = cambiato(Canale::Lambda) || cambiato(Canale::TipoLambda))) {
         m_quadro.lambda = intero(nuovo[Canale::Lambda]);
-        if (inBarra(nuovo[Canale::Lambda]))
+        if (inBarra(Canale::Lambda, nuovo[Canale::Lambda]))
             m_quadro.barraLambda = nuovo[Canale::Lambda];
     }
     if ((c.motorino = cambiato(Canale::ActPos))) {

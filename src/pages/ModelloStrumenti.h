@@ -54,11 +54,23 @@ public:
         Marcatori
     };
 
-    // Scales of the instruments: the gauge in thousands of RPM, the bars on 0..255.
+    // Scales of the instruments: the gauge in thousands of RPM, the bars at least on the
+    // 0..255 of a 10-bit input as the stream shows it.
     static constexpr double GiriMinimoScala = 0;
     static constexpr double GiriMassimoScala = 8;
     static constexpr double BarraMinimo = 0;
     static constexpr double BarraMassimo = 255;
+
+    struct Scala
+    {
+        double minimo = BarraMinimo;
+        double massimo = BarraMassimo;
+        bool operator==(const Scala &) const = default;
+    };
+    // The scale of the bar of channel 3 (TPS) or 4 (lambda) for the newest record: 0..255
+    // joined to the channel's range in the channel table wherever the stream may go beyond
+    // 255, which a probe of type 1 does, sending its lambda raw.
+    Scala scalaBarra(int canale) const;
 
     // Supply-state colours, blue-green-red as the program keeps them.
     static constexpr quint32 ColoreBenzina = 0x0000FF;

@@ -4,6 +4,7 @@
 #include "shell/Programma.h"
 #include "variables/Conversioni.h"
 
+#include <QFileInfo>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -23,6 +24,19 @@ struct Inviato
 {
     QByteArray payload;
     CampioneMotore campione;
+};
+
+// The program's serial port, counting every write it is asked for while it is closed.
+class PortaSpia : public PortaSeriale
+{
+public:
+    bool scrivi(const QByteArray &bytes) override
+    {
+        if (!PortOpen())
+            ++scrittureSuPortaChiusa;
+        return PortaSeriale::scrivi(bytes);
+    }
+    int scrittureSuPortaChiusa = 0;
 };
 
 // Collects every decoded live record, as a page would see it.
@@ -140,6 +154,52 @@ private slots:
         ecu->impostaStallo(false);
         QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
         QCOMPARE(richiesteVersione, 2);
+    }
+
+    void aPulledLineComesBackByItself()
+    {
+        // The ECU behind a fixed path, as an adapter that comes back under the same name.
+        const QString collegamento = cartella.filePath(QStringLiteral("ecu"));
+        ecu = std::make_unique<EcuSimulata>();
+        QVERIFY2(ecu->apriPty(collegamento), qPrintable(ecu->erroreLinea()));
+        richiesteVersione = 0;
+        connect(ecu.get(), &EcuSimulata::frameRicevuto, this, [this](const QByteArray &f) {
+            if (f.size() > 4 && f.at(4) == 'V')
+                ++richiesteVersione;
+        });
+        auto spia = std::make_unique<PortaSpia>();
+        PortaSpia *porta = spia.get();
+        auto ra = std::make_unique<TemporizzatoreManuale>();
+        TemporizzatoreManuale *riapertura = ra.get();
+        p = std::make_unique<Programma>(
+            cartella.path(), std::move(spia), std::make_unique<TemporizzatoreQt>(),
+            std::make_unique<TemporizzatoreQt>(), std::move(ra), std::make_unique<TemporizzatoreManuale>());
+        p->dispositivoForzato = collegamento;
+        QVERIFY(p->ApriPorta());
+        ecu->avvia();
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
+        QTRY_VERIFY_WITH_TIMEOUT(p->TimeOutDati.isEnabled(), 2000);
+
+        // Pulled: closed, said, and the ECU forgotten at once rather than two seconds later.
+        QSignalSpy persa(&p->sorveglianza, &SorveglianzaLinea::persa);
+        ecu->riaggancia();
+        QTRY_COMPARE_WITH_TIMEOUT(persa.size(), 1, 3000);
+        QCOMPARE(p->sorveglianza.stato(), SorveglianzaLinea::Stato::Persa);
+        QVERIFY(!p->porta.PortOpen());
+        QCOMPARE(p->stato.EcuDaIdentificare, true);
+        QVERIFY(!QFileInfo(collegamento).isSymLink());
+        QVERIFY(riapertura->scatta()); // nothing to open yet
+        QCOMPARE(p->sorveglianza.stato(), SorveglianzaLinea::Stato::Persa);
+        QTest::qWait(300);
+
+        // Plugged in again: a new device under the same path, opened at the next try.
+        QVERIFY(ecu->riapriLinea());
+        QVERIFY(riapertura->scatta());
+        QCOMPARE(p->sorveglianza.stato(), SorveglianzaLinea::Stato::Aperta);
+        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
+        QCOMPARE(richiesteVersione, 2);
+        QCOMPARE(persa.size(), 1);
+        QCOMPARE(porta->scrittureSuPortaChiusa, 0);
     }
 
     void unansweredVersionFreesTheLinkAndIsAskedAgain()

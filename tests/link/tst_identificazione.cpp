@@ -45,6 +45,33 @@ QByteArray parola(quint16 v)
     return QByteArray(1, char(v >> 8)) + char(v & 0xFF);
 }
 
+// The calibration as the stream calls it: each call with its status, the speed of the record
+// it was handed and EcuInMarcia as it stood then.
+class TaraturaSpia : public GestoreTaratura
+{
+public:
+    explicit TaraturaSpia(const StatoProgramma &s) : m_s(s) {}
+    void marciaNormale(const RecordDati &r) override
+    {
+        chiamate << QStringLiteral("normal %1 rpm %2 running %3")
+                        .arg(r.Valore[1])
+                        .arg(r.Valore[2])
+                        .arg(m_s.EcuInMarcia);
+    }
+    void statoTaratura(int stato, bool sequenza, const RecordDati &r) override
+    {
+        chiamate << QStringLiteral("%1 %2 rpm %3 running %4")
+                        .arg(sequenza ? "sequence" : "single")
+                        .arg(stato)
+                        .arg(r.Valore[2])
+                        .arg(m_s.EcuInMarcia);
+    }
+    QStringList chiamate;
+
+private:
+    const StatoProgramma &m_s;
+};
+
 } // namespace
 
 class TstIdentificazione : public QObject
@@ -215,6 +242,46 @@ private slots:
         QCOMPARE(p->stato.EcuNormale, false);
         QVERIFY(!dati->isEnabled()); // a stream of 'g' never ends in a time-out
         QCOMPARE(p->stato.EcuDaIdentificare, false);
+    }
+
+    void calibrationIsCalledAtItsPlaceInEachFrame_data()
+    {
+        QTest::addColumn<bool>("identificata");
+        QTest::addColumn<bool>("sequenza");
+        QTest::addColumn<QList<int>>("stati");
+        QTest::addColumn<QStringList>("attese");
+        QTest::newRow("the ECU opens the RPM page by itself")
+            << true << false << QList<int>{0, 234}
+            << QStringList{"normal 0 rpm 1000 running 1", "single 234 rpm 1001 running 0"};
+        QTest::newRow("back to normal running ends a single calibration")
+            << true << false << QList<int>{219, 218, 0}
+            << QStringList{"single 219 rpm 1000 running 0", "single 218 rpm 1001 running 0",
+                           "normal 0 rpm 1002 running 0"};
+        QTest::newRow("a sequence hears every status but 0")
+            << true << true << QList<int>{255, 239, 0, 234}
+            << QStringList{"sequence 255 rpm 1000 running 0", "sequence 239 rpm 1001 running 0",
+                           "sequence 234 rpm 1003 running 0"};
+        QTest::newRow("nothing while the ECU is being identified")
+            << false << false << QList<int>{234, 0} << QStringList{};
+    }
+
+    void calibrationIsCalledAtItsPlaceInEachFrame()
+    {
+        QFETCH(bool, identificata);
+        QFETCH(bool, sequenza);
+        QFETCH(QList<int>, stati);
+        QFETCH(QStringList, attese);
+        if (identificata)
+            identifica();
+        TaraturaSpia spia(p->stato);
+        p->datiLive.impostaGestoreTaratura(&spia);
+        p->stato.TaraturaCompleta = sequenza;
+        for (int i = 0; i < stati.size(); ++i)
+            arriva(datiLive(quint8(stati[i]), quint16(1000 + i), 100, 500, 1, 0));
+        QCOMPARE(spia.chiamate, attese);
+        p->datiLive.impostaGestoreTaratura(nullptr);
+        arriva(datiLive(234, 800, 100, 500, 1, 0));
+        QCOMPARE(spia.chiamate.size(), attese.size());
     }
 
     void recordingRingTakesEachFrameWhileActive()

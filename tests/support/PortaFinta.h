@@ -6,15 +6,17 @@
 
 namespace kv {
 
-// A port that keeps what is written and can be told to refuse writes; arrivals are
-// injected by the test through emit arrivati().
+// A port that keeps what is written and can be told to refuse writes or openings;
+// arrivals are injected by the test through emit arrivati(), a pulled cable by perdi().
 class PortaFinta : public Porta
 {
 public:
-    bool apri(const ImpostazioniPorta &) override
+    bool apri(const ImpostazioniPorta &impostazioni) override
     {
-        m_aperta = true;
-        return true;
+        ++aperture;
+        ultime = impostazioni;
+        m_aperta = riesce;
+        return riesce;
     }
     void chiudi() override { m_aperta = false; }
     bool PortOpen() const override { return m_aperta; }
@@ -28,9 +30,17 @@ public:
     QString descrizioneErrore() const override { return {}; }
 
     void arriva(const QByteArray &bytes) { emit arrivati(bytes); }
+    void perdi()
+    {
+        m_aperta = false;
+        emit persa(QStringLiteral("gone"));
+    }
 
     QByteArrayList scritti;
     bool rifiutaScritture = false;
+    bool riesce = true;
+    int aperture = 0;
+    ImpostazioniPorta ultime;
 
 private:
     bool m_aperta = true;

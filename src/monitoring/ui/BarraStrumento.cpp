@@ -3,9 +3,25 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
 #include <cmath>
 
 namespace kv {
+
+namespace {
+
+// The step between numbered ticks: 1, 2 or 5 times a power of ten, about six of them.
+double passoNumerato(double ampiezza)
+{
+    const double grezzo = ampiezza / 6.0;
+    const double potenza = std::pow(10.0, std::floor(std::log10(grezzo)));
+    for (double m : {1.0, 2.0, 5.0})
+        if (m * potenza >= grezzo)
+            return m * potenza;
+    return 10.0 * potenza;
+}
+
+} // namespace
 
 BarraStrumento::BarraStrumento(QWidget *parent) : QWidget(parent)
 {
@@ -62,26 +78,31 @@ void BarraStrumento::paintEvent(QPaintEvent *)
 
     const double margine = 10;
     const QFontMetricsF fm(font());
-    const double colonnaNumeri = fm.horizontalAdvance(QStringLiteral("255")) + 8;
+    const double colonnaNumeri = std::max(fm.horizontalAdvance(QString::number(m_massimo, 'f', 0)),
+                                          fm.horizontalAdvance(QString::number(m_minimo, 'f', 0)))
+                                 + 8;
     const double larghezzaBarra = std::clamp(width() * 0.34, 22.0, 60.0);
     const double sinistra = std::max(colonnaNumeri + 6, (width() - larghezzaBarra) / 2.0);
     const QRectF traccia(sinistra, margine, larghezzaBarra, height() - 2 * margine);
     const auto yDi = [&](double frazione) { return traccia.bottom() - frazione * traccia.height(); };
 
-    // Scale: a number and a long tick every 50, short ticks every 10.
+    // Scale: a number and a long tick at round values (every 50 on 0..255), five short
+    // ticks between them.
     p.setFont(font());
-    for (int v = 0; v <= 255; v += 10) {
-        const double f = (v - m_minimo) / (m_massimo - m_minimo);
-        if (f < 0 || f > 1)
-            continue;
-        const double y = yDi(f);
-        const bool lungo = v % 50 == 0;
+    const double numerato = passoNumerato(m_massimo - m_minimo);
+    const double breve = numerato / 5;
+    const auto primo = static_cast<long>(std::ceil(m_minimo / breve));
+    const auto ultimo = static_cast<long>(std::floor(m_massimo / breve));
+    for (long n = primo; n <= ultimo; ++n) {
+        const double v = static_cast<double>(n) * breve;
+        const double y = yDi((v - m_minimo) / (m_massimo - m_minimo));
+        const bool lungo = n % 5 == 0;
         p.setPen(QPen(palette().color(QPalette::WindowText), lungo ? 1.4 : 0.8));
         p.drawLine(QPointF(traccia.left() - (lungo ? 8 : 4), y), QPointF(traccia.left() - 1, y));
         if (lungo)
             p.drawText(QRectF(traccia.left() - colonnaNumeri - 6, y - fm.height() / 2, colonnaNumeri - 4,
                               fm.height()),
-                       Qt::AlignRight | Qt::AlignVCenter, QString::number(v));
+                       Qt::AlignRight | Qt::AlignVCenter, QString::number(v, 'f', 0));
     }
 
     // The track, dark and slightly sunk.

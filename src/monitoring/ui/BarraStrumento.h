@@ -8,7 +8,7 @@
 
 namespace kv {
 
-// A vertical bar instrument (Dato_TPS, Dato_Lambda) on a 0..255 scale, with up to three
+// A vertical bar instrument (Dato_TPS, Dato_Lambda) on a scale of its own, with up to three
 // set-point markers drawn across it. Only a change repaints it.
 class BarraStrumento : public QWidget
 {

@@ -318,10 +318,24 @@ void Strumenti::mostraValore(int passo)
     mostraMarcatori();
 }
 
+bool Strumenti::aggiornaScale()
+{
+    bool cambiata = false;
+    for (auto [barra, canale] : {std::pair{m_datoTps, 3}, std::pair{m_datoLambda, 4}}) {
+        const ModelloStrumenti::Scala s = m_modello->scalaBarra(canale);
+        if (s.minimo == barra->minimo() && s.massimo == barra->massimo())
+            continue;
+        barra->impostaScala(s.minimo, s.massimo);
+        cambiata = true;
+    }
+    return cambiata;
+}
+
 void Strumenti::mostraMarcatori()
 {
     using M = ModelloStrumenti;
     const M &m = *m_modello;
+    aggiornaScale();
     m_datoTps->impostaMarcatore(0, m.marcatore(M::MarcaTpsMinimo), ColoreMinimo);
     m_datoTps->impostaMarcatore(1, m.marcatore(M::MarcaTpsCutOff), ColoreCutOff);
     m_datoTps->impostaMarcatore(2, m.marcatore(M::MarcaTpsPienoCarico), ColorePienoCarico);
@@ -347,6 +361,9 @@ void Strumenti::VisDati()
     if (!c.qualcosa())
         return;
     const ModelloStrumenti::Quadro &q = m_modello->quadro();
+    // A probe of another type puts lambda, and its set points, on another scale.
+    if ((c.tps || c.lambda) && aggiornaScale())
+        mostraMarcatori();
     if (c.giri) {
         m_datoCanale[2]->setText(q.giri);
         m_datoGiri->impostaValore(q.lancettaGiri);

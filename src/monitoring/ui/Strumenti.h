@@ -59,6 +59,8 @@ private:
     void letturaFinita();
     void mostraValore(int passo);
     void mostraMarcatori();
+    // The bars follow the scale of the newest record; true when one of them changed.
+    bool aggiornaScale();
     static void coloraStato(QLabel *stato, const QColor &sfondo);
 
     Programma &m_programma;

@@ -120,7 +120,8 @@ void CampoDato::keyPressEvent(QKeyEvent *evento)
 void CampoDato::focusInEvent(QFocusEvent *evento)
 {
     if (!m_bloccato) {
-        colora(m_errato ? Aspetto::Errato : Aspetto::Fuoco);
+        // The focus colours win over the red mark: the fitter must see where he types.
+        colora(Aspetto::Fuoco);
         setText(text().trimmed());
     }
     QLineEdit::focusInEvent(evento);

@@ -28,6 +28,18 @@ QString numero(int n)
     return FormattaNumero(n, QStringLiteral("#0"));
 }
 
+// A command's caption with its Alt key on the first letter, as the design-time "&APPLICA";
+// a caption that marks its own key keeps it.
+QString conTastoAlt(const QString &testo)
+{
+    if (testo.contains(QLatin1Char('&')))
+        return testo;
+    for (qsizetype i = 0; i < testo.size(); ++i)
+        if (testo.at(i).isLetterOrNumber())
+            return QString(testo).insert(i, QLatin1Char('&'));
+    return testo;
+}
+
 } // namespace
 
 TelaioMessaPunto::TelaioMessaPunto(Programma &programma, DescrizionePagina descrizione, QString sezione,
@@ -317,11 +329,13 @@ void TelaioMessaPunto::caricaTesti()
         m_labDati[i]->setText(testo(QStringLiteral("LABDATI.") + numero(static_cast<int>(i))));
 
     const Lingua &l = m_programma.lingua;
-    m_applica->setText(l.LeggiTesto("TASTI", "APPLICA") + QStringLiteral("  (F2)"));
-    m_memorizza->setText(l.LeggiTesto("TASTI", "MEMORIZZA") + QStringLiteral("  (F5)"));
-    m_ripristina->setText(l.LeggiTesto("TASTI", "RIPRISTINA") + QStringLiteral("  (F8)"));
-    m_esci->setText(l.LeggiTesto("TASTI", "ESCI") + QStringLiteral("  (Esc)"));
-    m_esciOut->setText(l.LeggiTesto("TASTI", "ESCI"));
+    m_applica->setText(conTastoAlt(l.LeggiTesto("TASTI", "APPLICA").trimmed()) + QStringLiteral("  (F2)"));
+    m_memorizza->setText(conTastoAlt(l.LeggiTesto("TASTI", "MEMORIZZA").trimmed())
+                         + QStringLiteral("  (F5)"));
+    m_ripristina->setText(conTastoAlt(l.LeggiTesto("TASTI", "RIPRISTINA").trimmed())
+                          + QStringLiteral("  (F8)"));
+    m_esci->setText(conTastoAlt(l.LeggiTesto("TASTI", "ESCI").trimmed()) + QStringLiteral("  (Esc)"));
+    m_esciOut->setText(conTastoAlt(l.LeggiTesto("TASTI", "ESCI").trimmed()));
     caricaTestiAltrove();
 }
 
@@ -330,6 +344,8 @@ void TelaioMessaPunto::carica()
     std::sort(m_righe.begin(), m_righe.end(),
               [](const Riga &a, const Riga &b) { return a.indice < b.indice; });
     caricaTesti();
+    // The main frame's message line, until a save is acknowledged.
+    m_programma.impostaSegnalazione1(m_programma.lingua.LeggiTesto("TASTI", "ESCI"));
     // Without a line there is nothing to edit: only Esci stays useful.
     const bool aperta = m_programma.motore.PortOpen();
     if (m_box)

@@ -21,6 +21,7 @@
 #include <QThread>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #ifndef QT_NO_SESSIONMANAGER
 #include <QSessionManager>
@@ -43,6 +44,7 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     , m_area(new QWidget(this))
     , m_segnalazione(new QLabel(this))
     , m_segnalazione1(new QLabel(this))
+    , m_statoCollegamento(new QLabel(this))
     , m_timerEliminazione(new QTimer(this))
 {
     setObjectName(QStringLiteral("Korvantine"));
@@ -58,6 +60,9 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     box->setFrameShape(QFrame::StyledPanel);
     box->setFrameShadow(QFrame::Sunken);
     m_segnalazione1->setObjectName(QStringLiteral("Segnalazione1"));
+    m_statoCollegamento->setObjectName(QStringLiteral("StatoCollegamento"));
+    // What is wrong with the line is said in full, on a second line if it must.
+    m_statoCollegamento->setWordWrap(true);
     m_segnalazione->setObjectName(QStringLiteral("Segnalazione"));
     m_segnalazione->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_segnalazione->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -65,10 +70,12 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     // The strip never pushes the page around, however long its texts get.
     m_segnalazione->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_segnalazione1->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_statoCollegamento->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     auto *strip = new QHBoxLayout(box);
     const int margine = fontMetrics().averageCharWidth();
     strip->setContentsMargins(margine, margine / 2, margine, margine / 2);
-    strip->addWidget(m_segnalazione1, 3);
+    strip->addWidget(m_statoCollegamento, 4);
+    strip->addWidget(m_segnalazione1, 2);
     strip->addWidget(m_segnalazione, 2);
 
     auto *colonna = new QVBoxLayout(this);
@@ -89,7 +96,7 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     registraPagina(
         IdPagina::Infor, [](Korvantine &f) { return new Infor(f); }, Apertura::SopraIlMenu);
     // The tuning, live-data, calibration, programming and archive pages are registered by
-    // their own units; until they are, their menu entries open nothing.
+    // their own units; until they are, their menu entries say they are not there yet.
 
     Programma &p = m_programma;
     connect(&p, &Programma::portaNonAperta, this, [this](const QString &testo, const QString &titolo) {
@@ -100,10 +107,11 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
         m_segnalazione->setText(hex);
         aggiornaStatoCollegamento();
     });
-    connect(&p.porta, &Porta::persa, this, &Korvantine::aggiornaStatoCollegamento);
+    connect(&p, &Programma::segnalazione1, m_segnalazione1, &QLabel::setText);
+    connect(&p.sorveglianza, &SorveglianzaLinea::statoCambiato, this, &Korvantine::aggiornaStatoCollegamento);
     connect(&p.motore, &MotoreDialogo::cursoreAttesa, this, &Korvantine::cursoreAttesa);
     connect(&p.identificazione, &Identificazione::aggiornaMenu, this, &Korvantine::AggiornaMenu);
-    connect(&p.identificazione, &Identificazione::frameAbilitato, m_area, &QWidget::setEnabled);
+    connect(&p.identificazione, &Identificazione::frameAbilitato, this, &Korvantine::abilitaArea);
     connect(&p.identificazione, &Identificazione::identificata, this, [this] {
         // The TPS cells have just been read: the pump entry follows them at once.
         AggiornaMenu();
@@ -143,6 +151,8 @@ void Korvantine::avvia()
             resize(voluta);
             show();
         }
+        // The menu is driven by keys: the frame asks for the keyboard as it comes up.
+        activateWindow();
     }
     m_avviato = true;
     aggiornaStatoCollegamento();
@@ -224,12 +234,14 @@ void Korvantine::ChiudiPagina(QWidget *pagina, int prossima)
         return;
     if (pagina == m_sopra) {
         togliPagina(pagina);
+        riprendiTastiera(this);
         if (prossima == -1)
             AvviaTaratura(m_programma.stato.TaraturaInCorso);
         if (!m_pagina)
             mostraMenu();
         if (MainLambda *m = menu())
             m->setEnabled(!m_sopra);
+        riportaFuoco();
         return;
     }
     // The menu is never closed: other pages replace it.
@@ -324,11 +336,15 @@ int Korvantine::MostraMsg(const QString &testo, int flags, const QString &titolo
 int Korvantine::mostraMsg(const QString &testo, int flags, const QString &titolo, int predefinito,
                           QWidget *proprietario)
 {
-    MsgBox1 box(m_programma.lingua, m_sopra ? m_sopra.data() : this);
+    QWidget *sotto = m_sopra ? m_sopra.data() : this;
+    MsgBox1 box(m_programma.lingua, sotto);
     box.prepara(testo, flags, titolo, predefinito);
     m_box.push_back({&box, proprietario});
+    QPointer<QWidget> finestraSotto(sotto);
     eseguiModale(box);
+    riprendiTastiera(finestraSotto);
     std::erase_if(m_box, [&box](const BoxAperto &b) { return b.box == &box || !b.box; });
+    riportaFuoco();
     return box.RispostaMsg();
 }
 
@@ -382,6 +398,7 @@ void Korvantine::ChiudiPagineTaratura()
     mostraMenu();
     if (MainLambda *m = menu())
         m->setEnabled(!m_sopra);
+    riportaFuoco();
     StatoProgramma &s = m_programma.stato;
     s.TaraturaCompleta = false;
     s.TaraturaInCorso = FaseTaratura::Nessuna;
@@ -404,9 +421,12 @@ bool Korvantine::AvviaTaratura(FaseTaratura passo)
 void Korvantine::aggiornaStatoCollegamento()
 {
     const StatoProgramma &s = m_programma.stato;
+    const SorveglianzaLinea::Stato linea = m_programma.sorveglianza.stato();
     int stato = 3;
     if (!m_programma.porta.PortOpen())
-        stato = 0;
+        stato = linea == SorveglianzaLinea::Stato::Persa ? 5 : 0;
+    else if (linea == SorveglianzaLinea::Stato::Muta)
+        stato = 6;
     else if (!s.EcuNormale)
         stato = 4;
     else if (s.EcuDaIdentificare)
@@ -420,10 +440,61 @@ void Korvantine::aggiornaStatoCollegamento()
     QString porta = m_programma.dispositivoForzato;
     if (porta.isEmpty())
         porta = imp.nomeDispositivo.isEmpty() ? imp.Porta : imp.nomeDispositivo;
-    if (!porta.isEmpty())
-        testo += QStringLiteral("   %1, %2").arg(porta).arg(imp.VelocitaCom);
-    if (m_segnalazione1->text() != testo)
-        m_segnalazione1->setText(testo);
+    const QString velocita = QString::number(imp.VelocitaCom);
+    if (testo.contains(QLatin1String("XXX"))) {
+        // The fitter's own words name the port and the speed where they belong.
+        testo.replace(QLatin1String("YYY"), velocita).replace(QLatin1String("XXX"), porta);
+    } else if (!porta.isEmpty()) {
+        testo += QStringLiteral("   %1, %2").arg(porta, velocita);
+    }
+    if (m_statoCollegamento->text() != testo) {
+        m_statoCollegamento->setText(testo);
+        m_statoCollegamento->setToolTip(testo);
+    }
+}
+
+void Korvantine::abilitaArea(bool abilitata)
+{
+    if (!abilitata) {
+        // A disabled page loses the focus, and nothing would give it back: the frame's
+        // keys would be dead until the fitter clicked somewhere.
+        QWidget *f = focusWidget();
+        m_fuocoArea = f && m_area->isAncestorOf(f) ? f : nullptr;
+        m_area->setEnabled(false);
+        return;
+    }
+    m_area->setEnabled(true);
+    riportaFuoco();
+}
+
+void Korvantine::riprendiTastiera(QWidget *finestra)
+{
+    // A closed box leaves the keyboard to whatever the window system picks next; the window
+    // it stood over asks for it, whatever the window manager's habits.
+    const QWindow *attiva = QGuiApplication::focusWindow();
+    if (finestra && finestra->isVisible() && (!attiva || !attiva->isVisible()))
+        finestra->activateWindow();
+}
+
+void Korvantine::riportaFuoco()
+{
+    QWidget *pagina = m_pagina;
+    // A disabled menu lies under a box of its own, which has the keys.
+    if (!pagina || !m_area->isEnabled() || !pagina->isEnabled())
+        return;
+    const auto sullaPagina = [pagina](const QWidget *w) {
+        return w && (w == pagina || pagina->isAncestorOf(w)) && w->isVisible() && w->isEnabled();
+    };
+    if (sullaPagina(focusWidget()))
+        return;
+    QWidget *prima = m_fuocoArea;
+    m_fuocoArea = nullptr;
+    if (sullaPagina(prima))
+        prima->setFocus(Qt::OtherFocusReason);
+    else if (MainLambda *m = menu())
+        m->daiFuoco();
+    else
+        pagina->setFocus(Qt::OtherFocusReason);
 }
 
 void Korvantine::cursoreAttesa(bool attesa)
@@ -442,6 +513,15 @@ void Korvantine::Uscita()
     m_chiusuraConsentita = true;
     close();
     emit uscita();
+}
+
+bool Korvantine::event(QEvent *evento)
+{
+    const bool esito = QWidget::event(evento);
+    // Back from another window (a box, a dialog, another program): keys for the page.
+    if (evento->type() == QEvent::WindowActivate)
+        riportaFuoco();
+    return esito;
 }
 
 void Korvantine::closeEvent(QCloseEvent *evento)

@@ -83,12 +83,16 @@ public:
     // The watchdog: a tuning page goes, the menu comes back.
     void RitornoMenu();
     void ChiudiPagineTaratura();
-    // The calibration sequence is driven from outside; without it the menu entry opens nothing.
+    // The calibration sequence is driven from outside; without it the menu entry says so.
     void impostaAvviaTaratura(std::function<void(FaseTaratura passo)> avvia);
     bool sequenzaTaraturaDisponibile() const { return static_cast<bool>(m_avviaTaratura); }
     bool AvviaTaratura(FaseTaratura passo);
-    // Port, stream and identification, in the strip.
+    // Port, stream and identification, in the strip: a lost port that is being opened
+    // again, a port with nothing like an ECU on it, and the ECU's state.
     void aggiornaStatoCollegamento();
+    // Keys reach the widget with the focus: after anything that may have taken it away
+    // (a disabled page, a closed box), the page on view gets it back.
+    void riportaFuoco();
 
     // The end of the program: the frame closes and uscita() is emitted.
     void Uscita();
@@ -98,6 +102,7 @@ signals:
 
 protected:
     void closeEvent(QCloseEvent *evento) override;
+    bool event(QEvent *evento) override;
 
 private:
     struct Registrazione
@@ -123,6 +128,8 @@ private:
     void eliminaPiuTardi(QWidget *pagina);
     void eliminaSospese();
     void cursoreAttesa(bool attesa);
+    void abilitaArea(bool abilitata);
+    void riprendiTastiera(QWidget *finestra);
     void mostraAvvisi();
     int mostraMsg(const QString &testo, int flags, const QString &titolo, int predefinito,
                   QWidget *proprietario);
@@ -134,12 +141,15 @@ private:
     QWidget *m_area;
     QLabel *m_segnalazione;
     QLabel *m_segnalazione1;
+    QLabel *m_statoCollegamento;
     QTimer *m_timerEliminazione;
 
     QPointer<QWidget> m_pagina;
     IdPagina m_idPagina = IdPagina::Nessuna;
     QPointer<QWidget> m_sopra;
     IdPagina m_idSopra = IdPagina::Nessuna;
+    // Where the focus was when identification took the pages' area away.
+    QPointer<QWidget> m_fuocoArea;
 
     int m_profonditaModale = 0;
     std::vector<QPointer<QWidget>> m_daEliminare;

@@ -5,6 +5,7 @@
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/Logo.h"
 
+#include <QApplication>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -268,24 +269,37 @@ void MainLambda::cliccaOpzione(int indice)
     if (!voce.abilitata)
         return;
     QScopedValueRollback inApertura(m_inApertura, true);
+    // A page comes with its own unit, which puts it in the frame's registry; an entry whose
+    // unit is not in this build says so rather than doing nothing.
+    const bool pronta = voce.pagina == IdPagina::SequenzaTaratura ? m_frame.sequenzaTaraturaDisponibile()
+                                                                  : m_frame.paginaRegistrata(voce.pagina);
+    if (!pronta) {
+        const Lingua &l = m_frame.programma().lingua;
+        m_frame.MostraMsg(voce.caption + QStringLiteral("\n\n")
+                              + l.LeggiTesto("KORVANTINE", "NON_DISPONIBILE"),
+                          64, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
+        return;
+    }
     if (voce.pagina == IdPagina::SequenzaTaratura) {
-        // The sequence is driven by the calibration unit; without it the entry opens nothing.
-        if (!m_frame.sequenzaTaraturaDisponibile())
-            return;
         StatoProgramma &s = m_frame.programma().stato;
         s.TaraturaInCorso = FaseTaratura::Avviso;
         s.PassoTaratura = 0;
         m_frame.AvviaTaratura(FaseTaratura::Avviso);
         return;
     }
-    // A page whose unit is not built yet is not in the registry: nothing opens.
     m_frame.apriPagina(voce.pagina);
 }
 
 void MainLambda::esc()
 {
     if (!m_boxMenu->isHidden()) {
-        ScegliFunzione(-1);
+        // The box goes, the function stays chosen: its key shows the box again.
+        const bool fuocoNelBox = m_boxMenu->isAncestorOf(QApplication::focusWidget());
+        m_boxMenu->hide();
+        m_boxMenu->setEnabled(false);
+        const int scelta = static_cast<int>(m_frame.programma().stato.FunzioneScelta);
+        if (fuocoNelBox && scelta >= 0 && scelta < Menu::NumeroFunzioni && funzione(scelta)->isEnabled())
+            funzione(scelta)->setFocus(Qt::OtherFocusReason);
         return;
     }
     if (m_inDomanda)

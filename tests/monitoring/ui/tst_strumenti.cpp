@@ -83,6 +83,7 @@ private slots:
                                         std::make_unique<TemporizzatoreManuale>());
         p->stato.EcuDaIdentificare = false;
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+        p->canali.InizializzaCanali(p->lingua);
         using namespace Par;
         for (auto [v, grezzo] : {std::pair{SogliaGiriEntrataMinimo, 1100},
                                  {SogliaGiriEntrataCutOff, 2000},
@@ -189,6 +190,38 @@ private slots:
         QCOMPARE(q.lancettaGiri, 8.0);
     }
 
+    void barsTakeTheChannelRanges_data()
+    {
+        QTest::addColumn<double>("tipoSonda");
+        QTest::addColumn<double>("lambda");
+        QTest::addColumn<double>("massimo");     // of the lambda bar's scale
+        QTest::addColumn<double>("barraLambda"); // after the record; 120 before it
+        QTest::newRow("type 0: the scaled lambda's 0..255") << 0.0 << 255.0 << 255.0 << 255.0;
+        QTest::newRow("type 0 beyond 255 stays") << 0.0 << 300.0 << 255.0 << 120.0;
+        QTest::newRow("type 1: raw lambda up to 5000") << 1.0 << 5000.0 << 5000.0 << 5000.0;
+        QTest::newRow("type 1 beyond its channel's range stays") << 1.0 << 5001.0 << 5000.0 << 120.0;
+    }
+
+    void barsTakeTheChannelRanges()
+    {
+        QFETCH(double, tipoSonda);
+        QFETCH(double, lambda);
+        QFETCH(double, massimo);
+        QFETCH(double, barraLambda);
+        QVERIFY(pronto());
+        record(2500, 40, 120, 90, 2, 0, 1);
+        modello->tick();
+        record(2500, 255, lambda, 90, 2, 0, 1);
+        p->stato.DatiAttuali[0].Valore[Canale::TipoLambda] = tipoSonda;
+        QVERIFY(modello->tick().lambda);
+        QCOMPARE(modello->quadro().barraLambda, barraLambda);
+        QCOMPARE(modello->quadro().barraTps, 255.0);
+        QCOMPARE(modello->scalaBarra(3), (M::Scala{0, 255}));
+        QCOMPARE(modello->scalaBarra(4), (M::Scala{0, massimo}));
+        // The set points stand on the bar's scale.
+        QCOMPARE(*modello->marcatore(M::MarcaLambdaNormale), std::round(580 * 255.0 / 1023.0) / massimo);
+    }
+
     void stateTexts_data()
     {
         QTest::addColumn<double>("zona");
@@ -258,6 +291,15 @@ private slots:
         QCOMPARE(alim->text(), testo("ALIMENTAZIONE", "TIPO.99"));
         QCOMPARE(alim->palette().color(QPalette::Window), QColor(255, 255, 0));
         QCOMPARE(s.findChild<QLabel *>("ZonaLavoro")->text(), testo("ZONE", "ZONA.3"));
+        // A probe of type 1: the lambda bar takes its raw range, and its set points follow.
+        auto *lambda = s.findChild<BarraStrumento *>("Dato_Lambda");
+        QCOMPARE(lambda->massimo(), 255.0);
+        record(9000, 30, 4000, 50, 3, 0, 2);
+        p->stato.DatiAttuali[0].Valore[Canale::TipoLambda] = 1;
+        s.VisDati();
+        QCOMPARE(lambda->massimo(), 5000.0);
+        QCOMPARE(lambda->valore(), 4000.0);
+        QCOMPARE(*lambda->marcatore(1), std::round(580 * 255.0 / 1023.0) / 5000);
 
         // Closing stops the recording and empties the ring.
         p->anello.IndiceRegistrazione = 5;

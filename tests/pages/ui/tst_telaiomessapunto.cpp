@@ -210,8 +210,9 @@ private slots:
         QCOMPARE(porta->scritti.size(), prima);
         QCOMPARE(sfondo(dato(7)), Rosso);
         QCOMPARE(testoDi(dato(7)), Bianco);
-        QVERIFY(dato(0)->hasFocus()); // the first bad one, still shown red
-        QCOMPARE(sfondo(dato(0)), Rosso);
+        QVERIFY(dato(0)->hasFocus()); // the first bad one, in the colours of the focus
+        QCOMPARE(sfondo(dato(0)), QColor(0, 0, 255));
+        QCOMPARE(testoDi(dato(0)), Bianco);
         // The idle exit now lies below its new floor of 1400.
         QCOMPARE(sfondo(dato(1)), Rosso);
         QCOMPARE(sfondo(dato(2)), Bianco);
@@ -246,6 +247,41 @@ private slots:
         QVERIFY(chiusure.isEmpty() && porta->scritti.size() == prima);
     }
 
+    void commandsAnswerTheirAltKeysAsWellAsTheirFunctionKeys_data()
+    {
+        QTest::addColumn<int>("premuto");
+        QTest::addColumn<Qt::KeyboardModifiers>("modificatori");
+        QTest::addColumn<QString>("comando");
+        const auto riga = [](const char *nome, int k, Qt::KeyboardModifiers m, const char *comando) {
+            QTest::newRow(nome) << k << m << QString(comando);
+        };
+        riga("F2", Qt::Key_F2, Qt::NoModifier, "Applica");
+        riga("Alt+A", Qt::Key_A, Qt::AltModifier, "Applica");
+        riga("F5", Qt::Key_F5, Qt::NoModifier, "Memorizza");
+        riga("Alt+S", Qt::Key_S, Qt::AltModifier, "Memorizza");
+        riga("F8", Qt::Key_F8, Qt::NoModifier, "Ripristina");
+        riga("Alt+R", Qt::Key_R, Qt::AltModifier, "Ripristina");
+        riga("Esc", Qt::Key_Escape, Qt::NoModifier, "Esci");
+        riga("Alt+E", Qt::Key_E, Qt::AltModifier, "Esci");
+    }
+
+    void commandsAnswerTheirAltKeysAsWellAsTheirFunctionKeys()
+    {
+        QFETCH(int, premuto);
+        QFETCH(Qt::KeyboardModifiers, modificatori);
+        QFETCH(QString, comando);
+        apri();
+        QVERIFY(dato(0)->hasFocus());
+        QHash<QString, int> premuti;
+        for (QPushButton *b : pagina->findChildren<QPushButton *>())
+            connect(b, &QPushButton::clicked, this, [&premuti, b] { ++premuti[b->objectName()]; });
+        // As the window system sends it: to the field being edited.
+        QTest::keyClick(pagina->windowHandle(), Qt::Key(premuto), modificatori);
+        QTRY_COMPARE(premuti.value(comando), 1);
+        QCOMPARE(premuti.size(), 1);
+        QVERIFY(tasto("Applica")->text().startsWith(QLatin1String("&")));
+    }
+
     void timeOutOnTheOpeningReadLeavesOnlyTheWayOut()
     {
         ecu->impostaStallo(true);
@@ -266,9 +302,12 @@ private slots:
         QSignalSpy chiusure(pagina.get(), &TelaioMessaPunto::chiusa);
         QTest::keyClick(pagina.get(), Qt::Key_F2);
         QTest::keyClick(pagina.get(), Qt::Key_Escape);
+        QTest::keyClick(pagina->windowHandle(), Qt::Key_A, Qt::AltModifier);
+        QTest::qWait(200);
         QCOMPARE(chiusure.size(), 0);
-        tasto("Esci_Out")->click();
-        QCOMPARE(chiusure.size(), 1);
+        // The way out has the Alt key of Esci.
+        QTest::keyClick(pagina->windowHandle(), Qt::Key_E, Qt::AltModifier);
+        QTRY_COMPARE(chiusure.size(), 1);
         QCOMPARE(porta->scritti.size(), prima);
         QCOMPARE(domande, 0);
     }
@@ -340,10 +379,14 @@ private slots:
         Korvantine finestra(*p);
         auto *minimo = apriDalMenu<MP_Minimo>(finestra, IdPagina::MP_Minimo);
         QVERIFY(minimo);
+        // The main window's message line: set as the page loads, emptied by an acknowledged save.
+        auto *riga = finestra.findChild<QLabel *>("Segnalazione1");
+        QCOMPARE(riga->text(), p->lingua.LeggiTesto("TASTI", "ESCI"));
         minimo->DatoMinimo(0)->setText("1000");
         minimo->Applica();
         QVERIFY(attendi());
         QCOMPARE(ram(Par::SogliaGiriEntrataMinimo), 1000);
+        QCOMPARE(riga->text(), QString());
         // The box is the main window's; answer No as soon as it shows.
         QTimer::singleShot(50, this, [] {
             for (QWidget *w : QApplication::topLevelWidgets()) {

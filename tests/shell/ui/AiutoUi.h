@@ -50,18 +50,7 @@ inline bool copia(const QString &nome, const QString &cartella)
 }
 
 // A port that counts its openings and may refuse them.
-struct PortaContata : PortaFinta
-{
-    bool apri(const ImpostazioniPorta &impostazioni) override
-    {
-        ++aperture;
-        ultime = impostazioni;
-        return riesce && PortaFinta::apri(impostazioni);
-    }
-    int aperture = 0;
-    bool riesce = true;
-    ImpostazioniPorta ultime;
-};
+using PortaContata = PortaFinta;
 
 // A page for the tests that counts how many of its kind are alive.
 struct PaginaContata : QWidget
@@ -75,14 +64,16 @@ struct PaginaContata : QWidget
     int &vive;
 };
 
-// The program as the start-up leaves it, its port scripted, its two timers fired by hand, and
-// the main frame on screen; the ECU identified unless told otherwise.
+// The program as the start-up leaves it, its port scripted, its timers fired by hand, and the
+// main frame on screen; the ECU identified unless told otherwise.
 struct Ambiente
 {
     QTemporaryDir cartella;
     PortaContata *porta = nullptr;
     TemporizzatoreManuale *req = nullptr;
     TemporizzatoreManuale *dati = nullptr;
+    TemporizzatoreManuale *riapertura = nullptr;
+    TemporizzatoreManuale *silenzio = nullptr;
     std::unique_ptr<Programma> programma;
     std::unique_ptr<Korvantine> frame;
 
@@ -93,10 +84,15 @@ struct Ambiente
         auto p = std::make_unique<PortaContata>();
         auto r = std::make_unique<TemporizzatoreManuale>();
         auto d = std::make_unique<TemporizzatoreManuale>();
+        auto ra = std::make_unique<TemporizzatoreManuale>();
+        auto si = std::make_unique<TemporizzatoreManuale>();
         porta = p.get();
         req = r.get();
         dati = d.get();
-        programma = std::make_unique<Programma>(cartella.path(), std::move(p), std::move(r), std::move(d));
+        riapertura = ra.get();
+        silenzio = si.get();
+        programma = std::make_unique<Programma>(cartella.path(), std::move(p), std::move(r), std::move(d),
+                                                std::move(ra), std::move(si));
         programma->lingua.LeggiImpLingua();
         programma->LeggiImpSeriale();
         frame = std::make_unique<Korvantine>(*programma);

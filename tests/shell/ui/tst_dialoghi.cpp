@@ -152,7 +152,7 @@ private slots:
         QCOMPARE(r.visti[0].titolo, a.testo("SEGNALAZIONI", "TITOLO_2"));
         QCOMPARE(FileIni::leggi(a.programma->percorsoIni(), "SERIALE", "Porta"), QStringLiteral("COM4"));
         QVERIFY(a.menu());
-        auto *stato = a.frame->findChild<QLabel *>(QStringLiteral("Segnalazione1"));
+        auto *stato = a.frame->findChild<QLabel *>(QStringLiteral("StatoCollegamento"));
         QVERIFY(stato->text().startsWith(a.testo("KORVANTINE", "COLLEGAMENTO.0")));
     }
 

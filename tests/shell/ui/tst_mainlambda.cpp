@@ -55,13 +55,15 @@ private slots:
         QVERIFY(!m->funzione(2)->isChecked());
         QCOMPARE(abilitate(m), QStringLiteral("11111111111"));
 
-        // Esc closes the box; Shift keys then open nothing.
+        // Esc hides the box and keeps the function; Shift keys then open nothing.
         QTest::keyClick(m, Qt::Key_Escape);
         QVERIFY(!boxVisibile(m));
-        QCOMPARE(a.stato().FunzioneScelta, Funzione::Nessuna);
+        QCOMPARE(a.stato().FunzioneScelta, Funzione::Utilita);
+        QVERIFY(m->funzione(4)->isChecked());
         QTest::keyClick(m, Qt::Key_F9, Qt::ShiftModifier);
         QCOMPARE(a.frame->paginaAttiva(), m);
         QTest::keyClick(m, Qt::Key_F5);
+        QVERIFY(boxVisibile(m));
         QTest::keyClick(m, Qt::Key_F12, Qt::ShiftModifier); // there is no twelfth entry
         QCOMPARE(a.frame->paginaAttiva(), m);
         QTest::keyClick(m, Qt::Key_F9, Qt::ShiftModifier);
@@ -108,7 +110,7 @@ private slots:
         Ambiente a(false);
         auto *area = a.frame->findChild<QWidget *>(QStringLiteral("AreaPagine"));
         auto *hex = a.frame->findChild<QLabel *>(QStringLiteral("Segnalazione"));
-        auto *stato = a.frame->findChild<QLabel *>(QStringLiteral("Segnalazione1"));
+        auto *stato = a.frame->findChild<QLabel *>(QStringLiteral("StatoCollegamento"));
         QVERIFY(area && hex && stato);
         QVERIFY(stato->text().startsWith(a.testo("KORVANTINE", "COLLEGAMENTO.1")));
         a.arriva(datiLive(0));
@@ -150,10 +152,11 @@ private slots:
         QVERIFY(!a.frame->isVisible());
     }
 
-    void entriesWithoutAPageOpenNothing()
+    void entriesWithoutAPageSaySo()
     {
         Ambiente a;
         MainLambda *m = a.menu();
+        aiuto::Risponditore r;
         QVERIFY(!a.frame->paginaRegistrata(IdPagina::ProgSW));
         QTest::keyClick(m, Qt::Key_F1);
         m->opzione(0)->click();
@@ -164,10 +167,24 @@ private slots:
         m->opzione(4)->click();
         QCOMPARE(a.stato().TaraturaInCorso, FaseTaratura::Nessuna);
         QCOMPARE(a.frame->paginaAttiva(), m);
+        QCOMPARE(r.visti.size(), 2);
+        const char *voci[] = {"PROGRAMMAZIONE.0", "TARATURA.4"};
+        for (int i = 0; i < 2; ++i) {
+            QCOMPARE(r.visti[i].testo,
+                     a.testo("MainLambda", voci[i]) + "\n\n" + a.testo("KORVANTINE", "NON_DISPONIBILE"));
+            QCOMPARE(r.visti[i].titolo, a.testo("SEGNALAZIONI", "TITOLO_1"));
+        }
         // A factory may decline: nothing changes.
         a.frame->registraPagina(IdPagina::MP_Normale, [](Korvantine &) { return nullptr; });
         QVERIFY(!a.frame->apriPagina(IdPagina::MP_Normale));
         QCOMPARE(a.menu(), m);
+        // Once its unit registers the page, the entry opens it.
+        int vive = 0;
+        a.registraContata(IdPagina::ProgSW, vive);
+        QTest::keyClick(m, Qt::Key_F1);
+        m->opzione(0)->click();
+        QCOMPARE(a.frame->idPaginaAttiva(), IdPagina::ProgSW);
+        QCOMPARE(r.visti.size(), 2);
     }
 
     void aPageReplacesTheMenuAndGivesItBackAsLeft()
@@ -254,6 +271,87 @@ private slots:
         a.frame->ChiudiPagina(giri, -1);
         QCOMPARE(passi, (QList<int>{0, 3}));
         QVERIFY(a.menu());
+    }
+
+    // Keys travel as the window system sends them: to the window with the focus, and in it
+    // to the widget with the focus. No click first.
+    void keysDriveTheMenuWithoutAClick()
+    {
+        Ambiente a(false);
+        int vive = 0;
+        a.registraContata(IdPagina::MP_Minimo, vive);
+        const auto premi = [](Qt::Key tasto, Qt::KeyboardModifiers m = Qt::NoModifier) {
+            QWindow *w = QGuiApplication::focusWindow();
+            QVERIFY(w);
+            QTest::keyClick(w, tasto, m);
+        };
+        const auto scrivi = [&](const char *parola) {
+            for (const char *c = parola; *c; ++c)
+                QTest::keyClick(QGuiApplication::focusWindow(), *c);
+        };
+        // The ECU turns up once the frame is on screen: identification holds the frame.
+        a.identifica();
+        premi(Qt::Key_F5);
+        QVERIFY(boxVisibile(a.menu()));
+        QCOMPARE(a.stato().FunzioneScelta, Funzione::Utilita);
+
+        // A wrong word, its message, and back on the menu.
+        aiuto::Risponditore r;
+        premi(Qt::Key_F11, Qt::ShiftModifier);
+        QCOMPARE(a.frame->idPaginaSopra(), IdPagina::Password);
+        QTRY_VERIFY(QGuiApplication::focusWindow() == a.frame->paginaSopra()->windowHandle());
+        scrivi("peat");
+        premi(Qt::Key_Return); // on to the OK key
+        premi(Qt::Key_Return);
+        QCOMPARE(r.visti.size(), 1);
+        QCOMPARE(r.visti[0].testo, a.testo("SEGNALAZIONI", "SEGNALAZIONE_22"));
+        QVERIFY(!a.frame->paginaSopra());
+        QTRY_VERIFY(QGuiApplication::focusWindow() == a.frame->windowHandle());
+        premi(Qt::Key_F1, Qt::ShiftModifier);
+        QCOMPARE(a.frame->idPaginaAttiva(), IdPagina::VisInf);
+        premi(Qt::Key_Escape);
+        QVERIFY(a.menu());
+
+        // The fitter's way to the idle page, keys only.
+        premi(Qt::Key_F5);
+        premi(Qt::Key_F11, Qt::ShiftModifier);
+        QTRY_VERIFY(QGuiApplication::focusWindow() == a.frame->paginaSopra()->windowHandle());
+        scrivi("torba");
+        premi(Qt::Key_Return);
+        premi(Qt::Key_Return);
+        QCOMPARE(a.stato().ModoAssistenza, true);
+        QTRY_VERIFY(QGuiApplication::focusWindow() == a.frame->windowHandle());
+        premi(Qt::Key_F3);
+        premi(Qt::Key_F1, Qt::ShiftModifier);
+        QCOMPARE(a.frame->idPaginaAttiva(), IdPagina::MP_Minimo);
+        QCOMPARE(r.visti.size(), 1);
+    }
+
+    void theStripSaysWhatIsWrongWithTheLine()
+    {
+        Ambiente a(false);
+        a.programma->dispositivoForzato = QStringLiteral("/dev/ttyUSB1");
+        QVERIFY(a.programma->ApriPorta());
+        auto *stato = a.frame->findChild<QLabel *>(QStringLiteral("StatoCollegamento"));
+        const QString attesa = a.testo("KORVANTINE", "COLLEGAMENTO.1");
+        QVERIFY(stato->text().startsWith(attesa));
+
+        // Five seconds of nothing like an ECU: said in words that name port and speed.
+        QVERIFY(a.silenzio->scatta());
+        QString muta = a.testo("KORVANTINE", "COLLEGAMENTO.6");
+        muta.replace("XXX", "/dev/ttyUSB1").replace("YYY", QString::number(a.programma->seriale.VelocitaCom));
+        QCOMPARE(stato->text(), muta);
+        QVERIFY(muta.contains("/dev/ttyUSB1") && !muta.contains("XXX"));
+        a.arriva("g\x01");
+        QVERIFY(stato->text() != muta);
+
+        // Pulled out, then back at the next try.
+        a.porta->perdi();
+        QVERIFY(stato->text().startsWith(a.testo("KORVANTINE", "COLLEGAMENTO.5")));
+        QVERIFY(stato->text().contains("/dev/ttyUSB1"));
+        QVERIFY(a.riapertura->scatta());
+        QCOMPARE(a.porta->ultime.dispositivo, QStringLiteral("/dev/ttyUSB1"));
+        QVERIFY2(stato->text().startsWith(attesa), qPrintable(stato->text())); // the ECU is unknown again
     }
 
     void aMessageBeforeTheFrameWaitsForIt()

@@ -1,0 +1,134 @@
+// The line watch on a scripted port, its two timers fired by hand: a port that carries nothing
+// like an ECU, and a port that goes away in the middle of a dialogue and comes back.
+#include "shell/Programma.h"
+#include "support/PortaFinta.h"
+
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace kv;
+
+using Stato = SorveglianzaLinea::Stato;
+
+namespace {
+
+QByteArray datiLive(quint8 stato)
+{
+    const char byte[] = {'d', char(stato), 0x03, 0x20, 0, 100, 0x01, char(0xF4), 90, 1, 2, 0, 1, 2, 0};
+    return QByteArray(byte, sizeof byte);
+}
+
+} // namespace
+
+class TstLinea : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir cartella;
+    std::unique_ptr<Programma> p;
+    PortaFinta *porta = nullptr;
+    TemporizzatoreManuale *riapertura = nullptr;
+    TemporizzatoreManuale *silenzio = nullptr;
+
+    void arriva(const QByteArray &payload) { porta->arriva(CreaFrame(payload, 0)); }
+    Stato stato() const { return p->sorveglianza.stato(); }
+
+private slots:
+    void init()
+    {
+        auto pf = std::make_unique<PortaFinta>();
+        auto ra = std::make_unique<TemporizzatoreManuale>();
+        auto si = std::make_unique<TemporizzatoreManuale>();
+        porta = pf.get();
+        riapertura = ra.get();
+        silenzio = si.get();
+        p = std::make_unique<Programma>(
+            cartella.path(), std::move(pf), std::make_unique<TemporizzatoreManuale>(),
+            std::make_unique<TemporizzatoreManuale>(), std::move(ra), std::move(si));
+        p->dispositivoForzato = QStringLiteral("/dev/ttyUSB3");
+        p->seriale.VelocitaCom = 19200;
+        QVERIFY(p->ApriPorta());
+        QCOMPARE(stato(), Stato::Aperta);
+    }
+
+    void nothingLikeAnEcuIsToldAndAGoodFrameEndsIt_data()
+    {
+        QTest::addColumn<QByteArray>("sullaLinea");
+        QTest::newRow("silence") << QByteArray();
+        QTest::newRow("noise, or the wrong speed") << QByteArray::fromHex("55aa13ff00807f66e01cfe");
+        QByteArray rovinato = CreaFrame(datiLive(0), 0);
+        rovinato[rovinato.size() - 2] = char(rovinato.at(rovinato.size() - 2) ^ 0x5A);
+        QTest::newRow("frames that fail their checksum") << rovinato + rovinato;
+    }
+
+    void nothingLikeAnEcuIsToldAndAGoodFrameEndsIt()
+    {
+        QFETCH(QByteArray, sullaLinea);
+        QSignalSpy cambi(&p->sorveglianza, &SorveglianzaLinea::statoCambiato);
+        QCOMPARE(silenzio->interval(), 5000);
+        porta->arriva(sullaLinea);
+        QVERIFY(silenzio->scatta());
+        QCOMPARE(stato(), Stato::Muta);
+        QCOMPARE(cambi.size(), 1);
+        QVERIFY(!silenzio->isEnabled()); // said once
+        QVERIFY(porta->scritti.isEmpty());
+        QCOMPARE(p->sorveglianza.impostazioni().dispositivo, QStringLiteral("/dev/ttyUSB3"));
+        QCOMPARE(p->sorveglianza.impostazioni().velocita, 19200);
+
+        // A good frame right behind a spoilt one may wait for the next arrival.
+        arriva("g\x01");
+        arriva("g\x01");
+        QCOMPARE(stato(), Stato::Aperta);
+        QVERIFY(silenzio->isEnabled());
+        QVERIFY(porta->scritti.isEmpty());
+    }
+
+    void aLostPortEndsTheDialogueAndTheEcuIsIdentifiedWhenItComesBack()
+    {
+        QSignalSpy frame(&p->identificazione, &Identificazione::frameAbilitato);
+        arriva(datiLive(0));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(111));
+        QCOMPARE(porta->scritti, QByteArrayList{CreaFrame("V")});
+
+        porta->perdi();
+        QCOMPARE(stato(), Stato::Persa);
+        // The request in flight ended as its time-out would: the link is free, the frame enabled.
+        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(frame.last().at(0).toBool(), true);
+        QVERIFY(!silenzio->isEnabled());
+        QCOMPARE(riapertura->interval(), 1000);
+
+        // Nothing goes to a dead port, whoever asks.
+        p->motore.svuotaCoda();
+        p->motore.accoda("V");
+        QVERIFY(!p->motore.avvia(111, MotoreDialogo::IntervalloLettura));
+        porta->riesce = false;
+        for (int i = 0; i < 3; ++i)
+            QVERIFY(riapertura->scatta());
+        QCOMPARE(stato(), Stato::Persa);
+        QCOMPARE(porta->aperture, 4);
+        QCOMPARE(porta->ultime.dispositivo, QStringLiteral("/dev/ttyUSB3"));
+        QCOMPARE(porta->ultime.velocita, 19200);
+        QCOMPARE(porta->scritti.size(), 1);
+
+        porta->riesce = true;
+        QSignalSpy riaperta(&p->sorveglianza, &SorveglianzaLinea::riaperta);
+        QVERIFY(riapertura->scatta());
+        QCOMPARE(riaperta.size(), 1);
+        QCOMPARE(stato(), Stato::Aperta);
+        QVERIFY(!riapertura->isEnabled());
+        QVERIFY(silenzio->isEnabled());
+        arriva(datiLive(0));
+        QCOMPARE(porta->scritti, (QByteArrayList{CreaFrame("V"), CreaFrame("V")}));
+
+        // A port closed on purpose (settings that fail) is not tried again.
+        porta->riesce = false;
+        QVERIFY(!p->ApriPorta());
+        QCOMPARE(stato(), Stato::Chiusa);
+        QVERIFY(!riapertura->isEnabled() && !silenzio->isEnabled());
+    }
+};
+
+QTEST_GUILESS_MAIN(TstLinea)
+#include "tst_linea.moc"
