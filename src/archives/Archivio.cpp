@@ -232,7 +232,10 @@ bool Archivio::Apri(const QString &cartella, const QString &nomeFile, const Sche
     if (ok && m_soloLettura) {
         ok = schemaPresente(schema);
     } else if (ok) {
-        ok = m_db.transaction() || erroreMotore(m_db.lastError(), ErroreArchivio::NonApribile);
+        // Exclusive from here to the close, even when the schema step has nothing to write.
+        QSqlQuery inizio(m_db);
+        ok = inizio.exec(QStringLiteral("BEGIN EXCLUSIVE"))
+             || erroreMotore(inizio.lastError(), ErroreArchivio::NonApribile);
         if (ok && !creaSchema(schema)) {
             m_db.rollback();
             ok = false;

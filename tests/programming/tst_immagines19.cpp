@@ -6,6 +6,7 @@
 
 #include "link/StatoProgramma.h"
 #include "support/FileDiProva.h"
+#include "support/S19DiProva.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -14,21 +15,6 @@
 using namespace kv;
 
 namespace {
-
-// A well-formed S1 line: count, address, data, checksum.
-QByteArray s1(quint16 indirizzo, const QByteArray &dati)
-{
-    QByteArray corpo;
-    corpo.append(char(dati.size() + 3));
-    corpo.append(char(indirizzo >> 8));
-    corpo.append(char(indirizzo & 0xFF));
-    corpo.append(dati);
-    quint8 somma = 0;
-    for (char c : corpo)
-        somma = quint8(somma + quint8(c));
-    corpo.append(char(~somma));
-    return "S1" + corpo.toHex().toUpper();
-}
 
 QByteArray serie(int da, int n)
 {
@@ -62,26 +48,27 @@ private slots:
         const QByteArray id = Codice + DatoA + DatoB;
         QTest::newRow("empty file") << QByteArray() << true << Scritture{};
         QTest::newRow("32 bytes at 0xC040: identification over the first 28")
-            << "S00600004844521B\r\n" + s1(0xC040, serie(0, 32)) + "\r\nS9030000FC\r\n"
+            << "S00600004844521B\r\n" + RigaS1(0xC040, serie(0, 32)) + "\r\nS9030000FC\r\n"
             << true << Scritture{{0xC040, id}, {0xC05C, serie(28, 4)}};
         QTest::newRow("16 bytes at 0xC040 fail: the second string runs past the end")
-            << s1(0xC000, QByteArray(16, '\x11')) + "\n" + s1(0xC040, serie(0, 16)) + "\n"
-                   + s1(0xC100, "\x22")
+            << RigaS1(0xC000, QByteArray(16, '\x11')) + "\n" + RigaS1(0xC040, serie(0, 16)) + "\n"
+                   + RigaS1(0xC100, "\x22")
             << false << Scritture{{0xC000, QByteArray(16, '\x11')}};
         // Reaching 0xC04D is enough for the end of the second string to be written: the
         // limit b - (i - 1) falls as i grows.
-        QTest::newRow("14 bytes at 0xC040 fail as well") << s1(0xC040, serie(0, 14)) << false << Scritture{};
+        QTest::newRow("14 bytes at 0xC040 fail as well")
+            << RigaS1(0xC040, serie(0, 14)) << false << Scritture{};
         QTest::newRow("16 bytes at 0xC050 fail: the first string starts before the line")
-            << s1(0xC050, serie(0, 16)) << false << Scritture{};
+            << RigaS1(0xC050, serie(0, 16)) << false << Scritture{};
         QTest::newRow("4 bytes at 0xC048 hold neither end: no identification")
-            << s1(0xC048, "\xAA\xBB\xCC\xDD") << true << Scritture{{0xC048, "\xAA\xBB\xCC\xDD"}};
+            << RigaS1(0xC048, "\xAA\xBB\xCC\xDD") << true << Scritture{{0xC048, "\xAA\xBB\xCC\xDD"}};
         QTest::newRow("lines split at 0xC000 and 0xF6FF")
-            << s1(0xBFFE, "\x01\x02\x03\x04") + "\r" + s1(0xF6FE, "\x05\x06\x07\x08") + "\r" << true
+            << RigaS1(0xBFFE, "\x01\x02\x03\x04") + "\r" + RigaS1(0xF6FE, "\x05\x06\x07\x08") + "\r" << true
             << Scritture{{0xC000, "\x03\x04"}, {0xF6FE, "\x05\x06"}};
         QTest::newRow("S2 and S3 are not understood")
             << QByteArray("S2080000C000112233BB\r\nS30900000C000445566AA\r\n") << true << Scritture{};
-        QTest::newRow("a later line wins") << s1(0xC100, "\x01\x02\x03") + "\n" + s1(0xC101, "\x09") << true
-                                           << Scritture{{0xC100, "\x01\x09\x03"}};
+        QTest::newRow("a later line wins") << RigaS1(0xC100, "\x01\x02\x03") + "\n" + RigaS1(0xC101, "\x09")
+                                           << true << Scritture{{0xC100, "\x01\x09\x03"}};
         QTest::newRow("count and checksum are never read")
             << QByteArray("S1FFC1004142FF\nS1") << true << Scritture{{0xC100, "\x41\x42"}};
         // One character left over goes into the first half of the next byte's pair.
@@ -126,7 +113,7 @@ private slots:
         const StatoProgramma stato;
         const QString fileSW = dir.filePath(QStringLiteral("FILESW.TXT"));
         const QString fileS19 = dir.filePath(QStringLiteral("KV2.S19"));
-        scrivi(fileS19, s1(0xC100, "\x01"));
+        scrivi(fileS19, RigaS1(0xC100, "\x01"));
         QVERIFY(!ConvertiS19(fileS19, fileSW, stato)); // no block file yet
         QVERIFY(!QFile::exists(fileSW));
         QVERIFY(PreparaFileSW(fileSW));
