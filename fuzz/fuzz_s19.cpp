@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 
 using namespace kv;
 
@@ -61,8 +62,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *dati, size_t dimensione)
         std::abort();
     const bool esadecimale = datiS1Esadecimali(s19);
     for (int r = 0; r < ImmagineSW::Blocchi; ++r) {
-        const QByteArrayView record =
-            QByteArrayView(immagine).sliced(qsizetype(r) * LunghezzaRecord, LunghezzaRecord);
+        // Only the records the text has touched: the blank one is known, and the fuzzer runs
+        // far faster without comparing all 28,600 characters each time.
+        const qsizetype inizio = qsizetype(r) * LunghezzaRecord;
+        if (std::memcmp(immagine.constData() + inizio, vuoto.constData() + inizio, LunghezzaRecord) == 0)
+            continue;
+        const QByteArrayView record = QByteArrayView(immagine).sliced(inizio, LunghezzaRecord);
         if (record[128] != '\r' || record[129] != '\n' || DecodificaRecord(record).size() != LunBlocco)
             std::abort();
         for (qsizetype i = 0; i < 128; ++i)
