@@ -18,6 +18,8 @@ constexpr int LunghezzaFrameDati = 15 + Frame::Sovraccarico;
 constexpr int PeriodoVitaMs = 250; // 'g' frames of the boot loader, four a second
 constexpr quint8 VersioneBootLoader = 0x01;
 constexpr int LetturaMassima = Frame::LunghezzaMassima - Frame::Sovraccarico - 1;
+// A flash writes the file once it has gone quiet, not 220 times over.
+constexpr int AttesaSalvataggioMs = 250;
 
 quint32 indirizzoDi(const QByteArray &dati)
 {
@@ -55,6 +57,7 @@ EcuSimulata::EcuSimulata(const OpzioniEcu &opzioni, QObject *parent)
     , m_timerFlusso(new QTimer(this))
     , m_timerCadenza(new QTimer(this))
     , m_timerRicezione(new QTimer(this))
+    , m_timerSalvataggio(new QTimer(this))
 {
     m_iniettore.guasti() = opzioni.guasti;
     if (!m_file.carica(m_memoria)) {
@@ -72,10 +75,17 @@ EcuSimulata::EcuSimulata(const OpzioniEcu &opzioni, QObject *parent)
     m_timerRicezione->setTimerType(Qt::PreciseTimer);
     m_timerRicezione->setSingleShot(true);
     connect(m_timerRicezione, &QTimer::timeout, this, &EcuSimulata::ricezioneCadenzata);
+    m_timerSalvataggio->setSingleShot(true);
+    m_timerSalvataggio->setInterval(AttesaSalvataggioMs);
+    connect(m_timerSalvataggio, &QTimer::timeout, this, &EcuSimulata::salvaMemoria);
     m_orologio.start();
 }
 
-EcuSimulata::~EcuSimulata() = default;
+EcuSimulata::~EcuSimulata()
+{
+    if (m_timerSalvataggio->isActive())
+        salvaMemoria();
+}
 
 // ---- line ------------------------------------------------------------------------------
 
@@ -128,8 +138,10 @@ void EcuSimulata::riaggancia()
 
 bool EcuSimulata::riapriLinea()
 {
-    if (!m_linea)
-        return false;
+    if (!m_linea) {
+        m_riagganciato = false;
+        return true;
+    }
     const bool ok = m_linea->apri();
     m_riagganciato = !ok;
     QMutexLocker blocco(&m_mutex);
@@ -172,8 +184,15 @@ void EcuSimulata::scriviVersione(const StringheVersione &versione)
     salvaMemoria();
 }
 
+void EcuSimulata::salvaMemoriaPiuTardi()
+{
+    if (m_file.attivo())
+        m_timerSalvataggio->start();
+}
+
 void EcuSimulata::salvaMemoria()
 {
+    m_timerSalvataggio->stop();
     QString errore;
     {
         QMutexLocker blocco(&m_mutex);
@@ -318,8 +337,8 @@ void EcuSimulata::passoMotore(int dtMs)
 
 void EcuSimulata::riceviDati(const QByteArray &bytes)
 {
-    if (m_iniettore.guasti().stallo)
-        return; // a stalled ECU hears nothing
+    if (m_iniettore.guasti().stallo || m_riagganciato)
+        return; // a stalled ECU, or one whose line is gone, hears nothing
     if (!m_opzioni.cadenzaReale || m_opzioni.baud <= 0) {
         elaboraRicevuti(bytes);
         return;
@@ -382,6 +401,7 @@ void EcuSimulata::gestisci(const QByteArray &dati)
             if (!soloLettera)
                 return rispondiEsito(ErroreEcu::LunghezzaErrata);
             m_modo = Modo::Programmazione;
+            m_bloccoProgrammazione = 0;
             m_taratura.azzera();
             return rispondiEsito(ErroreEcu::Fatto);
         case 'F':
@@ -392,13 +412,18 @@ void EcuSimulata::gestisci(const QByteArray &dati)
     case Modo::Programmazione:
         switch (lettera) {
         case 'I':
-            return rispondiEsito(soloLettera ? ErroreEcu::Fatto : ErroreEcu::LunghezzaErrata);
+            if (!soloLettera)
+                return rispondiEsito(ErroreEcu::LunghezzaErrata);
+            // A new start after a failed attempt: the loader begins counting again.
+            m_bloccoProgrammazione = 0;
+            return rispondiEsito(ErroreEcu::Fatto);
         case 'W':
             return comandoScrittura(dati, true);
         case 'F':
             if (!soloLettera)
                 return rispondiEsito(ErroreEcu::LunghezzaErrata);
             // The acknowledgement leaves before the restarted application speaks.
+            salvaMemoria();
             return rispondiEsito(ErroreEcu::Fatto, [this] { riavviaApplicazione(); });
         case 'V':
         case 'R':
@@ -413,6 +438,7 @@ void EcuSimulata::gestisci(const QByteArray &dati)
             if (!soloLettera)
                 return rispondiEsito(ErroreEcu::LunghezzaErrata);
             m_modo = Modo::Programmazione;
+            m_bloccoProgrammazione = 0;
             return rispondiEsito(ErroreEcu::Fatto);
         case 'V':
         case 'R':
@@ -446,6 +472,20 @@ void EcuSimulata::comandoScrittura(const QByteArray &dati, bool programmazione)
                                         : (area == AreaMemoria::Ram || area == AreaMemoria::Eeprom);
     if (!ammessa)
         return rispondiEsito(ErroreEcu::IndirizzoNonValido);
+    Guasti &g = m_iniettore.guasti();
+    if (programmazione) {
+        const int numero = ++m_bloccoProgrammazione;
+        if (numero == g.cadutaAlBlocco) {
+            g.cadutaAlBlocco = 0;
+            impostaStallo(true);
+            emit lineaCaduta(numero);
+            if (g.durataCadutaMs > 0)
+                QTimer::singleShot(g.durataCadutaMs, this, [this] { impostaStallo(false); });
+            return;
+        }
+        if (numero == g.bloccoGuasto)
+            return rispondiEsito(g.codiceBloccoGuasto);
+    }
     const quint8 guasto = m_iniettore.erroreScrittura(indirizzo, int(valori.size()));
     if (guasto != ErroreEcu::Fatto)
         return rispondiEsito(guasto);
@@ -453,7 +493,9 @@ void EcuSimulata::comandoScrittura(const QByteArray &dati, bool programmazione)
         QMutexLocker blocco(&m_mutex);
         m_memoria.scrivi(indirizzo, valori);
     }
-    if (area != AreaMemoria::Ram)
+    if (programmazione)
+        salvaMemoriaPiuTardi();
+    else if (area != AreaMemoria::Ram)
         salvaMemoria();
     rispondiEsito(ErroreEcu::Fatto);
 }
@@ -618,6 +660,20 @@ void EcuSimulata::togliErroriScrittura()
 void EcuSimulata::impostaRitardoRisposta(int ms)
 {
     m_iniettore.guasti().ritardoRispostaMs = qMax(0, ms);
+}
+
+void EcuSimulata::impostaGuastoBlocco(int blocco, quint8 codice)
+{
+    Guasti &g = m_iniettore.guasti();
+    g.bloccoGuasto = qMax(0, blocco);
+    g.codiceBloccoGuasto = codice;
+}
+
+void EcuSimulata::impostaCadutaAlBlocco(int blocco, int durataMs)
+{
+    Guasti &g = m_iniettore.guasti();
+    g.cadutaAlBlocco = qMax(0, blocco);
+    g.durataCadutaMs = qMax(0, durataMs);
 }
 
 void EcuSimulata::impostaStallo(bool attivo)

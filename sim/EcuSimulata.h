@@ -88,6 +88,9 @@ public:
     void scriviVersione(const StringheVersione &versione);
 
     Modo modo() const { return m_modo; }
+    // The blocks a programming session has been sent since its 'I' (writes to a wrong
+    // address not counted).
+    int bloccoProgrammazione() const { return m_bloccoProgrammazione; }
     quint8 statoTaratura() const { return m_taratura.stato(); }
     Taratura::Fase faseTaratura() const { return m_taratura.fase(); }
     const CampioneMotore &ultimoCampione() const { return m_ultimoCampione; }
@@ -111,8 +114,12 @@ public slots:
     void togliErroriScrittura();
     void impostaRitardoRisposta(int ms);
     void impostaStallo(bool attivo);
-    // The line vanishes: the tester's port sees an error. riapriLinea() brings up a new one
-    // (a pty gets a new device path; a fixed symlink follows it).
+    // Programming faults by block number (see Guasti); 0 takes them off.
+    void impostaGuastoBlocco(int blocco, quint8 codice = ErroreEcu::ScritturaFallita);
+    void impostaCadutaAlBlocco(int blocco, int durataMs = 0);
+    // The line vanishes: the tester's port sees an error, and nothing from it is heard.
+    // riapriLinea() brings up a new one (a pty gets a new device path; a fixed symlink
+    // follows it); without a line of its own, it just lets the ECU hear and speak again.
     void riaggancia();
     bool riapriLinea();
     void impostaCadenzaReale(bool attiva);
@@ -128,6 +135,8 @@ signals:
     void rispostaScartata(const QByteArray &frame);
     void lineaChiusa(const QString &motivo);
     void erroreMemoriaRilevato(const QString &testo);
+    // The line has gone dead at that block of a programming session.
+    void lineaCaduta(int blocco);
 
 private:
     bool usaLinea(Linea *linea);
@@ -141,6 +150,7 @@ private:
     SoglieMotore leggiSoglie() const;
     int leggiRam(int parametro) const;
     void salvaMemoria();
+    void salvaMemoriaPiuTardi();
 
     void rispondi(const QByteArray &dati, std::function<void()> poi = {});
     void rispondiEsito(quint8 codice, std::function<void()> poi = {});
@@ -165,6 +175,7 @@ private:
     CampioneMotore m_ultimoCampione;
     IniettoreGuasti m_iniettore;
     int m_vitaMs = 0;
+    int m_bloccoProgrammazione = 0;
 
     Linea *m_linea = nullptr;
     bool m_riagganciato = false;
@@ -172,6 +183,7 @@ private:
     QTimer *m_timerFlusso;
     QTimer *m_timerCadenza;
     QTimer *m_timerRicezione;
+    QTimer *m_timerSalvataggio;
     // Bytes from the tester and the time (us) their last bit has crossed the line.
     struct InArrivo
     {

@@ -20,6 +20,11 @@ struct Guasti
     QMap<quint32, quint8> erroriScrittura; // a write touching the address gets 'e' code
     int ritardoRispostaMs = 0;
     bool stallo = false; // no replies, no stream, commands ignored
+    // Blocks count the 'W' frames of one programming session, from 1 after each 'I'.
+    int bloccoGuasto = 0; // that block is refused with codiceBloccoGuasto, at every try
+    quint8 codiceBloccoGuasto = 0x05;
+    int cadutaAlBlocco = 0; // at that block the line goes dead (a stall), once
+    int durataCadutaMs = 0; // and comes back after this long; 0: when the stall is taken off
 };
 
 // Applies the frame faults to what leaves the ECU, in order: a reply may be dropped; a

@@ -138,6 +138,16 @@ void PreparaRigaComando(QCommandLineParser &parser)
          QStringLiteral("Fault: after this many seconds stop answering and streaming, for the given seconds "
                         "(0 or none: until SIGUSR1)."),
          QStringLiteral("after[:for]")},
+        {QStringLiteral("fail-block"),
+         QStringLiteral(
+             "Fault: in software programming, refuse block n (counted from 1 after each 'I') with this "
+             "'e' code (default 5), at every attempt."),
+         QStringLiteral("n[:code]")},
+        {QStringLiteral("drop-block"),
+         QStringLiteral("Fault: in software programming, the line goes dead at block n, once: that block and "
+                        "everything after it goes unheard and unanswered, for the given seconds (0 or none: "
+                        "until SIGUSR1)."),
+         QStringLiteral("n[:seconds]")},
         {QStringLiteral("hang-up"),
          QStringLiteral("Fault: after this many seconds the line vanishes, as if the cable were pulled."),
          QStringLiteral("after")},
@@ -223,6 +233,30 @@ bool InterpretaRigaComando(const QCommandLineParser &p, ImpostazioniProgramma &i
             return false;
         }
         g.erroriScrittura.insert(indirizzo, quint8(codice));
+    }
+    if (p.isSet(QStringLiteral("fail-block"))) {
+        quint32 blocco = 0;
+        quint32 codice = ErroreEcu::ScritturaFallita;
+        if (!coppia(p.value(QStringLiteral("fail-block")), blocco, codice) || blocco < 1 || blocco > 100000
+            || codice > 0xFE) {
+            errore = QStringLiteral(
+                         "--fail-block wants n[:code], a block from 1 and a code up to 0xFE, not \"%1\"")
+                         .arg(p.value(QStringLiteral("fail-block")));
+            return false;
+        }
+        g.bloccoGuasto = int(blocco);
+        g.codiceBloccoGuasto = quint8(codice);
+    }
+    if (p.isSet(QStringLiteral("drop-block"))) {
+        const QStringList parti = p.value(QStringLiteral("drop-block")).split(QLatin1Char(':'));
+        quint32 blocco = 0;
+        if (parti.size() > 2 || !numero(parti.at(0), blocco) || blocco < 1 || blocco > 100000
+            || (parti.size() == 2 && !secondiInMs(parti.at(1), g.durataCadutaMs))) {
+            errore = QStringLiteral("--drop-block wants n or n:seconds, a block from 1, not \"%1\"")
+                         .arg(p.value(QStringLiteral("drop-block")));
+            return false;
+        }
+        g.cadutaAlBlocco = int(blocco);
     }
     if (p.isSet(QStringLiteral("stall"))) {
         const QStringList parti = p.value(QStringLiteral("stall")).split(QLatin1Char(':'));

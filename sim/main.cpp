@@ -124,6 +124,10 @@ int main(int argc, char *argv[])
     QObject::connect(&ecu, &EcuSimulata::lineaChiusa, &app, [](const QString &motivo) {
         std::fprintf(stderr, "line closed: %s\n", qPrintable(motivo));
     });
+    QObject::connect(&ecu, &EcuSimulata::lineaCaduta, &app, [&ecu](int blocco) {
+        std::fprintf(stderr, "line dropped at block %d%s\n", blocco,
+                     ecu.guasti().durataCadutaMs > 0 ? "" : " (SIGUSR1 brings it back)");
+    });
     QObject::connect(&ecu, &EcuSimulata::erroreMemoriaRilevato, &app, [](const QString &testo) {
         std::fprintf(stderr, "korvantine-ecu: %s\n", qPrintable(testo));
     });

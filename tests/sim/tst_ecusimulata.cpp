@@ -4,8 +4,11 @@
 #include "RigaComando.h"
 
 #include "link/Frame.h"
+#include "link/StatoProgramma.h"
+#include "programming/ImmagineS19.h"
 #include "support/FileDiProva.h"
 #include "support/PortaEcu.h"
+#include "support/S19DiProva.h"
 
 #include <QCommandLineParser>
 #include <QElapsedTimer>
@@ -449,6 +452,98 @@ private slots:
         QCOMPARE(b.flusso('d').size(), 10);
     }
 
+    void flashCompleto_data()
+    {
+        QTest::addColumn<bool>("applicazione");
+        QTest::addColumn<int>("guasto"); // 0 none, 1 the block is refused, 2 the line drops there
+        QTest::addColumn<int>("blocco");
+        QTest::newRow("from the application") << true << 0 << 0;
+        QTest::newRow("boot loader only") << false << 0 << 0;
+        QTest::newRow("block 37 refused") << true << 1 << 37;
+        QTest::newRow("line dropped at block 100") << true << 2 << 100;
+        QTest::newRow("line dropped at block 1, boot loader only") << false << 2 << 1;
+    }
+
+    void flashCompleto()
+    {
+        QFETCH(bool, applicazione);
+        QFETCH(int, guasto);
+        QFETCH(int, blocco);
+        OpzioniEcu o = OpzioniManuali();
+        o.applicazionePresente = applicazione;
+        Banco b(o);
+
+        // The tool's image of a release for this ECU: its identification where it has given
+        // one, blanks where it has not.
+        StatoProgramma stato;
+        if (applicazione) {
+            stato.InfCodice = QString::fromLatin1(o.versione.codice);
+            stato.InfDatoA = QString::fromLatin1(o.versione.datoA);
+            stato.InfDatoB = QString::fromLatin1(o.versione.datoB);
+        }
+        QTemporaryDir dir;
+        const QString fileS19 = dir.filePath(QStringLiteral("NEW.S19"));
+        scrivi(fileS19, S19Completo(ImmagineDiProva()));
+        QVERIFY(PreparaFileSW(PercorsoFileSW(dir.path())));
+        QVERIFY(ConvertiS19(fileS19, PercorsoFileSW(dir.path()), stato));
+        QByteArray immagine;
+        QList<QByteArray> scritture;
+        for (int n = 1; n <= 220; ++n) {
+            const QByteArray dati = LeggiBloccoSW(dir.path(), n);
+            immagine += dati;
+            scritture << ComandoScrittura(quint32(0xC000 + 64 * (n - 1)), dati);
+        }
+        const QByteArray prima = b.ecu.leggiMemoria(0xC000, int(immagine.size()));
+        QVERIFY(prima != immagine);
+
+        // 'I', 220 blocks, 'F', each waiting for its reply: the block that went wrong, or 0.
+        int esito = 0;
+        const auto flash = [&] {
+            if (b.esito(CreaFrame("I")) != 0xFF)
+                return -1;
+            for (int n = 1; n <= 220; ++n)
+                if ((esito = b.esito(scritture[n - 1])) != 0xFF)
+                    return n;
+            return b.esito(CreaFrame("F")) == 0xFF ? 0 : 221;
+        };
+        if (guasto == 1)
+            b.ecu.impostaGuastoBlocco(blocco, 0x07);
+        if (guasto == 2)
+            b.ecu.impostaCadutaAlBlocco(blocco);
+        if (guasto != 0) {
+            QCOMPARE(flash(), blocco);
+            QCOMPARE(esito, guasto == 1 ? 0x07 : -1);
+            QCOMPARE(b.ecu.bloccoProgrammazione(), blocco);
+            // Refused at every attempt, or nothing heard any more.
+            if (guasto == 1)
+                QCOMPARE(flash(), blocco);
+            else
+                QCOMPARE(b.esito(CreaFrame("I")), -1);
+            const int fatti = 64 * (blocco - 1);
+            QCOMPARE(b.ecu.leggiMemoria(0xC000, fatti), immagine.left(fatti));
+            QCOMPARE(b.ecu.leggiMemoria(quint32(0xC000 + fatti), int(immagine.size()) - fatti),
+                     prima.mid(fatti));
+            QCOMPARE(b.ecu.modo(), EcuSimulata::Modo::Programmazione);
+            if (guasto == 1)
+                b.ecu.impostaGuastoBlocco(0);
+            else
+                b.ecu.impostaStallo(false); // the cable is back
+        }
+        // The next attempt starts again from 'I' and goes through.
+        QCOMPARE(flash(), 0);
+        QCOMPARE(b.ecu.leggiMemoria(0xC000, int(immagine.size())), immagine);
+        QCOMPARE(b.ecu.modo(), EcuSimulata::Modo::Applicazione);
+        b.svuota();
+        b.ecu.avanzaTempo(40);
+        QCOMPARE(b.flusso('d').size(), 1);
+        QCOMPARE(b.flusso('g').size(), 0);
+        // The version reply comes from the new image, with the identification carried over.
+        QCOMPARE(b.risposta(CreaFrame("V")), "vNEW-REL   2025-01-31" + immagine.mid(0x40, 28));
+        QCOMPARE(immagine.mid(0x40, 28), applicazione
+                                             ? o.versione.codice + o.versione.datoA + o.versione.datoB
+                                             : QByteArray(28, ' '));
+    }
+
     void frameInArrivo()
     {
         Banco b;
@@ -574,6 +669,13 @@ private slots:
             QCOMPARE(b.esito(b.scrittura(Par::SogliaGiriUscitaMinimo, 1234, true)), 0xFF);
             QCOMPARE(b.esito(b.scrittura(Par::SogliaGiriEntrataMinimo, 555)), 0xFF);
         }
+        {
+            // A flash cut short is kept too, though the file is written only once it goes quiet.
+            Banco b(o);
+            QCOMPARE(b.esito(CreaFrame("I")), 0xFF);
+            QCOMPARE(b.esito(ComandoScrittura(0xF600, QByteArray(64, '\x3C'))), 0xFF);
+        }
+        QCOMPARE(leggi(o.fileMemoria).mid(0xF600 - 0xC000, 64), QByteArray(64, '\x3C'));
         o.versione.veicolo = "ALTRO";
         Banco b(o);
         QCOMPARE(b.ee(Par::SogliaGiriUscitaMinimo), 1234);
@@ -615,6 +717,10 @@ private slots:
                              imp.riagganciaDopoMs}),
                  QList<int>({19200, 7, ErroreEcu::ScritturaFallita, 4, 12, 2500, 1000, 30000}));
         QVERIFY(imp.versioneData && imp.ecu.versione.codice == "ABC");
+        QVERIFY2(interpreta({"--fail-block", "150:7", "--drop-block", "100:2.5"}, imp, errore),
+                 qPrintable(errore));
+        QCOMPARE(QList<int>({g.bloccoGuasto, g.codiceBloccoGuasto, g.cadutaAlBlocco, g.durataCadutaMs}),
+                 QList<int>({150, 7, 100, 2500}));
 
         const QList<QStringList> sbagliate = {{"--baud", "1200"},
                                               {"--rate", "0"},
@@ -622,6 +728,8 @@ private slots:
                                               {"--stall", "soon"},
                                               {"--write-error", "C110"}, // hexadecimal wants its 0x
                                               {"--write-error", "0xC110:255"},
+                                              {"--fail-block", "0"},
+                                              {"--drop-block", "3:later"},
                                               {"--device", "/dev/ttyS0", "--link", "/tmp/ecu"}};
         for (const QStringList &a : sbagliate) {
             ImpostazioniProgramma altra;
