@@ -78,7 +78,7 @@ void DatiLive::RispostaDati(const QByteArray &payload)
     decodifica(payload, attuale);
 
     if (m_stato.RegistrazioneAttiva && m_anello) {
-        const bool alLimite = m_anello->aggiungi(attuale);
+        const bool alLimite = m_anello->MemorizzaCampione(attuale);
         perOgniAscoltatore([&](AscoltatoreDati *a) { a->campioneRegistrato(alLimite); });
     }
     m_stato.DatoNuovo = -1;

@@ -22,6 +22,7 @@ Programma::Programma(const QString &percorsoApp, std::unique_ptr<Porta> portaSer
     , datiLive(stato, motore, identificazione, TimeOutDati, &anello)
 {
     stato.PercorsoApp = percorsoApp;
+    anello.collega(&canali, percorsoApp);
     connect(&porta, &Porta::arrivati, this, [this](const QByteArray &b) { ricevitore.ricevi(b); });
     ricevitore.impostaGestore([this](const QByteArray &payload) { motore.instrada(payload); });
     ricevitore.impostaSegnalazione(
