@@ -5,6 +5,7 @@
 
 #include "Demo.h"
 
+#include "base/FileIni.h"
 #include "base/IstanzaUnica.h"
 #include "base/PercorsoApp.h"
 #include "link/PortaSeriale.h"
@@ -136,14 +137,15 @@ int main(int argc, char *argv[])
     }
     // Some way into the engine's cycle, where every instrument has something to say.
     pausa(7000);
+    // A drive is recorded to a file where the record card would put it.
+    const QString file = home.filePath(QStringLiteral("DATI/DEMO/PROVA/GIRO1.ACQ"));
+    QDir().mkpath(QFileInfo(file).path());
+    FileIni::scrivi(programma.percorsoIni(), QStringLiteral("MEMORIZZAZIONE"), QStringLiteral("FileMemor"),
+                    file);
     if (auto *strumenti = qobject_cast<Strumenti *>(finestra.apriPagina(IdPagina::Strumenti))) {
         attendi(linkLibero, 5000);
         pausa(1500);
         ok &= salva(finestra, cartella, QStringLiteral("strumenti.png"));
-        // A drive being recorded, to a file where the record card would put it.
-        const QString file = home.filePath(QStringLiteral("DATI/DEMO/PROVA/GIRO1.ACQ"));
-        QDir().mkpath(QFileInfo(file).path());
-        programma.anello.impostaFileRegistrazione(file);
         strumenti->barra().comando(QStringLiteral("INIZIO"));
         pausa(2500);
         ok &= salva(finestra, cartella, QStringLiteral("strumenti-recording.png"));

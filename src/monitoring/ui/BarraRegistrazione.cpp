@@ -108,7 +108,15 @@ BarraRegistrazione::BarraRegistrazione(Programma &programma, QWidget *finestra, 
     , m_tipo(tipo)
     , m_menu(new QMenuBar(finestra))
     , m_barra(new QToolBar(finestra))
+    , m_indicatore(new QLabel(finestra))
 {
+    m_indicatore->setObjectName(QStringLiteral("StatoRegistrazione"));
+    m_indicatore->setAutoFillBackground(true);
+    m_indicatore->setContentsMargins(10, 2, 10, 2);
+    QFont fi = m_indicatore->font();
+    fi.setBold(true);
+    fi.setPointSizeF(fi.pointSizeF() * 1.1);
+    m_indicatore->setFont(fi);
     m_menu->setObjectName(QStringLiteral("MenuP"));
     m_barra->setObjectName(QStringLiteral("MenuPrinc"));
     m_barra->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
@@ -248,6 +256,18 @@ void BarraRegistrazione::aggiorna()
 {
     const int stato = m_programma.anello.StatoRegistrazione;
     m_finestra->setWindowTitle(TitoloRegistrazione(m_programma.lingua, m_sezione, stato));
+    const Lingua &l = m_programma.lingua;
+    m_indicatore->setText(l.LeggiTesto(m_sezione, QStringLiteral("LABREGISTRO.1")) + QLatin1Char(' ')
+                          + l.LeggiTesto("REGISTRAZIONE", "STATOREG." + QString::number(stato)));
+    QPalette colori = m_finestra->palette();
+    if (stato == AnelloRegistrazione::InRegistrazione) {
+        colori.setColor(QPalette::Window, QColor(0xC6, 0x28, 0x28));
+        colori.setColor(QPalette::WindowText, Qt::white);
+    } else if (stato == AnelloRegistrazione::InPausa) {
+        colori.setColor(QPalette::Window, QColor(0xFF, 0xB3, 0x00));
+        colori.setColor(QPalette::WindowText, Qt::black);
+    }
+    m_indicatore->setPalette(colori);
     const ComandiRegistrazione c = AggiornaMenuRegistrazione(stato);
     const auto applica = [this](const char *nome, const StatoComando &s) {
         if (QAction *a = azione(QString::fromLatin1(nome))) {

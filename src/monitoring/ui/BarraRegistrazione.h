@@ -46,6 +46,9 @@ public:
 
     QMenuBar *menu() const { return m_menu; }
     QToolBar *barra() const { return m_barra; }
+    // The recording state in plain words, red while recording, amber while paused: for the
+    // window's status line, where it can be seen from the car.
+    QLabel *indicatore() const { return m_indicatore; }
     // The toolbar key or menu entry by its name: "Inizio", "MenuReg_0", "MenuG_1"...
     QAction *azione(const QString &nome) const;
 
@@ -83,6 +86,7 @@ private:
     Tipo m_tipo;
     QMenuBar *m_menu;
     QToolBar *m_barra;
+    QLabel *m_indicatore;
     std::map<QString, QAction *> m_azioni;
     std::vector<QMenu *> m_menuP;
     QLabel *m_labRegistro = nullptr;

@@ -4,6 +4,7 @@
 #include "monitoring/ui/GraficoStriscia.h"
 #include "shell/Programma.h"
 
+#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenuBar>
@@ -135,11 +136,17 @@ void RigaDatoGrafico::paintEvent(QPaintEvent *)
     }
 
     const int margine = 14;
-    const QFontMetrics mt(fontTitolo());
+    // A long caption gets a smaller type before it is cut: the unit at its end matters.
+    QFont ft = fontTitolo();
+    const int larghezzaTitolo = width() - margine - 6;
+    const double piena = ft.pointSizeF();
+    while (QFontMetrics(ft).horizontalAdvance(text()) > larghezzaTitolo && ft.pointSizeF() > piena * 0.68)
+        ft.setPointSizeF(ft.pointSizeF() * 0.94);
+    const QFontMetrics mt(ft);
     const QFontMetrics mv(fontValore());
-    p.setFont(fontTitolo());
+    p.setFont(ft);
     p.setPen(TestoTitolo);
-    const QRect titolo(margine, 5, width() - margine - 6, mt.height());
+    const QRect titolo(margine, 5, larghezzaTitolo, QFontMetrics(fontTitolo()).height());
     p.drawText(titolo, Qt::AlignLeft | Qt::AlignVCenter,
                mt.elidedText(text(), Qt::ElideRight, titolo.width()));
 
@@ -202,7 +209,11 @@ Grafici::Grafici(Programma &programma, QWidget *parent)
     QFont fr = m_labRegistro->font();
     fr.setBold(true);
     m_labRegistro->setFont(fr);
-    colonna->addWidget(m_labRegistro);
+    auto *stato = new QHBoxLayout;
+    stato->setContentsMargins(4, 3, 4, 3);
+    stato->addWidget(m_barra->indicatore());
+    stato->addWidget(m_labRegistro, 1);
+    colonna->addLayout(stato);
     m_barra->impostaLabRegistro(m_labRegistro);
     connect(m_barra, &BarraRegistrazione::esci, this, &Grafici::Esci);
     connect(m_barra, &BarraRegistrazione::blocca, this, &Grafici::blocca);

@@ -281,7 +281,7 @@ void GraficoStriscia::impagina()
     const int mezzaCifraX = cifre.horizontalAdvance(FormattaNumero(x.massimo, x.formato)) / 2 + 6;
     const int destra = m_secondoAsse ? larghezzaCifre(AsseY2) + Tacca + 8 : mezzaCifraX;
     const int alto = titoli.height() + 6;
-    const int basso = cifre.height() * 2 + 6;
+    const int basso = cifre.height() * 2 + Tacca + 6;
     m_area = QRect(sinistra, alto, std::max(width() - sinistra - destra, 10),
                    std::max(height() - alto - basso, 10));
 }

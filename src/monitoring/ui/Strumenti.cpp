@@ -156,7 +156,8 @@ Strumenti::Strumenti(Programma &programma, QWidget *parent)
     }
     m_labRegistro = new QLabel(m_boxInf);
     m_labRegistro->setObjectName(QStringLiteral("LabRegistro"));
-    inf->addWidget(m_labRegistro, 1, 0, 1, 5);
+    inf->addWidget(m_barra->indicatore(), 1, 0, 1, 1);
+    inf->addWidget(m_labRegistro, 1, 1, 1, 4);
     m_barra->impostaLabRegistro(m_labRegistro);
     m_esci = new QPushButton(m_boxInf);
     m_esci->setObjectName(QStringLiteral("Esci"));
