@@ -1,14 +1,18 @@
-// korvantine-pictures DIR: the main menu, the ECU version page, the port page, the idle page
-// and the instruments, rendered to PNG files in DIR against the simulated ECU, in English, as
+// korvantine-pictures DIR: the main menu, the ECU version page, the port page, the idle page,
+// the instruments (also while recording) and the charts, rendered to PNG files in DIR against the simulated ECU, in English, as
 // a fitter sees them at 1024x768.
 // Run it with the offscreen platform (scripts/pictures.sh does).
 
 #include "Demo.h"
 
+#include "base/FileIni.h"
 #include "base/IstanzaUnica.h"
 #include "base/PercorsoApp.h"
 #include "link/PortaSeriale.h"
+#include "monitoring/ui/BarraRegistrazione.h"
+#include "monitoring/ui/Grafici.h"
 #include "monitoring/ui/RegistroStrumenti.h"
+#include "monitoring/ui/Strumenti.h"
 #include "pages/ui/RegistroMessaPunto.h"
 #include "shell/Avvio.h"
 #include "shell/Programma.h"
@@ -18,6 +22,7 @@
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QFileInfo>
 #include <QTemporaryDir>
 #include <QThread>
 
@@ -132,10 +137,31 @@ int main(int argc, char *argv[])
     }
     // Some way into the engine's cycle, where every instrument has something to say.
     pausa(7000);
-    if (finestra.apriPagina(IdPagina::Strumenti)) {
+    // A drive is recorded to a file where the record card would put it.
+    const QString file = home.filePath(QStringLiteral("DATI/DEMO/PROVA/GIRO1.ACQ"));
+    QDir().mkpath(QFileInfo(file).path());
+    FileIni::scrivi(programma.percorsoIni(), QStringLiteral("MEMORIZZAZIONE"), QStringLiteral("FileMemor"),
+                    file);
+    if (auto *strumenti = qobject_cast<Strumenti *>(finestra.apriPagina(IdPagina::Strumenti))) {
         attendi(linkLibero, 5000);
         pausa(1500);
         ok &= salva(finestra, cartella, QStringLiteral("strumenti.png"));
+        strumenti->barra().comando(QStringLiteral("INIZIO"));
+        pausa(2500);
+        ok &= salva(finestra, cartella, QStringLiteral("strumenti-recording.png"));
+        strumenti->barra().comando(QStringLiteral("FINE"));
+        finestra.ChiudiPagina(strumenti);
+    }
+    // Four charts, run long enough for the window to have jumped on once.
+    if (auto *grafici = qobject_cast<Grafici *>(finestra.apriPagina(IdPagina::Grafici))) {
+        for (int canale : {2, 3, 4, 5})
+            if (grafici->modello().slotDi(canale) < 0)
+                grafici->cliccaCanale(canale);
+        grafici->riga(1)->setFocus();
+        grafici->barra().comando(QStringLiteral("INIZIO"));
+        pausa(23000);
+        ok &= salva(finestra, cartella, QStringLiteral("grafici.png"));
+        grafici->barra().comando(QStringLiteral("FINE"));
     }
     return ok ? 0 : 1;
 }

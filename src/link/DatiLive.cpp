@@ -61,7 +61,7 @@ void DatiLive::protetto(F &&f)
     try {
         f();
     } catch (...) {
-        m_stato.DatoNuovo = 0;
+        m_stato.DatoNuovo = false;
     }
 }
 
@@ -89,7 +89,7 @@ void DatiLive::RispostaDati(const QByteArray &payload)
     decodifica(payload, attuale);
 
     if (m_stato.RegistrazioneAttiva && m_anello) {
-        const bool alLimite = m_anello->aggiungi(attuale);
+        const bool alLimite = m_anello->MemorizzaCampione(attuale);
         perOgniAscoltatore([&](AscoltatoreDati *a) { a->campioneRegistrato(alLimite); });
     }
     m_stato.DatoNuovo = true;
@@ -111,7 +111,7 @@ void DatiLive::RispostaDati(const QByteArray &payload)
         }
         if (m_taratura) {
             const int stato = static_cast<int>(attuale.Valore[Canale::FlagPa]);
-            const bool sequenza = m_stato.TaraturaCompleta != 0;
+            const bool sequenza = m_stato.TaraturaCompleta;
             protetto([&] { m_taratura->statoTaratura(stato, sequenza, attuale); });
         }
         perOgniAscoltatore([&](AscoltatoreDati *a) { a->frameStato(attuale); });

@@ -1,6 +1,5 @@
 #include "pages/ModelloStrumenti.h"
 
-#include "base/FileIni.h"
 #include "link/Frame.h"
 #include "pages/PannelloLive.h"
 #include "shell/Programma.h"
@@ -79,7 +78,7 @@ bool ModelloStrumenti::carica()
 
 void ModelloStrumenti::chiudi()
 {
-    m_programma.anello.azzera();
+    m_programma.anello.chiudiFinestra();
     m_programma.stato.RegistrazioneAttiva = false;
 }
 
@@ -274,14 +273,6 @@ ModelloStrumenti::Cambiamenti ModelloStrumenti::tick()
         mostrato[static_cast<size_t>(canale)] = nuovo[static_cast<size_t>(canale)];
     s.DatoNuovo = false;
     return c;
-}
-
-QString ModelloStrumenti::testoRegistro() const
-{
-    const QString file = FileIni::leggi(m_programma.percorsoIni(), QStringLiteral("MEMORIZZAZIONE"),
-                                        QStringLiteral("FileMemor"))
-                             .trimmed();
-    return m_programma.lingua.LeggiTesto("STRUMENTI", "LABREGISTRO.0") + QLatin1Char(' ') + file;
 }
 
 } // namespace kv

@@ -87,7 +87,7 @@ public:
     // shown record to -1 so the first one shows in full, and the 13 reads started.
     // False when the port is closed: nothing is read.
     bool carica();
-    // Closing: the ring emptied, recording off.
+    // Closing: what the ring holds written if recording, the ring emptied, recording off.
     void chiudi();
     bool inLettura() const;
 
@@ -133,9 +133,6 @@ public:
         QString zona;
     };
     const Quadro &quadro() const { return m_quadro; }
-
-    // The status line: the recorder's label and the recording file kept in the settings.
-    QString testoRegistro() const;
 
     void risposta(char lettera, int stato, const QByteArray &payload) override;
     void scadenza(int stato) override;

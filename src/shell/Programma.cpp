@@ -26,6 +26,7 @@ Programma::Programma(const QString &percorsoApp, std::unique_ptr<Porta> portaSer
     , sorveglianza(porta, *m_riapertura, *m_silenzio)
 {
     stato.PercorsoApp = percorsoApp;
+    anello.collega(&canali, percorsoApp);
     connect(&porta, &Porta::arrivati, this, [this](const QByteArray &b) { ricevitore.ricevi(b); });
     ricevitore.impostaGestore([this](const QByteArray &payload) {
         sorveglianza.frameBuono();

@@ -144,6 +144,14 @@ private slots:
         QTest::newRow("VisInf") << "VisInf" << QStringList{"CAPTION"} + indici("LABINFC.", 0, 3);
         QTest::newRow("Infor") << "Infor" << QStringList{"CAPTION", "LBLTITLE", "LBLVERSION"};
         QTest::newRow("Password") << "Password" << QStringList{"CAPTION", "LABPAROLA.0"};
+        // The monitor windows look their menus up in their own section.
+        const QStringList registratore =
+            QStringList{"CAPTION", "LABREGISTRO.1"} + indici("MENUFILE.", 0, 1) + indici("MENUREG.", 0, 2);
+        QTest::newRow("Strumenti") << "Strumenti" << registratore + indici("MENUP.", 0, 1);
+        QTest::newRow("Grafici") << "Grafici"
+                                 << registratore + indici("MENUP.", 0, 3) + indici("MENUG.", 0, 1)
+                                        + QStringList{"MENUIMP.0"};
+        QTest::newRow("REGISTRAZIONE") << "REGISTRAZIONE" << indici("STATOREG.", 0, 2);
     }
 
     void everyKeyOfAComputedFamilyHasText()

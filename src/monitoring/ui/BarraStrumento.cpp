@@ -43,7 +43,8 @@ void BarraStrumento::impostaValore(double valore)
     if (valore == m_valore)
         return;
     m_valore = valore;
-    update();
+    // Only the track moves; the scale beside it stays as painted.
+    update(traccia().toAlignedRect().adjusted(-2, -2, 2, 2));
 }
 
 void BarraStrumento::impostaColori(const QColor &basso, const QColor &alto)
@@ -71,19 +72,30 @@ std::optional<double> BarraStrumento::marcatore(int i) const
     return m_marche[static_cast<size_t>(i)].frazione;
 }
 
+double BarraStrumento::colonnaNumeri() const
+{
+    const QFontMetricsF fm(font());
+    return std::max(fm.horizontalAdvance(QString::number(m_massimo, 'f', 0)),
+                    fm.horizontalAdvance(QString::number(m_minimo, 'f', 0)))
+           + 8;
+}
+
+QRectF BarraStrumento::traccia() const
+{
+    const double margine = 10;
+    const double larghezzaBarra = std::clamp(width() * 0.34, 22.0, 60.0);
+    const double sinistra = std::max(colonnaNumeri() + 6, (width() - larghezzaBarra) / 2.0);
+    return QRectF(sinistra, margine, larghezzaBarra, height() - 2 * margine);
+}
+
 void BarraStrumento::paintEvent(QPaintEvent *)
 {
     QPainter p(this);
     p.setRenderHint(QPainter::Antialiasing);
 
-    const double margine = 10;
     const QFontMetricsF fm(font());
-    const double colonnaNumeri = std::max(fm.horizontalAdvance(QString::number(m_massimo, 'f', 0)),
-                                          fm.horizontalAdvance(QString::number(m_minimo, 'f', 0)))
-                                 + 8;
-    const double larghezzaBarra = std::clamp(width() * 0.34, 22.0, 60.0);
-    const double sinistra = std::max(colonnaNumeri + 6, (width() - larghezzaBarra) / 2.0);
-    const QRectF traccia(sinistra, margine, larghezzaBarra, height() - 2 * margine);
+    const double colonnaNumeri = this->colonnaNumeri();
+    const QRectF traccia = this->traccia();
     const auto yDi = [&](double frazione) { return traccia.bottom() - frazione * traccia.height(); };
 
     // Scale: a number and a long tick at round values (every 50 on 0..255), five short

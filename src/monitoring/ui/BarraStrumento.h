@@ -40,6 +40,9 @@ protected:
     void paintEvent(QPaintEvent *) override;
 
 private:
+    double colonnaNumeri() const;
+    QRectF traccia() const; // the bar's track inside the widget
+
     struct Marca
     {
         std::optional<double> frazione;

@@ -1,5 +1,6 @@
 #include "monitoring/ui/Contagiri.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QtMath>
@@ -16,6 +17,8 @@ constexpr double Ampiezza = 270;
 
 Contagiri::Contagiri(QWidget *parent) : QWidget(parent)
 {
+    // The kept dial carries the background too, so nothing behind needs painting.
+    setAttribute(Qt::WA_OpaquePaintEvent);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setMinimumSize(minimumSizeHint());
 }
@@ -26,6 +29,7 @@ void Contagiri::impostaScala(double minimo, double massimo)
         return;
     m_minimo = minimo;
     m_massimo = massimo;
+    m_quadrante = QPixmap();
     update();
 }
 
@@ -42,13 +46,22 @@ void Contagiri::impostaDidascalia(const QString &testo)
     if (testo == m_didascalia)
         return;
     m_didascalia = testo;
+    m_quadrante = QPixmap();
     update();
 }
 
 void Contagiri::impostaZonaRossa(double da)
 {
     m_zonaRossa = da;
+    m_quadrante = QPixmap();
     update();
+}
+
+void Contagiri::changeEvent(QEvent *evento)
+{
+    if (evento->type() == QEvent::PaletteChange || evento->type() == QEvent::FontChange)
+        m_quadrante = QPixmap();
+    QWidget::changeEvent(evento);
 }
 
 double Contagiri::angolo(double v) const
@@ -57,9 +70,8 @@ double Contagiri::angolo(double v) const
     return AngoloInizio - f * Ampiezza; // degrees, counter-clockwise from 3 o'clock
 }
 
-void Contagiri::paintEvent(QPaintEvent *)
+void Contagiri::disegnaQuadrante(QPainter &p) const
 {
-    QPainter p(this);
     p.setRenderHint(QPainter::Antialiasing);
     const double lato = std::min(width(), height());
     p.translate(width() / 2.0, height() / 2.0);
@@ -119,6 +131,26 @@ void Contagiri::paintEvent(QPaintEvent *)
     p.setFont(piccolo);
     p.setPen(QColor(0xB0, 0xBE, 0xC5));
     p.drawText(QRectF(-45, 50, 90, 18), Qt::AlignCenter, m_didascalia);
+}
+
+void Contagiri::paintEvent(QPaintEvent *)
+{
+    // The dial changes only with size, scale or caption: it is drawn once and kept, and
+    // each new value costs the needle alone.
+    const qreal dpr = devicePixelRatioF();
+    if (m_quadrante.size() != size() * dpr || m_quadrante.devicePixelRatio() != dpr) {
+        m_quadrante = QPixmap(size() * dpr);
+        m_quadrante.setDevicePixelRatio(dpr);
+        m_quadrante.fill(palette().color(QPalette::Window));
+        QPainter q(&m_quadrante);
+        disegnaQuadrante(q);
+    }
+    QPainter p(this);
+    p.drawPixmap(0, 0, m_quadrante);
+    p.setRenderHint(QPainter::Antialiasing);
+    const double lato = std::min(width(), height());
+    p.translate(width() / 2.0, height() / 2.0);
+    p.scale(lato / 200.0, lato / 200.0);
 
     // Needle with a soft shadow, then the hub.
     const double a = angolo(m_valore);

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QPixmap>
 #include <QWidget>
+
+class QPainter;
 
 namespace kv {
 
@@ -32,15 +35,18 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *) override;
+    void changeEvent(QEvent *evento) override;
 
 private:
     double angolo(double v) const;
+    void disegnaQuadrante(QPainter &p) const;
 
     double m_minimo = 0;
     double m_massimo = 8;
     double m_zonaRossa = 6.5;
     double m_valore = 0;
     QString m_didascalia;
+    QPixmap m_quadrante; // the dial without the needle, as last drawn
 };
 
 } // namespace kv

@@ -1,16 +1,39 @@
 #include "monitoring/ui/RegistroStrumenti.h"
 
+#include "monitoring/ui/Grafici.h"
 #include "monitoring/ui/Strumenti.h"
 #include "shell/ui/Korvantine.h"
 
 namespace kv {
 
-void RegistraStrumenti(Korvantine &frame)
+namespace {
+
+// The frame shows the window's messages and takes it away when it ends.
+template <typename Finestra>
+void prepara(Korvantine &f, Finestra *pagina, const BarraRegistrazione::ApriScheda &apriScheda)
 {
-    frame.registraPagina(IdPagina::Strumenti, [](Korvantine &f) -> QWidget * {
+    BarraRegistrazione &barra = pagina->barra();
+    barra.impostaMessaggio([&f](const QString &testo, int flags, const QString &titolo) {
+        return f.MostraMsg(testo, flags, titolo);
+    });
+    if (apriScheda)
+        barra.impostaApriScheda(apriScheda);
+    QObject::connect(pagina, &Finestra::chiusa, &f, [&f, pagina] { f.ChiudiPagina(pagina); });
+    pagina->carica();
+}
+
+} // namespace
+
+void RegistraStrumenti(Korvantine &frame, BarraRegistrazione::ApriScheda apriScheda)
+{
+    frame.registraPagina(IdPagina::Strumenti, [apriScheda](Korvantine &f) -> QWidget * {
         auto *pagina = new Strumenti(f.programma());
-        QObject::connect(pagina, &Strumenti::chiusa, &f, [&f, pagina] { f.ChiudiPagina(pagina); });
-        pagina->carica();
+        prepara(f, pagina, apriScheda);
+        return pagina;
+    });
+    frame.registraPagina(IdPagina::Grafici, [apriScheda](Korvantine &f) -> QWidget * {
+        auto *pagina = new Grafici(f.programma());
+        prepara(f, pagina, apriScheda);
         return pagina;
     });
 }

@@ -1,5 +1,6 @@
 #include "monitoring/ui/Strumenti.h"
 
+#include "monitoring/ui/BarraRegistrazione.h"
 #include "monitoring/ui/BarraStrumento.h"
 #include "monitoring/ui/Contagiri.h"
 #include "monitoring/ui/ImmaginiMotorino.h"
@@ -11,9 +12,11 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QShortcut>
 #include <QTimer>
+#include <QToolBar>
 #include <QVBoxLayout>
 
 namespace kv {
@@ -48,14 +51,19 @@ Strumenti::Strumenti(Programma &programma, QWidget *parent)
     , m_programma(programma)
     , m_modello(new ModelloStrumenti(programma, this))
     , m_visDati(new QTimer(this))
+    , m_barra(new BarraRegistrazione(programma, this, QStringLiteral("Strumenti"),
+                                     BarraRegistrazione::Tipo::Strumenti))
 {
     setObjectName(QStringLiteral("Strumenti"));
+    connect(m_barra, &BarraRegistrazione::esci, this, &Strumenti::Esci);
     m_visDati->setInterval(PeriodoVisDati);
     connect(m_visDati, &QTimer::timeout, this, &Strumenti::VisDati);
     connect(m_modello, &ModelloStrumenti::valoreLetto, this, &Strumenti::mostraValore);
     connect(m_modello, &ModelloStrumenti::letturaFinita, this, &Strumenti::letturaFinita);
 
     auto *principale = new QVBoxLayout(this);
+    principale->setMenuBar(m_barra->menu());
+    principale->addWidget(m_barra->barra());
     m_strumenti = new QWidget(this);
     m_strumenti->setObjectName(QStringLiteral("Cruscotto"));
     QPalette scuro = m_strumenti->palette();
@@ -148,7 +156,9 @@ Strumenti::Strumenti(Programma &programma, QWidget *parent)
     }
     m_labRegistro = new QLabel(m_boxInf);
     m_labRegistro->setObjectName(QStringLiteral("LabRegistro"));
-    inf->addWidget(m_labRegistro, 1, 0, 1, 5);
+    inf->addWidget(m_barra->indicatore(), 1, 0, 1, 1);
+    inf->addWidget(m_labRegistro, 1, 1, 1, 4);
+    m_barra->impostaLabRegistro(m_labRegistro);
     m_esci = new QPushButton(m_boxInf);
     m_esci->setObjectName(QStringLiteral("Esci"));
     m_esci->setAutoDefault(false);
@@ -277,11 +287,13 @@ void Strumenti::caricaTesti()
 void Strumenti::carica()
 {
     caricaTesti();
-    m_labRegistro->setText(m_modello->testoRegistro());
     // Until the set points are in, the instruments would show half a picture.
     m_strumenti->setVisible(false);
     m_boxInf->setEnabled(true);
-    if (!m_modello->carica()) {
+    const bool lettura = m_modello->carica();
+    // After the model, which empties the ring and arms the recorder.
+    m_barra->carica();
+    if (!lettura) {
         // Without a line there is nothing to show; only Esci is useful.
         m_strumenti->setVisible(false);
         return;

@@ -12,6 +12,7 @@ class QTimer;
 namespace kv {
 
 class AttuatoreMotorino;
+class BarraRegistrazione;
 class BarraStrumento;
 class Contagiri;
 class ModelloStrumenti;
@@ -39,6 +40,7 @@ public:
     void VisDati();
 
     ModelloStrumenti &modello() { return *m_modello; }
+    BarraRegistrazione &barra() { return *m_barra; }
 
 signals:
     void chiusa();
@@ -66,6 +68,7 @@ private:
     Programma &m_programma;
     ModelloStrumenti *m_modello;
     QTimer *m_visDati;
+    BarraRegistrazione *m_barra;
 
     QWidget *m_strumenti = nullptr;
     QGroupBox *m_boxGiri = nullptr;

@@ -257,7 +257,8 @@ private slots:
     void panelOnScreen()
     {
         modello.reset();
-        scrivi(p->percorsoIni(), "[MEMORIZZAZIONE]\r\nFileMemor= /tmp/prova.ACQ \r\n");
+        const QString file = cartella.filePath("PROVA.ACQ");
+        scrivi(p->percorsoIni(), "[MEMORIZZAZIONE]\r\nFileMemor= " + file.toLocal8Bit() + " \r\n");
         Strumenti s(*p);
         s.resize(1100, 600);
         s.show();
@@ -268,7 +269,7 @@ private slots:
         QVERIFY(attendi());
         QVERIFY(s.findChild<QWidget *>("Cruscotto")->isVisible());
         QCOMPARE(s.findChild<QLabel *>("LabRegistro")->text(),
-                 testo("STRUMENTI", "LABREGISTRO.0") + " /tmp/prova.ACQ");
+                 testo("STRUMENTI", "LABREGISTRO.0") + " " + file);
         auto *tps = s.findChild<BarraStrumento *>("Dato_TPS");
         QCOMPARE(*tps->marcatore(2), std::round(850 * 255.0 / 1023.0) / 255);
         QCOMPARE(*s.findChild<ScalaMotorino *>("MotorinoZ")->reset(), 120.0 / 255);

@@ -1,0 +1,187 @@
+// The chart window on screen, fed by the simulated ECU through the program's port: four
+// charts picked by keyboard, their curves growing a segment at a time, a recording whose
+// file is made read-only, the card that is not there yet, and Esc.
+
+#include "support/FileDiProva.h"
+#include "support/PortaEcu.h"
+#include "support/SolaLettura.h"
+
+#include "base/FileIni.h"
+#include "monitoring/ui/BarraRegistrazione.h"
+#include "monitoring/ui/Grafici.h"
+#include "monitoring/ui/GraficoStriscia.h"
+#include "shell/Programma.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace kv;
+using namespace kv::sim;
+
+class TstFinestraGrafici : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir cartella;
+    std::unique_ptr<EcuSimulata> ecu;
+    std::unique_ptr<Programma> p;
+    std::unique_ptr<Grafici> g;
+    QStringList messaggi;
+
+    QString testo(const char *sezione, const char *chiave) { return p->lingua.LeggiTesto(sezione, chiave); }
+
+    // Live frames decoded by the program.
+    struct Contatore : AscoltatoreDati
+    {
+        void frameNormale(const RecordDati &) override { ++n; }
+        void frameStato(const RecordDati &) override { ++n; }
+        int n = 0;
+    } decodificati;
+
+    // One live frame through the port, then the display tick (unless the page's own timer
+    // has just run it).
+    bool frame()
+    {
+        const int prima = decodificati.n;
+        ecu->avanzaTempo(40);
+        if (!QTest::qWaitFor([&] { return decodificati.n == prima + 1; }, 2000))
+            return false;
+        g->VisDati();
+        return true;
+    }
+
+    void tasto(Qt::Key k) { QTest::keyClick(QApplication::focusWidget(), k); }
+
+    void apri()
+    {
+        g = std::make_unique<Grafici>(*p);
+        g->barra().impostaMessaggio([this](const QString &t, int, const QString &) {
+            messaggi << t;
+            return 1;
+        });
+        g->resize(1024, 700);
+        g->show();
+        QVERIFY(QTest::qWaitForWindowActive(g.get()));
+        g->carica();
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(
+            QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), cartella.filePath("ENGLISH.LNG")));
+        QVERIFY(QDir().mkpath(cartella.filePath("DATI/A/B")));
+    }
+
+    void init()
+    {
+        messaggi.clear();
+        ecu = std::make_unique<EcuSimulata>(OpzioniManuali());
+        p = std::make_unique<Programma>(cartella.path(), std::make_unique<PortaEcu>(*ecu),
+                                        std::make_unique<TemporizzatoreManuale>(),
+                                        std::make_unique<TemporizzatoreManuale>());
+        QFile::remove(p->percorsoIni());
+        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+        p->canali.InizializzaCanali(p->lingua);
+        p->stato.EcuDaIdentificare = false;
+        p->datiLive.aggiungiAscoltatore(&decodificati);
+    }
+
+    void cleanup()
+    {
+        g.reset();
+        p.reset();
+        ecu.reset();
+    }
+
+    void fourChartsByKeyboardThenEscCloses()
+    {
+        apri();
+        QCOMPARE(g->windowTitle(), testo("GRAFICI", "CAPTION") + " - [" + testo("GRAFICI", "LABREGISTRO.1")
+                                       + " " + testo("REGISTRAZIONE", "STATOREG.0") + "]");
+        QCOMPARE(QApplication::focusWidget(), g->riga(0));
+        // Engine speed, throttle, lambda, stepper; the fifth is refused.
+        tasto(Qt::Key_Space);
+        for (Qt::Key k : {Qt::Key_Return, Qt::Key_Space, Qt::Key_Enter, Qt::Key_Space}) {
+            tasto(Qt::Key_Down);
+            tasto(k);
+        }
+        for (int s = 0; s < 4; ++s) {
+            QVERIFY(g->grafico(s)->isVisible());
+            QCOMPARE(g->grafico(s)->titolo(GraficoStriscia::AsseY), p->canali.TitoloCanale(2 + s));
+            QCOMPARE(FileIni::leggi(p->percorsoIni(), "GRAFICI", "Grafico_" + QString::number(s + 1)),
+                     QString::number(2 + s));
+        }
+        QCOMPARE(g->riga(4)->coloreGrafico(), std::nullopt);
+        QCOMPARE(g->riga(1)->coloreGrafico(), Grafici::coloreSlot(1));
+        // Four charts take the quadrants, the second below the first.
+        QCOMPARE(g->grafico(0)->x(), g->grafico(1)->x());
+        QVERIFY(g->grafico(1)->y() > g->grafico(0)->y() + g->grafico(0)->height() / 2);
+        QVERIFY(g->grafico(2)->x() > g->grafico(0)->x() + g->grafico(0)->width() / 2);
+
+        // Each sample adds a segment; the whole chart is drawn again only when its scale moves.
+        QVERIFY(frame());
+        QApplication::processEvents();
+        GraficoStriscia *giri = g->grafico(0);
+        const int interi = giri->ridisegniCompleti();
+        const int segmenti = giri->segmentiDisegnati();
+        int rescalature = 0;
+        for (int n = 0; n < 30; ++n) {
+            const qint32 min = p->canali.Canali[2].MinDisegnato, max = p->canali.Canali[2].MaxDisegnato;
+            QVERIFY(frame());
+            QApplication::processEvents();
+            rescalature += min != p->canali.Canali[2].MinDisegnato || max != p->canali.Canali[2].MaxDisegnato;
+        }
+        QCOMPARE(int(giri->punti(0).size()), 31);
+        QCOMPARE(giri->punti(0).back(), QPointF(30, p->stato.DatiAttuali[0].Valore[2]));
+        QVERIFY(giri->ridisegniCompleti() - interi <= rescalature);
+        QVERIFY(giri->segmentiDisegnati() - segmenti >= 30 - rescalature);
+        QCOMPARE(g->riga(0)->valore(), QString::number(std::lround(p->stato.DatiAttuali[0].Valore[2])));
+
+        QSignalSpy chiusa(g.get(), &Grafici::chiusa);
+        tasto(Qt::Key_Escape);
+        QCOMPARE(chiusa.size(), 1);
+        QCOMPARE(p->stato.RegistrazioneAttiva, qint16(0));
+    }
+
+    void aWriteFailureIsToldAndStopsTheRecording()
+    {
+        const QString file = cartella.filePath("DATI/A/B/GIRO.ACQ");
+        QFile::remove(file);
+        QVERIFY(FileIni::scrivi(p->percorsoIni(), "MEMORIZZAZIONE", "FileMemor", file));
+        apri();
+        QAction *inizio = g->barra().azione("Inizio");
+        QAction *pausa = g->barra().azione("Pausa");
+        QVERIFY(inizio->isVisible() && !pausa->isVisible());
+
+        // The card is not built yet: its key says so.
+        tasto(Qt::Key_F2);
+        QCOMPARE(messaggi, QStringList{testo("REGISTRAZIONE", "SCHEDA.0")});
+
+        for (int n = 0; n < 3; ++n)
+            QVERIFY(frame());
+        tasto(Qt::Key_F5);
+        QCOMPARE(p->anello.StatoRegistrazione, qint16(AnelloRegistrazione::InRegistrazione));
+        QVERIFY(!inizio->isVisible() && pausa->isVisible());
+        QVERIFY(g->windowTitle().endsWith(testo("REGISTRAZIONE", "STATOREG.1") + "]"));
+        const QByteArray scritto = leggi(file);
+        QCOMPARE(scritto.count('\n'), 2 + 3);
+        {
+            SolaLettura protetto(file);
+            for (int n = 0; n < 41; ++n)
+                QVERIFY(frame());
+            QTRY_COMPARE(messaggi.size(), 2);
+        }
+        QCOMPARE(messaggi.last(), testo("REGISTRAZIONE", "ERRORE.0").replace("XXX", file));
+        QCOMPARE(p->anello.StatoRegistrazione, qint16(AnelloRegistrazione::Fermo));
+        QVERIFY(inizio->isVisible() && !pausa->isVisible());
+        QCOMPARE(leggi(file), scritto);
+    }
+};
+
+QTEST_MAIN(TstFinestraGrafici)
+#include "tst_finestragrafici.moc"
