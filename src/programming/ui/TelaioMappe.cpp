@@ -144,6 +144,8 @@ void TelaioMappe::carica()
         precedente = w;
     }
     aggiornaAlbero();
+    // The fitter starts on the tree, also when the frame gives the focus to the page.
+    setFocusProxy(m_albero);
     m_albero->setFocus(Qt::OtherFocusReason);
 }
 
