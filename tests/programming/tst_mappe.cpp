@@ -437,20 +437,6 @@ private slots:
         QCOMPARE(vista.avanzamento.first, qMin(qMax(blocchi, 1), 8));
     }
 
-    void aReadMapWrittenBackIntoAnotherEcu()
-    {
-        QVERIFY(ecu->scriviMemoria(0xC100, disegno(4)));
-        QVERIFY(leggiMappa({"LPG", "Fiat", "Punto", "base"}, {}));
-        QVERIFY(ecu->scriviMemoria(0xC100, disegno(5)));
-        porta->scritti.clear();
-        ScritturaMappe scrittura(*p, vista);
-        scrittura.ProgrammaMappa({"LPG", "Fiat", "Punto", "base"}, false);
-        QVERIFY(attendi());
-        QCOMPARE(memoria(), disegno(4));
-        QCOMPARE(richieste(porta->scritti), indirizzi(u'W', 8)); // no 'I', no 'F'
-        QCOMPARE(vista.segnalazione, testo("SEGNALAZIONI", "SEGNALAZIONE_15"));
-    }
-
     void verificationFindsTheFirstDifference_data()
     {
         QTest::addColumn<int>("record");      // records in the file

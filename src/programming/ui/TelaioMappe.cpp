@@ -111,8 +111,11 @@ TelaioMappe::TelaioMappe(Programma &programma, QString sezione, QWidget *parent)
     connect(m_albero->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this](const QModelIndex &indice) { nodoCorrente(indice); });
     connect(m_mappe, &QListWidget::currentRowChanged, this, [this](int riga) {
-        if (riga >= 0)
-            mappaCliccata(mappaScelta());
+        if (riga < 0)
+            return;
+        // The map in use shows as chosen, also when the focus alone made it current.
+        m_mappe->item(riga)->setSelected(true);
+        mappaCliccata(mappaScelta());
     });
     m_albero->installEventFilter(this);
     m_mappe->installEventFilter(this);
