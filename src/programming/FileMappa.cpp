@@ -149,11 +149,15 @@ PercorsoMappa PercorsoFileMappa(const QString &percorsoApp, const ChiaveMappa &c
             r.chiave.impostaCampo(n, QFileInfo(trovato).fileName());
         cartella += u'/' + r.chiave.campo(n);
     }
-    const QString trovato = TrovaFile(cartella, r.chiave.file + FileMappa::Estensione);
-    if (!trovato.isEmpty())
-        r.chiave.file = QFileInfo(trovato).fileName().chopped(FileMappa::Estensione.size());
+    // A file brought from elsewhere may spell its extension otherwise: it is the same map.
+    QString nomeFile = r.chiave.file + FileMappa::Estensione;
+    const QString trovato = TrovaFile(cartella, nomeFile);
+    if (!trovato.isEmpty()) {
+        nomeFile = QFileInfo(trovato).fileName();
+        r.chiave.file = nomeFile.chopped(FileMappa::Estensione.size());
+    }
     r.cartella = cartella;
-    r.file = cartella + u'/' + r.chiave.file + FileMappa::Estensione;
+    r.file = cartella + u'/' + nomeFile;
 
     // The names have passed the rules; what the disk adds must not take the path elsewhere.
     const QStringList parti = r.file.mid(radice.size() + 1).split(u'/');

@@ -273,6 +273,8 @@ private slots:
     {
         QFETCH(int, risposta);
         archivia({"LPG", "Fiat", "Punto", "base"}, comeFile(disegno(1)), QStringLiteral("old"));
+        const QString punto = mappe() + "/LPG/Fiat/Punto/";
+        QVERIFY(QFile::rename(punto + "base.LKV", punto + "Base.lkv")); // as brought from elsewhere
         QVERIFY(ecu->scriviMemoria(0xC100, disegno(2)));
         vista.risposta = risposta;
         // Another case of the same names is the same map; a note of blanks is no note.
@@ -281,8 +283,8 @@ private slots:
         const bool si = risposta == RispostaSiMappe;
         QCOMPARE(porta->scritti.size(), si ? 8 : 0);
         QCOMPARE(vista.fuochi, si ? 0 : 1);
-        QCOMPARE(leggi(mappe() + "/LPG/Fiat/Punto/base.LKV"), comeFile(disegno(si ? 2 : 1)));
-        QCOMPARE(QDir(mappe() + "/LPG/Fiat/Punto").entryList(QDir::Files), QStringList{"base.LKV"});
+        QCOMPARE(leggi(punto + "Base.lkv"), comeFile(disegno(si ? 2 : 1)));
+        QCOMPARE(QDir(punto).entryList(QDir::Files), QStringList{"Base.lkv"});
         QCOMPARE(righe(), 1);
         const std::optional<RigaArchivio> r = riga({"LPG", "Fiat", "Punto", "base"});
         QVERIFY(r);
