@@ -1,6 +1,5 @@
-// korvantine-pictures DIR: the main menu, the ECU version page, the port page, the idle page,
-// the instruments (also while recording) and the charts, rendered to PNG files in DIR against the simulated ECU, in English, as
-// a fitter sees them at 1024x768.
+// korvantine-pictures DIR: every screen of the program, rendered to PNG files in DIR against the
+// simulated ECU, in English, as a fitter sees them at 1024x768.
 // Run it with the offscreen platform (scripts/pictures.sh does).
 
 #include "Demo.h"
@@ -14,15 +13,20 @@
 #include "monitoring/ui/RegistroStrumenti.h"
 #include "monitoring/ui/Strumenti.h"
 #include "pages/ui/RegistroMessaPunto.h"
+#include "programming/ui/ProgMappe.h"
+#include "programming/ui/ReadMappe.h"
+#include "programming/ui/RegistroMappe.h"
 #include "shell/Avvio.h"
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/MainLambda.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QTemporaryDir>
 #include <QThread>
 
@@ -101,6 +105,7 @@ int main(int argc, char *argv[])
     Korvantine finestra(programma);
     RegistraPagineMessaPunto(finestra);
     RegistraStrumenti(finestra);
+    RegistraPagineMappe(finestra);
     Avvio::esegui(programma);
     finestra.avvia();
     finestra.showNormal();
@@ -134,6 +139,27 @@ int main(int argc, char *argv[])
         pausa(600); // a few live frames into the panel
         ok &= salva(finestra, cartella, QStringLiteral("mp_minimo.png"));
         finestra.ChiudiPagina(pagina);
+    }
+    // The demo ECU's map read into the archive, then written back and verified.
+    if (auto *lettura = qobject_cast<ReadMappe *>(finestra.apriPagina(IdPagina::ReadMappe))) {
+        lettura->aggiornaAlbero({QStringLiteral("LPG"), {}, {}, {}});
+        lettura->NomeMarca()->setText(QStringLiteral("Fiat"));
+        lettura->NomeModello()->setText(QStringLiteral("Punto 1200"));
+        lettura->NomeFlyMod()->setText(QStringLiteral("Base"));
+        lettura->Note()->setText(QStringLiteral("As delivered, before tuning"));
+        lettura->Leggi();
+        attendi(linkLibero, 5000);
+        ok &= salva(finestra, cartella, QStringLiteral("readmappe.png"));
+        finestra.ChiudiPagina(lettura);
+    }
+    if (auto *scrittura = qobject_cast<ProgMappe *>(finestra.apriPagina(IdPagina::ProgMappe))) {
+        scrittura->aggiornaAlbero({QStringLiteral("LPG"), QStringLiteral("Fiat"),
+                                   QStringLiteral("Punto 1200"), QStringLiteral("Base")});
+        scrittura->Verifica()->setChecked(true);
+        scrittura->Programmazione();
+        attendi(linkLibero, 5000);
+        ok &= salva(finestra, cartella, QStringLiteral("progmappe.png"));
+        finestra.ChiudiPagina(scrittura);
     }
     // Some way into the engine's cycle, where every instrument has something to say.
     pausa(7000);

@@ -64,6 +64,8 @@ char rispostaAttesa(int stato)
         return 'r';
     case 171:
         return 'e';
+    case 172: // the read-back of a map just written
+        return 'r';
     case 331:
         return 'e';
     case 332:

@@ -1,0 +1,146 @@
+#pragma once
+
+#include "link/MotoreDialogo.h"
+#include "programming/FileMappa.h"
+
+#include <QByteArray>
+#include <QString>
+
+namespace kv {
+
+class Lingua;
+class Programma;
+
+// What the two map pages' dialogues ask of the page on screen.
+class VistaMappe
+{
+public:
+    virtual ~VistaMappe() = default;
+
+    // The page's message line (Segnalazione1), empty to clear it.
+    virtual void mostraSegnalazione(const QString &testo) = 0;
+    // Disabled from the first frame of a transfer to its last reply.
+    virtual void abilitaPagina(bool abilitata) = 0;
+    // The progress bar, shown at that value and maximum; hidden again.
+    virtual void mostraAvanzamento(int valore, int massimo) = 0;
+    virtual void nascondiAvanzamento() = 0;
+    virtual void beep() = 0;
+    // The common message box; the code of the key pressed (6 for yes).
+    virtual int domanda(const QString &testo, int flags, const QString &titolo) = 0;
+    // The page ends. Called last; the page may go away after it returns.
+    virtual void chiudiPagina() = 0;
+    // A read has been filed under those names: the tree is built again and shows it.
+    virtual void mappaArchiviata(const ChiaveMappa &) {}
+    // The fitter would not overwrite: the map's name is to be changed.
+    virtual void fuocoNomeFile() {}
+};
+
+// Codes of the message box and the question's flags: yes and no with the question mark.
+inline constexpr int RispostaSiMappe = 6;
+inline constexpr int FlagDomandaMappe = 0x24;
+
+// An 'e' fault as the message line shows it: the code in hex, "H " and the text of its key.
+QString TestoErroreEcu(const Lingua &lingua, const QByteArray &payload);
+
+// The ECU side of ReadMappe: the map is read in blocks of 64 bytes from 0xC100 into
+// KVMAPPA.TMP, and only after the last block is the file put in place (replacing one of the
+// same name in one step) and its catalogue row written. A read that stops for any reason
+// leaves no new file, no row and no KVMAPPA.TMP, and an older map of that name untouched.
+// It owns states 161 to 170 for as long as it lives.
+class LetturaMappe : public GestoreStati
+{
+public:
+    static constexpr int Stato = 161;
+
+    LetturaMappe(Programma &programma, VistaMappe &vista);
+    ~LetturaMappe() override;
+    LetturaMappe(const LetturaMappe &) = delete;
+    LetturaMappe &operator=(const LetturaMappe &) = delete;
+
+    // Leggi: campi holds the plant of the selected branch (empty when none is selected) and
+    // the make, model and map name typed; nota the note.
+    void Leggi(const ChiaveMappa &campi, const QString &nota);
+
+    bool inCorso() const { return m_inCorso; }
+    // The map file in use since the last Leggi that got as far as the line.
+    const QString &NomeFileMappa() const { return m_nomeFileMappa; }
+    int NumBloccoMappa() const { return m_numBloccoMappa; }
+    int TotBlocchiMappa() const { return m_totBlocchiMappa; }
+    quint32 IndirizzoProg() const { return m_indirizzoProg; }
+
+    void risposta(char lettera, int stato, const QByteArray &payload) override;
+    void scadenza(int stato) override;
+
+private:
+    void fine();
+    // The read ends without a map: KVMAPPA.TMP goes, the page comes back with the message.
+    void interrompi(const QString &messaggio, bool nascondiBarra = true);
+    QString temporaneo() const;
+
+    Programma &m_programma;
+    VistaMappe &m_vista;
+    ChiaveMappa m_chiave;
+    QString m_nota;
+    QString m_nomeFileMappa;
+    int m_numBloccoMappa = 0;
+    int m_totBlocchiMappa = 0;
+    quint32 m_indirizzoProg = 0;
+    bool m_inCorso = false;
+};
+
+// The ECU side of ProgMappe: the map file goes over as it stands, block after block by 'W'
+// from 0xC100, without 'I' or 'F'; the file's size decides, at every step, whether another
+// block follows. Asked for, the 512 bytes are then read back and compared with what was
+// sent. It owns states 171 to 180 for as long as it lives.
+class ScritturaMappe : public GestoreStati
+{
+public:
+    static constexpr int Stato = 171;
+    static constexpr int StatoVerifica = 172;
+    static constexpr int IntervalloScrittura = 3000;
+
+    ScritturaMappe(Programma &programma, VistaMappe &vista);
+    ~ScritturaMappe() override;
+    ScritturaMappe(const ScritturaMappe &) = delete;
+    ScritturaMappe &operator=(const ScritturaMappe &) = delete;
+
+    // Programma: mappa holds plant, make and model of the selected model (empty when none
+    // is selected) and the name of the selected map; verifica asks for the read-back.
+    void ProgrammaMappa(const ChiaveMappa &mappa, bool verifica);
+    // Esci: closes at once unless a map was written in this visit; then asks first.
+    void Esci();
+
+    bool MappaScritta() const { return m_mappaScritta; }
+    const QString &NomeFileMappa() const { return m_nomeFileMappa; }
+    int NumBloccoMappa() const { return m_numBloccoMappa; }
+    quint32 IndirizzoProg() const { return m_indirizzoProg; }
+    // The first address where the ECU differs from the file after the last verification;
+    // -1 when it did not differ or none has run.
+    qint64 PrimaDifferenza() const { return m_primaDifferenza; }
+
+    void risposta(char lettera, int stato, const QByteArray &payload) override;
+    void scadenza(int stato) override;
+
+private:
+    // Block NumBloccoMappa of the file queued as the next 'W'; false when it cannot be read.
+    bool accodaBlocco();
+    void bloccoScritto();
+    void fineScrittura();
+    void avviaVerifica();
+    void fineVerifica();
+    void fallita(const QString &messaggio, bool nascondiBarra);
+
+    Programma &m_programma;
+    VistaMappe &m_vista;
+    QString m_nomeFileMappa;
+    int m_numBloccoMappa = 0;
+    quint32 m_indirizzoProg = 0;
+    bool m_mappaScritta = false;
+    bool m_verifica = false;
+    // What was sent to 0xC100..0xC2FF, in order, and what the read-back found there.
+    QByteArray m_inviati;
+    QByteArray m_riletti;
+    qint64 m_primaDifferenza = -1;
+};
+
+} // namespace kv

@@ -1,0 +1,554 @@
+// Maps against the simulated ECU wired straight to the port: reading one into the archive,
+// writing one back, what an interrupted read leaves (nothing), names that would lead out of
+// MAPPATURE, damaged files, the read-back check, and the tree that merges folders and
+// catalogue. Time-outs fire by hand.
+
+#include "support/FileDiProva.h"
+#include "support/PortaEcu.h"
+
+#include "link/Frame.h"
+#include "programming/AlberoMappe.h"
+#include "programming/DialogoMappe.h"
+#include "programming/FileBlocchi.h"
+#include "shell/Programma.h"
+
+#include <QCryptographicHash>
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+using namespace kv;
+using namespace kv::sim;
+
+namespace {
+
+struct VistaFinta : VistaMappe
+{
+    void mostraSegnalazione(const QString &testo) override { segnalazione = testo; }
+    void abilitaPagina(bool a) override { abilitata = a; }
+    void mostraAvanzamento(int valore, int massimo) override
+    {
+        barra = true;
+        avanzamento = {valore, massimo};
+    }
+    void nascondiAvanzamento() override { barra = false; }
+    void beep() override {}
+    int domanda(const QString &testo, int, const QString &) override
+    {
+        domande.append(testo);
+        return risposta;
+    }
+    void chiudiPagina() override { ++chiusure; }
+    void mappaArchiviata(const ChiaveMappa &k) override { archiviate.append(k.elenco().join(u'/')); }
+    void fuocoNomeFile() override { ++fuochi; }
+
+    QString segnalazione;
+    bool abilitata = true;
+    bool barra = false;
+    std::pair<int, int> avanzamento;
+    int risposta = RispostaSiMappe;
+    QStringList domande;
+    int chiusure = 0;
+    QStringList archiviate;
+    int fuochi = 0;
+};
+
+// What goes wrong at the n-th request: the port answers in the ECU's place, or not at all.
+enum class Guasto {
+    Nessuno,
+    Silenzio, // no reply: the time-out follows
+    Errore,   // 'e' with fault 2
+    Corto,    // an 'r' with 10 bytes in place of 64
+    Caduta    // the adapter is pulled out
+};
+
+class PortaGuasta : public PortaEcu
+{
+public:
+    using PortaEcu::PortaEcu;
+    bool scrivi(const QByteArray &bytes) override
+    {
+        if (guasto == Guasto::Nessuno || ++richieste != al)
+            return PortaEcu::scrivi(bytes);
+        scritti.append(bytes);
+        QTimer::singleShot(0, this, [this] {
+            if (guasto == Guasto::Errore)
+                emit arrivati(CreaFrame(QByteArray("e\x02", 2), 0));
+            else if (guasto == Guasto::Corto)
+                emit arrivati(CreaFrame('r' + QByteArray(10, '\x11'), 0));
+            else if (guasto == Guasto::Caduta) {
+                chiudi();
+                emit persa(QStringLiteral("pulled"));
+            }
+        });
+        return true;
+    }
+    Guasto guasto = Guasto::Nessuno;
+    int al = 0;
+    int richieste = 0;
+};
+
+QByteArray disegno(int seme)
+{
+    QByteArray b(FileMappa::Dimensione, '\0');
+    for (int i = 0; i < b.size(); ++i)
+        b[i] = char((i * 7 + seme * 31) & 0xFF);
+    return b;
+}
+
+QByteArray comeFile(const QByteArray &dati)
+{
+    QByteArray testo;
+    for (qsizetype i = 0; i < dati.size(); i += 64)
+        testo += RecordBlocco(dati.mid(i, 64));
+    return testo;
+}
+
+// Letter and address of every request written, as "W C100".
+QStringList richieste(const QByteArrayList &frame)
+{
+    QStringList r;
+    for (const QByteArray &f : frame)
+        r << QStringLiteral("%1 %2")
+                 .arg(QChar(f.at(4)))
+                 .arg(QString::fromLatin1(f.mid(5, 2).toHex().toUpper()));
+    return r;
+}
+
+QStringList indirizzi(QChar lettera, int quanti)
+{
+    QStringList r;
+    for (int n = 0; n < quanti; ++n)
+        r << QStringLiteral("%1 %2").arg(lettera).arg(0xC100 + 64 * n, 4, 16).toUpper();
+    return r;
+}
+
+// Every entry below a folder, files with a digest of their bytes, but for the frame log:
+// what a test compares before and after.
+QStringList contenuto(const QString &cartella)
+{
+    QStringList voci;
+    QDirIterator it(cartella, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        it.next();
+        if (it.fileName() == u"MESSAGGI.TXT")
+            continue;
+        const QByteArray byte = it.fileInfo().isFile() ? leggi(it.filePath()) : QByteArray();
+        voci << it.filePath().mid(cartella.size()) + u' '
+                    + QString::fromLatin1(QCryptographicHash::hash(byte, QCryptographicHash::Md5).toHex());
+    }
+    voci.sort();
+    return voci;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(kv::ChiaveMappa)
+Q_DECLARE_METATYPE(Guasto)
+
+class TstMappe : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> dir;
+    std::unique_ptr<EcuSimulata> ecu;
+    std::unique_ptr<Programma> p;
+    PortaGuasta *porta = nullptr;
+    TemporizzatoreManuale *req = nullptr;
+    VistaFinta vista;
+
+    QString app() const { return dir->filePath(QStringLiteral("app")); }
+    QString mappe() const { return app() + QStringLiteral("/MAPPATURE"); }
+    QString tmp() const { return app() + QStringLiteral("/KVMAPPA.TMP"); }
+    QString testo(const char *sezione, const char *chiave) const
+    {
+        return p->lingua.LeggiTesto(sezione, chiave);
+    }
+    QByteArray memoria() const { return ecu->leggiMemoria(0xC100, FileMappa::Dimensione); }
+
+    bool attendi()
+    {
+        QDeadlineTimer scadenza(3000);
+        while (p->motore.StatoDialogo() != -1 && !scadenza.hasExpired())
+            QCoreApplication::processEvents();
+        return p->motore.StatoDialogo() == -1;
+    }
+
+    // The request on the line has gone unanswered this long: its time-out fires.
+    void scade()
+    {
+        QTest::qWait(20);
+        QVERIFY(req->scatta());
+    }
+
+    std::optional<RigaArchivio> riga(const QStringList &chiave)
+    {
+        Archivio db;
+        if (!ApriArchivioMappe(mappe(), QStringLiteral("ARCHMAPPE.MDB"), db))
+            return std::nullopt;
+        return db.Cerca(u"PER_NOME", chiave);
+    }
+    int righe()
+    {
+        Archivio db;
+        return ApriArchivioMappe(mappe(), QStringLiteral("ARCHMAPPE.MDB"), db)
+                   ? int(db.Elenca(u"PER_NOME").size())
+                   : -1;
+    }
+
+    // A map filed as ReadMappe files one.
+    void archivia(const ChiaveMappa &k, const QByteArray &testoFile, const QString &nota)
+    {
+        const PercorsoMappa pm = PercorsoFileMappa(app(), k);
+        QVERIFY(pm.ok() && CreaCartellaMappa(app(), pm));
+        scrivi(pm.file, testoFile);
+        QVERIFY(RegistraMappa(app(), k, nota).ok());
+    }
+
+    bool leggiMappa(const ChiaveMappa &k, const QString &nota)
+    {
+        LetturaMappe lettura(*p, vista);
+        lettura.Leggi(k, nota);
+        return attendi() && !lettura.inCorso();
+    }
+
+private slots:
+    void init()
+    {
+        dir = std::make_unique<QTemporaryDir>();
+        QVERIFY(QDir().mkpath(app() + QStringLiteral("/MAPPATURE/LPG"))
+                && QDir().mkpath(dir->filePath("fuori")));
+        QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), app() + "/ENGLISH.LNG"));
+        ecu = std::make_unique<EcuSimulata>(OpzioniManuali());
+        auto pe = std::make_unique<PortaGuasta>(*ecu);
+        auto r = std::make_unique<TemporizzatoreManuale>();
+        porta = pe.get();
+        req = r.get();
+        p = std::make_unique<Programma>(
+            app(), std::move(pe), std::move(r), std::make_unique<TemporizzatoreManuale>(),
+            std::make_unique<TemporizzatoreManuale>(), std::make_unique<TemporizzatoreManuale>());
+        p->stato.EcuDaIdentificare = false;
+        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+        vista = VistaFinta{};
+    }
+
+    void cleanup()
+    {
+        p.reset();
+        ecu.reset();
+        dir.reset();
+    }
+
+    void readFilesTheEcuMemoryByteForByte()
+    {
+        QVERIFY(ecu->scriviMemoria(0xC100, disegno(1)));
+        QVERIFY(leggiMappa({"LPG", "Fiat", "Punto 12", "base"}, QStringLiteral("  idle reworked ")));
+        QCOMPARE(richieste(porta->scritti), indirizzi(u'R', 8));
+        for (const QByteArray &f : std::as_const(porta->scritti))
+            QCOMPARE(quint8(f.at(7)), quint8(64));
+        const QString file = mappe() + QStringLiteral("/LPG/Fiat/Punto 12/base.LKV");
+        QCOMPARE(leggi(file), comeFile(disegno(1)));
+        for (int n = 1; n <= 8; ++n)
+            QCOMPARE(LeggiBloccoMappa(file, qint16(n)), disegno(1).mid((n - 1) * 64, 64));
+        QCOMPARE(riga({"LPG", "Fiat", "Punto 12", "base"})->Testo(u"Note"), QStringLiteral("idle reworked"));
+        QVERIFY(!QFile::exists(tmp()));
+        QCOMPARE(vista.segnalazione, testo("ReadMappe", "SEGNALAZIONE1.4"));
+        QCOMPARE(vista.archiviate, QStringList{"LPG/Fiat/Punto 12/base"});
+        QVERIFY(vista.abilitata && !vista.barra && vista.avanzamento == std::make_pair(8, 8));
+    }
+
+    void overwritingAsksOnce_data()
+    {
+        QTest::addColumn<int>("risposta");
+        QTest::newRow("yes replaces file and row") << RispostaSiMappe;
+        QTest::newRow("no keeps both") << 7;
+    }
+
+    void overwritingAsksOnce()
+    {
+        QFETCH(int, risposta);
+        archivia({"LPG", "Fiat", "Punto", "base"}, comeFile(disegno(1)), QStringLiteral("old"));
+        const QString punto = mappe() + "/LPG/Fiat/Punto/";
+        QVERIFY(QFile::rename(punto + "base.LKV", punto + "Base.lkv")); // as brought from elsewhere
+        QVERIFY(ecu->scriviMemoria(0xC100, disegno(2)));
+        vista.risposta = risposta;
+        // Another case of the same names is the same map; a note of blanks is no note.
+        QVERIFY(leggiMappa({"LPG", "FIAT", "punto", "BASE"}, QStringLiteral("   ")));
+        QCOMPARE(vista.domande, QStringList{testo("SEGNALAZIONI", "SEGNALAZIONE_8")});
+        const bool si = risposta == RispostaSiMappe;
+        QCOMPARE(porta->scritti.size(), si ? 8 : 0);
+        QCOMPARE(vista.fuochi, si ? 0 : 1);
+        QCOMPARE(leggi(punto + "Base.lkv"), comeFile(disegno(si ? 2 : 1)));
+        QCOMPARE(QDir(punto).entryList(QDir::Files), QStringList{"Base.lkv"});
+        QCOMPARE(righe(), 1);
+        const std::optional<RigaArchivio> r = riga({"LPG", "Fiat", "Punto", "base"});
+        QVERIFY(r);
+        QCOMPARE(r->Nullo(u"Note"), si);
+    }
+
+    void interruptedReadLeavesNothing_data()
+    {
+        QTest::addColumn<Guasto>("guasto");
+        QTest::addColumn<bool>("nuova"); // a name not in the archive yet
+        QTest::addColumn<QString>("messaggio");
+        const QString muta = QStringLiteral("SEGNALAZIONI/SEGNALAZIONE_14");
+        QTest::newRow("time-out at block 4") << Guasto::Silenzio << false << muta;
+        QTest::newRow("time-out, new make") << Guasto::Silenzio << true << muta;
+        QTest::newRow("error reply at block 4") << Guasto::Errore << false << QStringLiteral("02H");
+        QTest::newRow("line pulled at block 4") << Guasto::Caduta << true << muta;
+        QTest::newRow("short block 4")
+            << Guasto::Corto << false << QStringLiteral("ReadMappe/SEGNALAZIONE1.5");
+    }
+
+    void interruptedReadLeavesNothing()
+    {
+        QFETCH(Guasto, guasto);
+        QFETCH(bool, nuova);
+        QFETCH(QString, messaggio);
+        archivia({"LPG", "Fiat", "Punto", "base"}, comeFile(disegno(1)), QStringLiteral("old"));
+        const QStringList prima = contenuto(dir->path());
+        QVERIFY(ecu->scriviMemoria(0xC100, disegno(2)));
+        porta->guasto = guasto;
+        porta->al = 4;
+        LetturaMappe lettura(*p, vista);
+        lettura.Leggi({"LPG", nuova ? "Opel" : "Fiat", "Punto", "base"}, QStringLiteral("new"));
+        QTRY_COMPARE(porta->richieste, 4);
+        if (guasto == Guasto::Silenzio) {
+            QCOMPARE(leggi(tmp()), comeFile(disegno(2).left(192))); // three records so far
+            scade();
+        }
+        QVERIFY(attendi());
+        QVERIFY(!lettura.inCorso());
+
+        const QStringList dopo = contenuto(dir->path());
+        QVERIFY2(dopo == prima, qPrintable(dopo.join(u'\n')));
+        QCOMPARE(riga({"LPG", "Fiat", "Punto", "base"})->Testo(u"Note"), QStringLiteral("old"));
+        QCOMPARE(righe(), 1);
+        const QStringList parti = messaggio.split(u'/');
+        const QString atteso = parti.size() == 2 ? p->lingua.LeggiTesto(parti[0], parti[1]) : messaggio;
+        QVERIFY2(vista.segnalazione.startsWith(atteso), qPrintable(vista.segnalazione));
+        QVERIFY(vista.abilitata);
+        QCOMPARE(p->motore.StatoDialogo(), -1);
+    }
+
+    void namesThatLeadOutAreRefused_data()
+    {
+        QTest::addColumn<ChiaveMappa>("chiave");
+        QTest::addColumn<QString>("motivo");
+        const auto k = [](const char *marca, const char *modello, const QString &file) {
+            return ChiaveMappa{"LPG", marca, modello, file};
+        };
+        const QString vietato = QStringLiteral("NOME.2");
+        QTest::newRow("dot-dot") << k("..", "..", "x") << vietato;
+        QTest::newRow("up and over") << k("Fiat", "Punto", "../../../fuori/x") << vietato;
+        QTest::newRow("slash") << k("a/b", "c", "d") << vietato;
+        QTest::newRow("absolute") << k("Fiat", "Punto", "/etc/passwd") << vietato;
+        QTest::newRow("backslash") << k("Fiat", "..\\..", "d") << vietato;
+        QTest::newRow("colon") << k("C:", "Punto", "d") << vietato;
+        QTest::newRow("leading dot") << k("Fiat", ".hidden", "d") << vietato;
+        QTest::newRow("control character") << k("Fiat", "Pun\x01to", "d") << vietato;
+        QTest::newRow("newline") << k("Fiat", "Punto", "a\nb") << vietato;
+        QTest::newRow("comma") << k("Fiat", "Punto", "a,b") << vietato;
+        QTest::newRow("wildcard") << k("Fiat", "Punto", "a*") << vietato;
+        QTest::newRow("300 characters") << k("Fiat", "Punto", QString(300, u'x')) << QStringLiteral("NOME.3");
+        QTest::newRow("21 characters") << k("Fiat", "Punto", QString(21, u'x')) << QStringLiteral("NOME.3");
+        QTest::newRow("51-character make")
+            << k(QByteArray(51, 'm').constData(), "Punto", "d") << QStringLiteral("NOME.3");
+        QTest::newRow("plant dot-dot") << ChiaveMappa{"..", "Fiat", "Punto", "d"} << vietato;
+        // Links inside MAPPATURE lead out: refused whatever their case.
+        QTest::newRow("through a link") << k("Fuori", "Punto", "d") << QStringLiteral("NOME.9");
+        QTest::newRow("through a link, other case") << k("FUORI", "Punto", "d") << QStringLiteral("NOME.9");
+        QTest::newRow("onto a linked file") << k("Fiat", "Punto", "rubato") << QStringLiteral("NOME.9");
+    }
+
+    void namesThatLeadOutAreRefused()
+    {
+        QFETCH(ChiaveMappa, chiave);
+        QFETCH(QString, motivo);
+        QVERIFY(QFile::link(dir->filePath("fuori"), mappe() + "/LPG/Fuori"));
+        QVERIFY(QDir().mkpath(mappe() + "/LPG/Fiat/Punto"));
+        scrivi(dir->filePath("fuori/segreto.LKV"), "keep");
+        QVERIFY(QFile::link(dir->filePath("fuori/segreto.LKV"), mappe() + "/LPG/Fiat/Punto/rubato.LKV"));
+        const QStringList prima = contenuto(dir->path());
+
+        leggiMappa(chiave, QStringLiteral("note"));
+        QVERIFY(porta->scritti.isEmpty());
+        QVERIFY(vista.domande.isEmpty());
+        const QString atteso =
+            p->lingua.LeggiTesto(QStringLiteral("ReadMappe"), motivo).section(QLatin1String("XXX"), 0, 0);
+        QVERIFY2(!atteso.isEmpty() && vista.segnalazione.contains(atteso), qPrintable(vista.segnalazione));
+        QCOMPARE(contenuto(dir->path()), prima);
+        QCOMPARE(righe(), 0);
+    }
+
+    void mapFileGoesOverAsItStands_data()
+    {
+        QTest::addColumn<QByteArray>("file");
+        QTest::addColumn<int>("blocchi");       // 'W' frames sent
+        QTest::addColumn<QByteArray>("attesa"); // 0xC100..0xC2FF afterwards, over 0xEE
+        QTest::addColumn<QString>("esito");     // start of the message line
+
+        const QByteArray mappa = disegno(3);
+        const QByteArray vecchia(512, '\xEE');
+        const QString fatto = QStringLiteral("SEGNALAZIONI/SEGNALAZIONE_15");
+        QTest::newRow("8 records") << comeFile(mappa) << 8 << mappa << fatto;
+        QTest::newRow("7 records leave the last 64 bytes")
+            << comeFile(mappa.left(448)) << 7 << mappa.left(448) + vecchia.right(64) << fatto;
+        QTest::newRow("1,039 bytes still send block 8") << comeFile(mappa).chopped(1) << 8 << mappa << fatto;
+        QByteArray nonHex = comeFile(mappa);
+        nonHex.replace(130, 6, QByteArray("zZ-G\x00q", 6));
+        QByteArray conZeri = mappa;
+        conZeri.replace(64, 3, QByteArray(3, '\0'));
+        QTest::newRow("non-hex characters become zeros") << nonHex << 8 << conZeri << fatto;
+        // 517 bytes are 3.98 records: the fourth is read as far as it goes, its last pair
+        // a single digit.
+        QByteArray quarto = mappa.mid(192, 64);
+        quarto[63] = char(quint8(mappa.at(255)) >> 4);
+        QTest::newRow("odd length, 517 bytes")
+            << comeFile(mappa).left(517) << 4 << mappa.left(192) + quarto + vecchia.mid(256) << fatto;
+        // A ninth record goes to 0xC300, past the area: the ECU refuses it.
+        QTest::newRow("9 records send the ninth as well")
+            << comeFile(mappa) + comeFile(mappa.left(64)) << 9 << mappa << QStringLiteral("03H");
+        QTest::newRow("empty file sends nothing")
+            << QByteArray() << 0 << vecchia << QStringLiteral("SEGNALAZIONI/SEGNALAZIONE_13");
+    }
+
+    void mapFileGoesOverAsItStands()
+    {
+        QFETCH(QByteArray, file);
+        QFETCH(int, blocchi);
+        QFETCH(QByteArray, attesa);
+        QFETCH(QString, esito);
+        archivia({"CNG", "Opel", "Zafira", "eco"}, file, {});
+        QVERIFY(ecu->scriviMemoria(0xC100, QByteArray(512, '\xEE')));
+        ScritturaMappe scrittura(*p, vista);
+        scrittura.ProgrammaMappa({"CNG", "Opel", "Zafira", "eco"}, false);
+        QVERIFY(attendi());
+        QCOMPARE(richieste(porta->scritti), indirizzi(u'W', blocchi));
+        QCOMPARE(memoria(), attesa);
+        const QStringList parti = esito.split(u'/');
+        const QString atteso = parti.size() == 2 ? p->lingua.LeggiTesto(parti[0], parti[1]) : esito;
+        QVERIFY2(vista.segnalazione.startsWith(atteso), qPrintable(vista.segnalazione));
+        QCOMPARE(scrittura.MappaScritta(), esito == fatto());
+        QVERIFY(vista.abilitata);
+        QCOMPARE(vista.avanzamento.first, qMin(qMax(blocchi, 1), 8));
+    }
+
+    void verificationFindsTheFirstDifference_data()
+    {
+        QTest::addColumn<int>("record");      // records in the file
+        QTest::addColumn<qint64>("guastato"); // an address the ECU then holds otherwise, -1 none
+        QTest::addColumn<qint64>("differenza");
+        QTest::newRow("the same") << 8 << qint64(-1) << qint64(-1);
+        QTest::newRow("one byte changed behind the writer") << 8 << qint64(0xC1A3) << qint64(0xC1A3);
+        QTest::newRow("the last record") << 8 << qint64(0xC2FF) << qint64(0xC2FF);
+        QTest::newRow("7 records: the unwritten tail is not compared") << 7 << qint64(0xC2F0) << qint64(-1);
+    }
+
+    void verificationFindsTheFirstDifference()
+    {
+        QFETCH(int, record);
+        QFETCH(qint64, guastato);
+        QFETCH(qint64, differenza);
+        archivia({"LPG", "Fiat", "Punto", "base"}, comeFile(disegno(6).left(record * 64)), {});
+        bool fatto = false;
+        connect(ecu.get(), &EcuSimulata::frameRicevuto, this, [&](const QByteArray &f) {
+            if (f.at(4) == 'R' && !fatto && guastato >= 0) {
+                fatto = true;
+                ecu->scriviMemoria(quint32(guastato), QByteArray(1, char(~disegno(6).at(guastato - 0xC100))));
+            }
+        });
+        ScritturaMappe scrittura(*p, vista);
+        scrittura.ProgrammaMappa({"LPG", "Fiat", "Punto", "base"}, true);
+        QVERIFY(attendi());
+        QCOMPARE(richieste(porta->scritti), indirizzi(u'W', record) + indirizzi(u'R', 8));
+        QCOMPARE(scrittura.PrimaDifferenza(), differenza);
+        QVERIFY(scrittura.MappaScritta());
+        if (differenza < 0)
+            QCOMPARE(vista.segnalazione, testo("ProgMappe", "SEGNALAZIONE1.6"));
+        else
+            QVERIFY2(vista.segnalazione.contains(QString::number(differenza, 16).toUpper() + u'H'),
+                     qPrintable(vista.segnalazione));
+    }
+
+    void writingChecksThePlaceAndLeavingAsks()
+    {
+        // A row without its file, and rows whose names lead out, cannot be sent.
+        QVERIFY(RegistraMappa(app(), {"LPG", "Fiat", "Punto", "senza file"}, {}).ok());
+        ScritturaMappe scrittura(*p, vista);
+        scrittura.ProgrammaMappa({"LPG", "Fiat", "Punto", "senza file"}, false);
+        QCOMPARE(vista.segnalazione, testo("ProgMappe", "SEGNALAZIONE1.3"));
+        scrittura.ProgrammaMappa({"LPG", "..", "..", "KORVANTINE"}, false);
+        QCOMPARE(vista.segnalazione, testo("ProgMappe", "SEGNALAZIONE1.4"));
+        scrittura.ProgrammaMappa({"LPG", "Fiat", "", ""}, false);
+        QCOMPARE(vista.segnalazione, testo("ProgMappe", "SEGNALAZIONE1.0"));
+        QVERIFY(porta->scritti.isEmpty());
+
+        // Leaving without a map written needs no answer; after one it does.
+        scrittura.Esci();
+        QCOMPARE(vista.chiusure, 1);
+        archivia({"LPG", "Fiat", "Punto", "base"}, comeFile(disegno(7)), {});
+        scrittura.ProgrammaMappa({"LPG", "Fiat", "Punto", "base"}, false);
+        QVERIFY(attendi());
+        vista.risposta = 7;
+        scrittura.Esci();
+        QCOMPARE(vista.domande, QStringList{testo("SEGNALAZIONI", "SEGNALAZIONE_56")});
+        QCOMPARE(vista.chiusure, 1);
+        vista.risposta = RispostaSiMappe;
+        scrittura.Esci();
+        QCOMPARE(vista.chiusure, 2);
+    }
+
+    void treeMergesFoldersAndCatalogue()
+    {
+        archivia({"LPG", "Fiat", "Punto", "a"}, comeFile(disegno(1)), QStringLiteral("note a"));
+        scrivi(mappe() + "/LPG/Fiat/Punto/b.lkv", comeFile(disegno(2))); // no row
+        scrivi(mappe() + "/LPG/Fiat/Punto/notes.txt", "not a map");
+        QVERIFY(RegistraMappa(app(), {"lpg", "FIAT", "PUNTO", "c"}, {}).ok());                  // no file
+        QVERIFY(RegistraMappa(app(), {"CNG", "Opel", "Astra", "d"}, QStringLiteral("x")).ok()); // no folders
+        QVERIFY(QDir().mkpath(dir->filePath("fuori/Marca/Modello")));
+        scrivi(dir->filePath("fuori/Marca/Modello/x.LKV"), "outside");
+        QVERIFY(QFile::link(dir->filePath("fuori"), mappe() + "/LPG/Link"));
+        QVERIFY(QDir().mkpath(mappe() + "/LPG/.nascosta/m"));
+
+        EsitoArchivio esito;
+        const AlberoMappe a = AlberoMappe::Carica(app(), &esito);
+        QVERIFY(esito.ok());
+        QCOMPARE(a.nodo(AlberoMappe::Radice).nome, QStringLiteral("MAPPATURE"));
+        QCOMPARE(a.trova({"LPG", "Link", {}, {}}), -1);
+        QCOMPARE(a.trova({"LPG", ".nascosta", {}, {}}), -1);
+        const int punto = a.trova({"LPG", "FIAT", "punto", {}});
+        QVERIFY(punto > 0);
+        QCOMPARE(a.nodo(punto).nome, QStringLiteral("Punto"));
+        QStringList foglie;
+        for (int f : a.foglie(punto)) {
+            const AlberoMappe::Nodo &n = a.nodo(f);
+            foglie << n.nome + (n.suDisco ? QStringLiteral(" F") : QStringLiteral(" -"))
+                          + (n.nelCatalogo ? QStringLiteral("R ") : QStringLiteral("- "))
+                          + n.nota.value_or(QStringLiteral("NULL"));
+        }
+        QCOMPARE(foglie, QStringList({"a FR note a", "b F- NULL", "c -R NULL"}));
+        const int astra = a.trova({"CNG", "Opel", "Astra", "d"});
+        QVERIFY(astra > 0 && !a.nodo(astra).suDisco && a.nodo(astra).nota == QStringLiteral("x"));
+        QCOMPARE(a.chiave(astra).elenco(), QStringList({"CNG", "Opel", "Astra", "d"}));
+
+        // Without a usable catalogue the folders are still there, and the reason is given.
+        QVERIFY(QFile::remove(mappe() + "/ARCHMAPPE.MDB"));
+        scrivi(mappe() + "/ARCHMAPPE.MDB", "not a database");
+        const AlberoMappe soloCartelle = AlberoMappe::Carica(app(), &esito);
+        QCOMPARE(esito.errore, ErroreArchivio::FileEstraneo);
+        QCOMPARE(soloCartelle.foglie(soloCartelle.trova({"LPG", "Fiat", "Punto", {}})).size(), 2);
+        QCOMPARE(soloCartelle.trova({"CNG", "Opel", {}, {}}), -1);
+    }
+
+private:
+    static QString fatto() { return QStringLiteral("SEGNALAZIONI/SEGNALAZIONE_15"); }
+};
+
+QTEST_GUILESS_MAIN(TstMappe)
+#include "tst_mappe.moc"

@@ -1,0 +1,177 @@
+// The two map pages in the main frame, by keyboard alone, against the simulated ECU: a map
+// read into the archive under LPG, a make, a model and a name with a note, found again in
+// the tree, written into an ECU of other contents and verified.
+
+#include "support/FileDiProva.h"
+#include "support/PortaEcu.h"
+
+#include "programming/FileBlocchi.h"
+#include "programming/ui/ProgMappe.h"
+#include "programming/ui/ReadMappe.h"
+#include "programming/ui/RegistroMappe.h"
+#include "shell/Programma.h"
+#include "shell/ui/Korvantine.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTreeView>
+
+using namespace kv;
+using namespace kv::sim;
+
+namespace {
+
+QByteArray disegno(int seme)
+{
+    QByteArray b(512, '\0');
+    for (int i = 0; i < b.size(); ++i)
+        b[i] = char((i * 5 + seme * 17) & 0xFF);
+    return b;
+}
+
+} // namespace
+
+class TstPagineMappe : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir dir;
+    std::unique_ptr<EcuSimulata> ecu;
+    std::unique_ptr<Programma> p;
+    std::unique_ptr<Korvantine> frame;
+    QStringList domande;
+
+    template <typename Pagina>
+    Pagina *apri(IdPagina id)
+    {
+        auto *pagina = qobject_cast<Pagina *>(frame->apriPagina(id));
+        if (pagina)
+            pagina->impostaDomanda([this](const QString &testo, int, const QString &) {
+                domande << testo;
+                return 6;
+            });
+        return pagina;
+    }
+    // Each key to whatever has the focus by then, as a keyboard sends it.
+    void tasti(std::initializer_list<Qt::Key> elenco)
+    {
+        for (Qt::Key k : elenco)
+            QTest::keyClick(QApplication::focusWidget(), k);
+    }
+    QWidget *fuoco() const { return QApplication::focusWidget(); }
+    QString segnalazione(QWidget *pagina) const
+    {
+        return pagina->findChild<QLabel *>(QStringLiteral("Segnalazione1"))->text();
+    }
+    QString testo(const char *sezione, const char *chiave) const
+    {
+        return p->lingua.LeggiTesto(sezione, chiave);
+    }
+
+private slots:
+    void initTestCase()
+    {
+        QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), dir.filePath("ENGLISH.LNG")));
+        ecu = std::make_unique<EcuSimulata>(OpzioniManuali());
+        p = std::make_unique<Programma>(dir.path(), std::make_unique<PortaEcu>(*ecu),
+                                        std::make_unique<TemporizzatoreQt>(),
+                                        std::make_unique<TemporizzatoreQt>());
+        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+        p->stato.EcuDaIdentificare = false;
+        frame = std::make_unique<Korvantine>(*p);
+        RegistraPagineMappe(*frame);
+        frame->avvia();
+        frame->resize(1024, 768);
+        QVERIFY(QTest::qWaitForWindowActive(frame.get()));
+    }
+
+    void cleanupTestCase()
+    {
+        frame.reset();
+        p.reset();
+        ecu.reset();
+    }
+
+    void readByKeyboardIntoTheArchive()
+    {
+        QVERIFY(ecu->scriviMemoria(0xC100, disegno(1)));
+        auto *pagina = apri<ReadMappe>(IdPagina::ReadMappe);
+        QVERIFY(pagina);
+        QCOMPARE(fuoco(), pagina->LMappe());
+        // The tree: MAPPATURE, then CNG and LPG, made by the page.
+        tasti({Qt::Key_Down, Qt::Key_Down, Qt::Key_Down});
+        QCOMPARE(pagina->Impianto()->text(), QStringLiteral("LPG"));
+        tasti({Qt::Key_Tab, Qt::Key_Tab});
+        QCOMPARE(fuoco(), pagina->NomeMarca());
+        QTest::keyClicks(fuoco(), "F.i/a\\t,"); // the key filter keeps the letters
+        tasti({Qt::Key_Return});
+        QCOMPARE(pagina->NomeMarca()->text(), QStringLiteral("Fiat"));
+        QTest::keyClicks(fuoco(), " Punto ");
+        tasti({Qt::Key_Return});
+        QCOMPARE(pagina->NomeModello()->text(), QStringLiteral("Punto")); // trimmed on leaving
+        QTest::keyClicks(fuoco(), "base");
+        tasti({Qt::Key_Return});
+        QCOMPARE(fuoco(), pagina->Note());
+        QTest::keyClicks(fuoco(), "as delivered");
+        tasti({Qt::Key_F2});
+        QTRY_COMPARE(segnalazione(pagina), testo("ReadMappe", "SEGNALAZIONE1.4"));
+
+        const QString file = dir.filePath("MAPPATURE/LPG/Fiat/Punto/base.LKV");
+        for (int n = 1; n <= 8; ++n)
+            QCOMPARE(LeggiBloccoMappa(file, qint16(n)), disegno(1).mid((n - 1) * 64, 64));
+        // The rebuilt tree shows the new model with its map chosen.
+        QCOMPARE(pagina->LMappe()->currentIndex().data().toString(), QStringLiteral("Punto"));
+        QCOMPARE(pagina->Mappe()->currentItem()->text(), QStringLiteral("base"));
+        QCOMPARE(pagina->Note()->text(), QStringLiteral("as delivered"));
+        QVERIFY(pagina->isEnabled());
+
+        // Reading again onto the same name asks first.
+        tasti({Qt::Key_F2});
+        QTRY_COMPARE(segnalazione(pagina), testo("ReadMappe", "SEGNALAZIONE1.4"));
+        QCOMPARE(domande, QStringList{testo("SEGNALAZIONI", "SEGNALAZIONE_8")});
+
+        tasti({Qt::Key_Escape});
+        QTRY_VERIFY(frame->menu());
+    }
+
+    void writeByKeyboardAndVerify()
+    {
+        // A row whose file is missing sits in the list, marked, beside the map read above.
+        QVERIFY(RegistraMappa(dir.path(), {"LPG", "Fiat", "Punto", "lost"}, {}).ok());
+        QVERIFY(ecu->scriviMemoria(0xC100, disegno(2)));
+        domande.clear();
+        auto *pagina = apri<ProgMappe>(IdPagina::ProgMappe);
+        QVERIFY(pagina);
+        QVERIFY(!pagina->Verifica()->isChecked());
+        tasti({Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right,
+               Qt::Key_Down});
+        QCOMPARE(pagina->LMappe()->currentIndex().data().toString(), QStringLiteral("Punto"));
+        QCOMPARE(pagina->Mappe()->count(), 2);
+        QCOMPARE(pagina->Mappe()->item(1)->text(), "lost " + testo("ProgMappe", "MANCANTE"));
+
+        // The missing file is refused, the other one sent and verified.
+        tasti({Qt::Key_Tab, Qt::Key_Down, Qt::Key_Down});
+        QCOMPARE(fuoco(), pagina->Mappe());
+        QCOMPARE(pagina->Mappe()->currentRow(), 1);
+        tasti({Qt::Key_F2});
+        QCOMPARE(segnalazione(pagina), testo("ProgMappe", "SEGNALAZIONE1.3"));
+        tasti({Qt::Key_Up});
+        QCOMPARE(pagina->Note()->text(), QStringLiteral("as delivered"));
+        tasti({Qt::Key_Tab, Qt::Key_Space, Qt::Key_F2});
+        QVERIFY(pagina->Verifica()->isChecked());
+        QTRY_COMPARE(segnalazione(pagina), testo("ProgMappe", "SEGNALAZIONE1.6"));
+        QCOMPARE(ecu->leggiMemoria(0xC100, 512), disegno(1));
+
+        // A map has been written: leaving asks first.
+        tasti({Qt::Key_Escape});
+        QCOMPARE(domande, QStringList{testo("SEGNALAZIONI", "SEGNALAZIONE_56")});
+        QTRY_VERIFY(frame->menu());
+    }
+};
+
+QTEST_MAIN(TstPagineMappe)
+#include "tst_pagine_mappe.moc"
