@@ -78,7 +78,8 @@ std::pair<double, double> ModelloGriglia::estremi(TipoCella tipo) const
     double alto = 0;
     bool primo = true;
     for (const Cella &c : m_celle) {
-        if (c.tipo != tipo || !m_mostrati.count(c.parametro))
+        // A wrong value would wash out the shading of all the right ones.
+        if (c.tipo != tipo || !m_mostrati.count(c.parametro) || m_errati.count(c.parametro))
             continue;
         const double v = corrente(c.parametro);
         basso = primo ? v : std::min(basso, v);

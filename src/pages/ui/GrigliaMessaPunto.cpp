@@ -253,6 +253,29 @@ QSize GrigliaMessaPunto::minimumSizeHint() const
     return sizeHint();
 }
 
+void GrigliaMessaPunto::focusInEvent(QFocusEvent *evento)
+{
+    QTableView::focusInEvent(evento);
+    // Entered by keyboard with no cell chosen yet: the first one the fitter can edit.
+    const auto modificabile = [this](const QModelIndex &i) {
+        return i.isValid() && !isColumnHidden(i.column()) && (m_modello->flags(i) & Qt::ItemIsEditable);
+    };
+    for (int i = 0; !modificabile(currentIndex()) && i < m_modello->rowCount() * m_modello->columnCount();
+         ++i) {
+        const QModelIndex prossima =
+            m_modello->index(i / m_modello->columnCount(), i % m_modello->columnCount());
+        if (modificabile(prossima))
+            setCurrentIndex(prossima);
+    }
+    viewport()->update();
+}
+
+void GrigliaMessaPunto::focusOutEvent(QFocusEvent *evento)
+{
+    QTableView::focusOutEvent(evento);
+    viewport()->update();
+}
+
 void GrigliaMessaPunto::keyPressEvent(QKeyEvent *evento)
 {
     const QModelIndex attuale = currentIndex();

@@ -37,6 +37,8 @@ public:
 
 protected:
     void keyPressEvent(QKeyEvent *evento) override;
+    void focusInEvent(QFocusEvent *evento) override;
+    void focusOutEvent(QFocusEvent *evento) override;
 
 private:
     friend class DelegatoGriglia;

@@ -14,12 +14,10 @@ namespace kv {
 namespace {
 
 // A small square of a colour, then its meaning.
-QString voceLegenda(const QColor &colore, const QString &testo, bool bordo = false)
+QString voceLegenda(const QColor &colore, const QString &testo)
 {
-    const QString stile = bordo ? QStringLiteral("border: 3px solid %1;").arg(colore.name())
-                                : QStringLiteral("background-color: %1;").arg(colore.name());
-    return QStringLiteral("<span style=\"%1\">&nbsp;&nbsp;&nbsp;&nbsp;</span>&nbsp;%2")
-        .arg(stile, testo.toHtmlEscaped());
+    return QStringLiteral("<span style=\"background-color: %1;\">&nbsp;&nbsp;&nbsp;&nbsp;</span>&nbsp;%2")
+        .arg(colore.name(), testo.toHtmlEscaped());
 }
 
 } // namespace
@@ -51,7 +49,7 @@ void MP_Normale::caricaTestiAltrove()
     m_legenda->setText(
         voceLegenda(RiccoAlto, testo(QStringLiteral("MAPPA.RICCO"))) + QStringLiteral("&nbsp;&nbsp;&nbsp;")
         + voceLegenda(MagroAlto, testo(QStringLiteral("MAPPA.MAGRO"))) + QStringLiteral("&nbsp;&nbsp;&nbsp;")
-        + voceLegenda(BordoVivo, testo(QStringLiteral("MAPPA.VIVO")), true));
+        + voceLegenda(BordoVivo, testo(QStringLiteral("MAPPA.VIVO"))));
     m_mappa->adattaDimensioni();
 }
 

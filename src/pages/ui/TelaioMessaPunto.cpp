@@ -66,8 +66,10 @@ TelaioMessaPunto::TelaioMessaPunto(Programma &programma, const DescrizionePagina
     boxes->setVerticalSpacing(8);
     for (size_t k = 0; k < descrizione.box.size(); ++k)
         costruisciBox(descrizione.box[k], boxes, static_cast<int>(k));
-    if (descrizione.box.size() == 1)
-        boxes->setColumnStretch(0, 1);
+    // Side by side, the two columns share the width.
+    boxes->setColumnStretch(0, 1);
+    if (descrizione.box.size() > 1)
+        boxes->setColumnStretch(1, 1);
     sinistra->addLayout(boxes);
     m_area = new QVBoxLayout;
     sinistra->addLayout(m_area);

@@ -182,7 +182,12 @@ private slots:
         GrigliaMessaPunto *mappa = normale->MappaLambda();
         QVERIFY(mappa->isVisible());
         ModelloGriglia *m = mappa->modello();
-        mappa->setFocus();
+        // Tab from the last field shown into the grid: on its first breakpoint.
+        normale->DatoNormale(4)->setFocus();
+        QTRY_VERIFY(normale->DatoNormale(4)->hasFocus());
+        premi(Qt::Key_Tab);
+        QVERIFY(mappa->hasFocus());
+        QCOMPARE(mappa->currentIndex(), m->index(1, 2));
         mappa->setCurrentIndex(m->index(11, 2));
         // Up to the rich row of the lowest zone, right to the third RPM zone: zone 10's rich cell.
         premi(Qt::Key_Up);
