@@ -41,7 +41,8 @@ struct Derivato
 // What the page shows when TimeOutReq fires in its group.
 enum class Scadenza {
     UscitaEmergenza, // a failed read or leave leaves only Esci_Out; a failed save says so
-    SoloMessaggio    // the page only says that the ECU did not answer
+    SoloMessaggio,   // the page only says that the ECU did not answer
+    Muta             // nothing: the group's messages belong to the other page that shares it
 };
 
 // Everything the program knows about one tuning page but its widgets: the menu's page, the

@@ -192,6 +192,9 @@ char DialogoPagina::rispostaAttesa(int stato) const
 
 void DialogoPagina::scadenza(int stato)
 {
+    // Left as it is, disabled: it can only be left.
+    if (m_descrizione.scadenza == Scadenza::Muta)
+        return;
     m_vista.abilitaPagina(true);
     if (m_descrizione.scadenza == Scadenza::SoloMessaggio) {
         m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_2"));

@@ -511,6 +511,20 @@ private slots:
         QCOMPARE(vista.chiusure, 0);
     }
 
+    void aPageSharingAnotherPagesGroupStaysSilent()
+    {
+        DescrizionePagina d = descrizione(IdPagina::MP_Stechio);
+        d.scadenza = Scadenza::Muta;
+        d.gruppoCondiviso = true;
+        ecu->impostaStallo(true);
+        crea(d);
+        QVERIFY(dialogo->avviaLettura());
+        QVERIFY(req->scatta());
+        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QVERIFY(!vista.abilitata && !vista.emergenza);
+        QCOMPARE(vista.segnalazioni.size(), 1); // "reading", and nothing after
+    }
+
     void fieldTextsThatPassTheCheck_data()
     {
         QTest::addColumn<QString>("testo");
