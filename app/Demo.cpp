@@ -21,13 +21,21 @@ Demo::~Demo()
 
 bool Demo::avvia(QString &errore)
 {
-    auto *ecu = new EcuSimulata(OpzioniEcu{});
+    return avvia(errore, OpzioniEcu{});
+}
+
+bool Demo::avvia(QString &errore, const OpzioniEcu &opzioni,
+                 const std::function<void(EcuSimulata &)> &prepara)
+{
+    auto *ecu = new EcuSimulata(opzioni);
     if (!ecu->apriPty()) {
         errore = ecu->erroreLinea();
         delete ecu;
         return false;
     }
     m_percorso = ecu->percorsoDispositivo();
+    if (prepara)
+        prepara(*ecu);
     // The line and the timers move with the object; it is deleted in its own thread.
     ecu->moveToThread(&m_thread);
     QObject::connect(&m_thread, &QThread::finished, ecu, &QObject::deleteLater);

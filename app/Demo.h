@@ -3,6 +3,13 @@
 #include <QString>
 #include <QThread>
 
+#include <functional>
+
+namespace kv::sim {
+class EcuSimulata;
+struct OpzioniEcu;
+} // namespace kv::sim
+
 namespace kv {
 
 // The simulated ECU of the demo, on a pseudo-terminal, in a thread of its own so that the
@@ -17,6 +24,10 @@ public:
 
     // False with errore filled when the pseudo-terminal cannot be had.
     bool avvia(QString &errore);
+    // The same with options of one's own (the benchmarks pace the bytes); prepara sees the
+    // ECU before it leaves for its thread, to hook to its signals with direct connections.
+    bool avvia(QString &errore, const sim::OpzioniEcu &opzioni,
+               const std::function<void(sim::EcuSimulata &)> &prepara = {});
     // The device the program opens in place of the port of the settings.
     QString percorso() const { return m_percorso; }
 

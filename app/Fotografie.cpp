@@ -12,6 +12,9 @@
 #include "monitoring/ui/Grafici.h"
 #include "monitoring/ui/RegistroStrumenti.h"
 #include "monitoring/ui/Strumenti.h"
+#include "pages/GriglieMessaPunto.h"
+#include "pages/ui/GrigliaMessaPunto.h"
+#include "pages/ui/MP_Normale.h"
 #include "pages/ui/RegistroMessaPunto.h"
 #include "programming/ui/ProgMappe.h"
 #include "programming/ui/ReadMappe.h"
@@ -134,10 +137,33 @@ int main(int argc, char *argv[])
     }
 
     const auto linkLibero = [&] { return programma.motore.StatoDialogo() == -1; };
-    if (QWidget *pagina = finestra.apriPagina(IdPagina::MP_Minimo)) {
+    // The tuning pages as the service menu opens them, each after a few live frames.
+    programma.stato.ModoAssistenza = true;
+    const std::pair<IdPagina, const char *> pagine[] = {
+        {IdPagina::MP_Minimo, "mp_minimo.png"},           {IdPagina::MP_Normale, "mp_normale.png"},
+        {IdPagina::MP_PienoCarico, "mp_pienocarico.png"}, {IdPagina::MP_CutOff, "mp_cutoff.png"},
+        {IdPagina::MP_Pompata, "mp_pompata.png"},         {IdPagina::MP_Lavoro, "mp_lavoro.png"},
+        {IdPagina::MP_Stechio, "mp_stechio.png"},         {IdPagina::MP_InibizPC, "mp_inibizpc.png"},
+        {IdPagina::MP_RientroCO, "mp_rientroco.png"}};
+    for (const auto &[id, nome] : pagine) {
+        // The map shows best with the engine out on it, away from idle.
+        if (id == IdPagina::MP_Normale)
+            attendi([&] { return programma.stato.DatiAttuali[0].Valore[Canale::Giri] > 2200; }, 30000);
+        QWidget *pagina = finestra.apriPagina(id);
+        if (!pagina)
+            continue;
         attendi(linkLibero, 5000);
-        pausa(600); // a few live frames into the panel
-        ok &= salva(finestra, cartella, QStringLiteral("mp_minimo.png"));
+        pausa(600);
+        ok &= salva(finestra, cartella, QString::fromLatin1(nome));
+        if (auto *normale = qobject_cast<MP_Normale *>(pagina)) {
+            // A lean threshold typed above its rich one, as the fitter would see it.
+            GrigliaMessaPunto *mappa = normale->MappaLambda();
+            const QModelIndex magro = mappa->model()->index(MappaLambda::rigaMagro(2), 5);
+            mappa->setFocus();
+            mappa->setCurrentIndex(magro);
+            mappa->modello()->modifica(magro, QStringLiteral("200"));
+            ok &= salva(finestra, cartella, QStringLiteral("mp_normale-check.png"));
+        }
         finestra.ChiudiPagina(pagina);
     }
     // The demo ECU's map read into the archive, then written back and verified.
@@ -161,6 +187,7 @@ int main(int argc, char *argv[])
         ok &= salva(finestra, cartella, QStringLiteral("progmappe.png"));
         finestra.ChiudiPagina(scrittura);
     }
+    programma.stato.ModoAssistenza = false;
     // Some way into the engine's cycle, where every instrument has something to say.
     pausa(7000);
     // A drive is recorded to a file where the record card would put it.

@@ -5,6 +5,7 @@
 #include "variables/Catalogo.h"
 #include "variables/Conversioni.h"
 
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -49,7 +50,7 @@ std::vector<std::pair<int, int>> valoriDiFabbrica()
         {Par::SogliaLambdaMagroNormale, 380},
         {Par::SogliaLambdaRiccoNormale, 580},
         {Par::ScalaLambda, 0},
-        {Par::TipoNOR, 1},
+        {Par::TipoNOR, 0}, // the map in force
         {Par::BaseEmulazione, 512},
         {Par::ValoreEmulazione, 0x85},
         {Par::TempoDisabilitazioneControllo, 30},
@@ -59,7 +60,7 @@ std::vector<std::pair<int, int>> valoriDiFabbrica()
         {Par::PassiControlloNormale, 4},
         {Par::PosizioneMotorinoNormale, 120},
         {Par::ResetPC, 150},
-        {Par::PcConf, 1},
+        {Par::PcConf, 0}, // full load by the grid, TPS and position per RPM zone
         {Par::TipoPC, 0},
         {Par::PosizioneMotorinoCutOff, 30},
         {Par::TipoCO, 1},
@@ -89,19 +90,27 @@ std::vector<std::pair<int, int>> valoriDiFabbrica()
         v.emplace_back(Par::AsseTpsMappa + i, asseTps[i]);
     for (int i = 0; i < Par::ElementiAsseGiri; ++i)
         v.emplace_back(Par::AsseGiriMappa + i, 1000 + 500 * i);
-    // Cell i is RPM band i / 5 and TPS band i % 5; a mild slope keeps the map from looking flat.
+    // A map as a fitter leaves it, in shown units (0..255) turned raw: the band rises with
+    // load, is a little leaner in the middle of the RPM range and wider at the top of it.
+    const auto grezzo = [](double mostrato) { return int(std::lround(mostrato * 1023 / 255)); };
     for (int i = 0; i < Par::CelleMappa; ++i) {
         const int giri = i / 5;
         const int tps = i % 5;
-        v.emplace_back(Par::SogliaMagroMappa + i, 370 + 4 * tps - 2 * giri);
-        v.emplace_back(Par::SogliaRiccoMappa + i, 590 - 3 * giri + 2 * tps);
+        const double magro =
+            84 + 5 * tps + std::round(4 * std::sin(3.14159 * giri / 7)) + (giri >= 6 ? 3 : 0);
+        const double ricco = magro + 46 + 3 * tps + (giri >= 5 ? 4 : 0) - (giri == 0 ? 4 : 0);
+        v.emplace_back(Par::SogliaMagroMappa + i, grezzo(magro));
+        v.emplace_back(Par::SogliaRiccoMappa + i, grezzo(ricco));
     }
+    const int giriRts[Par::ElementiGiriRTS] = {1500, 2000, 2500, 3000, 3500, 4200, 5000};
     for (int i = 0; i < Par::ElementiGiriRTS; ++i)
-        v.emplace_back(Par::GiriRTS + i, 1000 + 500 * i);
+        v.emplace_back(Par::GiriRTS + i, giriRts[i]);
+    const int tpsRts[Par::ElementiTpsRTS] = {560, 600, 650, 700, 760, 820, 880, 920};
     for (int i = 0; i < Par::ElementiTpsRTS; ++i)
-        v.emplace_back(Par::TpsRTS + i, 100 + 115 * i);
+        v.emplace_back(Par::TpsRTS + i, tpsRts[i]);
+    const int posizioneRts[Par::ElementiPosizioneRTS] = {70, 84, 97, 110, 124, 139, 152, 165};
     for (int i = 0; i < Par::ElementiPosizioneRTS; ++i)
-        v.emplace_back(Par::PosizioneRTS + i, 60 + 17 * i);
+        v.emplace_back(Par::PosizioneRTS + i, posizioneRts[i]);
     return v;
 }
 

@@ -95,7 +95,7 @@ std::pair<int, int> ModelloMotore::soglieLambda(const SoglieMotore &s, int giri,
     case Zona::PienoCarico:
         return {s.lambdaMagroPC, s.lambdaRiccoPC};
     case Zona::Normale:
-        if (s.tipoNor != 0) {
+        if (s.tipoNor == 0) {
             const int cella = banda(giri, s.asseGiri.data(), int(s.asseGiri.size())) * 5
                               + banda(tps, s.asseTps.data(), int(s.asseTps.size()));
             return {s.magroMappa[cella], s.riccoMappa[cella]};

@@ -33,7 +33,7 @@ struct SoglieMotore
     int lambdaRiccoPC = 640;
     bool scalaLambda255 = false;
 
-    int tipoNor = 1; // 0: the normal zone runs on its two thresholds, otherwise on the map
+    int tipoNor = 0; // 0: the normal zone runs on the map, otherwise on its two thresholds
     std::array<int, 4> asseTps{120, 300, 520, 760};
     std::array<int, 7> asseGiri{1000, 1500, 2000, 2500, 3000, 3500, 4000};
     std::array<int, 40> magroMappa = uniforme(370);

@@ -10,6 +10,11 @@
 
 namespace kv {
 
+char GestoreStati::rispostaAttesa(int stato) const
+{
+    return TabellaStati::rispostaAttesa(stato);
+}
+
 MotoreDialogo::MotoreDialogo(Porta &porta, Temporizzatore &timeOutReq, RegistroFrame *registro,
                              QObject *parent)
     : QObject(parent)
@@ -173,9 +178,9 @@ void MotoreDialogo::instrada(const QByteArray &payload)
     const qint16 statoIngresso = m_statoDialogo;
     const bool erroreEcu =
         lettera == 'e' && (payload.size() < 2 || static_cast<quint8>(payload.at(1)) != 0xFF);
-    if (!erroreEcu && TabellaStati::rispostaAttesa(statoIngresso) != lettera)
-        return; // a late or stray reply: the state does not wait for it
     GestoreStati *g = gestore(statoIngresso);
+    if (!erroreEcu && (!g || g->rispostaAttesa(statoIngresso) != lettera))
+        return; // a late or stray reply: the state does not wait for it
     if (!g) {
         if (erroreEcu)
             abbandona();

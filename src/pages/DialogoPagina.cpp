@@ -4,7 +4,6 @@
 #include "link/Frame.h"
 #include "link/StatoProgramma.h"
 #include "pages/PannelloLive.h"
-#include "pages/PianiLettura.h"
 #include "pages/VistaPagina.h"
 #include "variables/Catalogo.h"
 #include "variables/Conversioni.h"
@@ -21,13 +20,6 @@ bool sogliaTps(int parametro)
     return parametro >= Par::SogliaTpsEntrataMinimo && parametro <= Par::SogliaTpsUscitaCutOff;
 }
 
-// Pages of the first six groups lose their commands when a read or a leave fails; the
-// small pages only show the message.
-bool paginaConUscitaEmergenza(int primoStato)
-{
-    return primoStato >= 1 && primoStato <= 51;
-}
-
 } // namespace
 
 bool TestoNumerico(const QString &testo)
@@ -39,7 +31,7 @@ bool TestoNumerico(const QString &testo)
 DialogoPagina::DialogoPagina(DescrizionePagina descrizione, Catalogo &catalogo, MotoreDialogo &motore,
                              StatoProgramma &stato, const Lingua &lingua, VistaPagina &vista)
     : m_descrizione(std::move(descrizione))
-    , m_piano(PianoPerStato(m_descrizione.primoStato))
+    , m_voci(m_descrizione.vociInUso(stato.ModoAssistenza))
     , m_catalogo(catalogo)
     , m_motore(motore)
     , m_stato(stato)
@@ -59,11 +51,11 @@ bool DialogoPagina::avviaLettura()
     for (int p : m_descrizione.voci)
         m_catalogo.azzeraValori(p);
     m_catalogo.azzeraValori(Par::ScalaLambda);
-    if (!m_piano)
+    if (m_descrizione.piano.empty())
         return false;
 
     m_motore.svuotaCoda();
-    for (const RigaLettura &riga : m_piano->righe)
+    for (const RigaLettura &riga : m_descrizione.piano)
         m_motore.accoda(RichiestaLettura(m_catalogo, riga));
     if (!m_motore.PortOpen())
         return false;
@@ -75,7 +67,7 @@ bool DialogoPagina::avviaLettura()
 void DialogoPagina::ApplicaValori(int origine, int stato, bool ram, bool eeprom)
 {
     m_motore.svuotaCoda();
-    for (int p : m_descrizione.voci) {
+    for (int p : m_voci) {
         const Parametro &par = m_catalogo.Parametri[static_cast<size_t>(p)];
         const ValoreParametro &v = m_catalogo.Valori[static_cast<size_t>(p)];
         const double grezzo = m_catalogo.aGrezzo(p, origine == 0 ? v.Corrente : v.Letto);
@@ -103,7 +95,7 @@ void DialogoPagina::ApplicaValori(int origine, int stato, bool ram, bool eeprom)
 
 bool DialogoPagina::ControlloCambiamenti() const
 {
-    for (int p : m_descrizione.voci) {
+    for (int p : m_voci) {
         const ValoreParametro &v = m_catalogo.Valori[static_cast<size_t>(p)];
         if (v.Corrente != v.Letto)
             return true;
@@ -133,12 +125,17 @@ void DialogoPagina::impostaCorrente(int parametro, double valore)
 
 void DialogoPagina::Applica()
 {
+    for (const Derivato &d : m_descrizione.derivati) {
+        auto &valori = m_catalogo.Valori;
+        valori[static_cast<size_t>(d.bersaglio)].Corrente =
+            valori[static_cast<size_t>(d.sorgente)].Corrente * d.fattore + d.scarto;
+    }
     ApplicaValori(0, primoStato() + 1, true, false);
 }
 
 void DialogoPagina::Memorizza()
 {
-    for (int p : m_descrizione.voci) {
+    for (int p : m_voci) {
         ValoreParametro &v = m_catalogo.Valori[static_cast<size_t>(p)];
         v.Memorizzato = v.Corrente;
     }
@@ -146,7 +143,7 @@ void DialogoPagina::Memorizza()
 
 void DialogoPagina::Ripristina()
 {
-    for (int p : m_descrizione.voci) {
+    for (int p : m_voci) {
         ValoreParametro &v = m_catalogo.Valori[static_cast<size_t>(p)];
         v.Corrente = v.Memorizzato;
         m_vista.mostraValore(p, v.Corrente);
@@ -188,10 +185,18 @@ void DialogoPagina::risposta(char lettera, int stato, const QByteArray &payload)
         rispostaScrittura(stato);
 }
 
+char DialogoPagina::rispostaAttesa(int stato) const
+{
+    return m_descrizione.rispostaAttesa(stato);
+}
+
 void DialogoPagina::scadenza(int stato)
 {
+    // Left as it is, disabled: it can only be left.
+    if (m_descrizione.scadenza == Scadenza::Muta)
+        return;
     m_vista.abilitaPagina(true);
-    if (!paginaConUscitaEmergenza(primoStato())) {
+    if (m_descrizione.scadenza == Scadenza::SoloMessaggio) {
         m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_2"));
         return;
     }
@@ -223,8 +228,9 @@ void DialogoPagina::rispostaLettura(const QByteArray &payload)
     if (m_descrizione.zonaLavoro)
         m_vista.mostraZonaLavoro(TestoZona(m_lingua, m_stato.DatiAttuali[0].Valore[Canale::MZonAct]));
     const int passo = m_motore.PassoDialogo();
-    if (m_piano && passo >= 0 && passo < static_cast<int>(m_piano->righe.size()))
-        gestisciRiga(m_piano->righe[static_cast<size_t>(passo)], payload);
+    const auto &piano = m_descrizione.piano;
+    if (passo >= 0 && passo < static_cast<int>(piano.size()))
+        gestisciRiga(piano[static_cast<size_t>(passo)], payload);
     if (m_motore.prosegui() == MotoreDialogo::Seguito::Concluso)
         fineLettura();
 }
@@ -254,7 +260,7 @@ void DialogoPagina::gestisciRiga(const RigaLettura &riga, const QByteArray &payl
     case TipoRiga::TpsMinimo: {
         const double v = m_catalogo.daGrezzo(p, grezzo());
         aggiornaLimiti(p, v, Occasione::Lettura);
-        if (m_piano->presenzaTps) {
+        if (m_descrizione.tps()) {
             const bool presente = TpsPresenteDa(m_catalogo.Valori[Par::TpsTaratoMassimo].Letto, v);
             m_stato.TpsPresente = presente;
             if (!presente)
@@ -262,28 +268,13 @@ void DialogoPagina::gestisciRiga(const RigaLettura &riga, const QByteArray &payl
         }
         break;
     }
-    case TipoRiga::Blocco: {
-        qsizetype posizione = 1;
-        for (int j = 0; j < riga.elementi; ++j) {
-            const int d = m_catalogo.Parametri[static_cast<size_t>(p + j)].Dimensione;
-            leggiVoce(p + j, payload.mid(posizione, d));
-            posizione += d;
-        }
+    case TipoRiga::Blocco:
+    case TipoRiga::BloccoMappa:
+        // Each element from its own address, wherever it lies in the bytes read.
+        for (int v : VociRiga(riga))
+            leggiVoce(v, payload.mid(1 + ScartoNellaRiga(m_catalogo, riga, v),
+                                     m_catalogo.Parametri[static_cast<size_t>(v)].Dimensione));
         break;
-    }
-    case TipoRiga::BloccoMappa: {
-        qsizetype posizione = 1;
-        for (int j = 0; j < riga.elementi; ++j) {
-            const int magro = p + j;
-            const int ricco = Par::SogliaRiccoMappa + (magro - Par::SogliaMagroMappa);
-            for (int voce : {magro, ricco}) {
-                const int d = m_catalogo.Parametri[static_cast<size_t>(voce)].Dimensione;
-                leggiVoce(voce, payload.mid(posizione, d));
-                posizione += d;
-            }
-        }
-        break;
-    }
     }
 }
 
@@ -294,8 +285,7 @@ void DialogoPagina::leggiVoce(int parametro, const QByteArray &byte)
     m_vista.mostraValore(parametro, v);
     mostraSuggerimento(parametro);
     aggiornaLimiti(parametro, v, Occasione::Lettura);
-    if (m_descrizione.bloccoTps && sogliaTps(parametro)
-        && m_catalogo.Valori[Par::TpsAutoadattante].Letto == 0)
+    if (m_descrizione.tps() && sogliaTps(parametro) && m_catalogo.Valori[Par::TpsAutoadattante].Letto == 0)
         m_vista.bloccaCampoTps(parametro);
 }
 

@@ -10,8 +10,6 @@ namespace kv {
 class Catalogo;
 class Lingua;
 class VistaPagina;
-struct PianoLettura;
-struct RigaLettura;
 struct StatoProgramma;
 
 // The ECU side of one tuning page: its opening read, its saves, and the commands of the
@@ -35,6 +33,8 @@ public:
 
     const DescrizionePagina &descrizione() const { return m_descrizione; }
     int primoStato() const { return m_descrizione.primoStato; }
+    // The entries the page writes, in order: the description's, less those the mode hides.
+    const std::vector<int> &voci() const { return m_voci; }
 
     // The page's values back to "not read" and its read plan queued and started. False
     // when the port is closed: nothing is sent and the page stays as it is.
@@ -55,7 +55,8 @@ public:
     // What Applica takes from a field (or a list's selection index).
     void impostaCorrente(int parametro, double valore);
 
-    // The commands. Applica expects Corrente already taken from the fields.
+    // The commands. Applica expects Corrente already taken from the fields; it works out the
+    // derived entries, then sends.
     void Applica();
     void Memorizza();
     void Ripristina();
@@ -67,6 +68,7 @@ public:
 
     void risposta(char lettera, int stato, const QByteArray &payload) override;
     void scadenza(int stato) override;
+    char rispostaAttesa(int stato) const override;
 
 private:
     void rispostaLettura(const QByteArray &payload);
@@ -81,7 +83,7 @@ private:
     void fineScrittura(int stato);
 
     DescrizionePagina m_descrizione;
-    const PianoLettura *m_piano;
+    std::vector<int> m_voci;
     Catalogo &m_catalogo;
     MotoreDialogo &m_motore;
     StatoProgramma &m_stato;

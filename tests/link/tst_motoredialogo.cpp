@@ -8,11 +8,18 @@ using namespace kv;
 
 namespace {
 
-// Reads everything queued, then frees the link: the pattern of every page.
+// Reads everything queued, then frees the link: the pattern of every page, whose first
+// state reads and whose next two write.
 class Proprietario : public GestoreStati
 {
 public:
     explicit Proprietario(MotoreDialogo &m) : motore(m) {}
+
+    char rispostaAttesa(int stato) const override
+    {
+        const int passo = (stato - 1) % 10;
+        return stato >= 100 ? GestoreStati::rispostaAttesa(stato) : passo == 0 ? 'r' : passo <= 2 ? 'e' : 0;
+    }
 
     void risposta(char lettera, int stato, const QByteArray &payload) override
     {

@@ -2,17 +2,13 @@
 // opening reads of every plan, conversions, cross limits, TPS presence and lock, saves in
 // every page's order, refusals by the ECU and time-outs. Time-outs fire by hand.
 
-#include "support/PortaEcu.h"
+#include "support/ProgrammaSimulato.h"
 
 #include "link/Frame.h"
 #include "pages/DialogoPagina.h"
 #include "pages/VistaPagina.h"
-#include "shell/Programma.h"
 
-#include <QDeadlineTimer>
-#include <QFile>
 #include <QSet>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <cmath>
@@ -56,65 +52,19 @@ double scala(int grezzo)
     return std::round(grezzo * 255.0 / 1023.0);
 }
 
-// The head of every 'W' frame the program wrote, in order: letter, address, byte count.
-QByteArrayList scritture(const QByteArrayList &frame)
-{
-    QByteArrayList w;
-    for (const QByteArray &f : frame)
-        if (f.mid(4, 1) == "W")
-            w.append(f.mid(4, 4));
-    return w;
-}
-
-QByteArray scrittura(qint32 indirizzo, int byte)
-{
-    return 'W' + ParolaInByte(quint32(indirizzo)) + char(byte);
-}
-
-DescrizionePagina descrizione(int primo, bool assistenza = true)
-{
-    for (const DescrizionePagina &d :
-         {DescrizioneMinimo(), DescrizioneNormale(), DescrizionePienoCarico(), DescrizioneCutOff(),
-          DescrizionePompata(assistenza), DescrizioneLavoro(), DescrizioneStechio(),
-          DescrizioneInibizionePC(), DescrizioneRientroCO()})
-        if (d.primoStato == primo)
-            return d;
-    return {};
-}
-
 } // namespace
 
-class TstDialogoPagina : public QObject
+class TstDialogoPagina : public QObject, ProgrammaSimulato
 {
     Q_OBJECT
 
-    QTemporaryDir cartella;
-    std::unique_ptr<EcuSimulata> ecu;
-    std::unique_ptr<Programma> p;
-    PortaEcu *porta = nullptr;
-    TemporizzatoreManuale *req = nullptr;
     VistaFinta vista;
     std::unique_ptr<DialogoPagina> dialogo;
 
     Catalogo &cat() { return p->catalogo; }
     ValoreParametro &val(int parametro) { return p->catalogo.Valori[static_cast<size_t>(parametro)]; }
     Parametro &par(int parametro) { return p->catalogo.Parametri[static_cast<size_t>(parametro)]; }
-    QString testo(const char *sezione, const QString &chiave)
-    {
-        return p->lingua.LeggiTesto(sezione, chiave);
-    }
-    int ram(int parametro) { return CellaEcu(*ecu, cat(), parametro, false); }
-    int eeprom(int parametro) { return CellaEcu(*ecu, cat(), parametro, true); }
-    void voce(int parametro, int grezzo) { ImpostaVoceEcu(*ecu, cat(), parametro, grezzo); }
-
-    // Replies come back through the event loop; nothing here waits on a clock.
-    bool attendi()
-    {
-        QDeadlineTimer scadenza(3000);
-        while (p->motore.StatoDialogo() != -1 && !scadenza.hasExpired())
-            QCoreApplication::processEvents();
-        return p->motore.StatoDialogo() == -1;
-    }
+    static const DescrizionePagina &descrizione(IdPagina id) { return *DescrizioneDi(id); }
 
     void crea(const DescrizionePagina &d)
     {
@@ -149,36 +99,22 @@ class TstDialogoPagina : public QObject
     bool apriMinimo()
     {
         impostaMinimo();
-        return apri(DescrizioneMinimo());
+        return apri(descrizione(IdPagina::MP_Minimo));
     }
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(cartella.isValid());
-        QVERIFY(
-            QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), cartella.filePath("ENGLISH.LNG")));
-    }
+    void initTestCase() { QVERIFY(preparaCartella()); }
 
     void init()
     {
-        ecu = std::make_unique<EcuSimulata>(OpzioniManuali());
-        auto pe = std::make_unique<PortaEcu>(*ecu);
-        auto r = std::make_unique<TemporizzatoreManuale>();
-        porta = pe.get();
-        req = r.get();
-        p = std::make_unique<Programma>(cartella.path(), std::move(pe), std::move(r),
-                                        std::make_unique<TemporizzatoreManuale>());
-        p->stato.EcuDaIdentificare = false;
-        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+        avvia();
         vista = VistaFinta{};
     }
 
     void cleanup()
     {
         dialogo.reset();
-        p.reset();
-        ecu.reset();
+        chiudi();
     }
 
     void idleReadFillsValuesLimitsAndTheZoneLine()
@@ -225,18 +161,20 @@ private slots:
         QFETCH(int, massimo);
         QFETCH(int, minimo);
         QFETCH(bool, presente);
-        for (int primo : {1, 11, 21, 31, 51}) {
+        for (IdPagina id : {IdPagina::MP_Minimo, IdPagina::MP_Normale, IdPagina::MP_PienoCarico,
+                            IdPagina::MP_CutOff, IdPagina::MP_Lavoro}) {
             init();
             voce(Par::TpsTaratoMassimo, massimo);
             voce(Par::TpsTaratoMinimo, minimo);
             val(Par::TpsTaratoMassimo).Letto = 77;
-            QVERIFY(apri(descrizione(primo)));
+            QVERIFY(apri(descrizione(id)));
             // The normal page reads the low point for the limit alone, and keeps the high
             // point an earlier page read.
-            const bool atteso = presente || primo == 11;
-            QVERIFY2(p->stato.TpsPresente == atteso, qPrintable(QString::number(primo)));
+            const bool normale = id == IdPagina::MP_Normale;
+            const bool atteso = presente || normale;
+            QVERIFY2(p->stato.TpsPresente == atteso, qPrintable(descrizione(id).sezione));
             QCOMPARE(vista.righeTpsNascoste, !atteso);
-            QCOMPARE(val(Par::TpsTaratoMassimo).Letto, primo == 11 ? 77.0 : scala(massimo));
+            QCOMPARE(val(Par::TpsTaratoMassimo).Letto, normale ? 77.0 : scala(massimo));
             // The low point, read last on every page, is the idle exit's floor.
             QCOMPARE(par(Par::SogliaTpsUscitaMinimo).Min, scala(minimo));
             cleanup();
@@ -246,11 +184,11 @@ private slots:
     void autoAdaptiveTpsLocksTheThresholds()
     {
         // Never read is not 0: nothing locked.
-        QVERIFY(apri(DescrizioneMinimo()));
+        QVERIFY(apri(descrizione(IdPagina::MP_Minimo)));
         QVERIFY(vista.bloccati.isEmpty());
         // The work-zone page locks the thresholds of the other pages it carries too.
         val(Par::TpsAutoadattante).Letto = 0;
-        QVERIFY(apri(DescrizioneLavoro()));
+        QVERIFY(apri(descrizione(IdPagina::MP_Lavoro)));
         QCOMPARE(vista.bloccati, (QSet<int>{Par::SogliaTpsEntrataMinimo, Par::SogliaTpsUscitaMinimo,
                                             Par::SogliaTpsEntrataPC, Par::SogliaTpsUscitaPC,
                                             Par::SogliaTpsEntrataCutOff, Par::SogliaTpsUscitaCutOff}));
@@ -267,7 +205,7 @@ private slots:
             voce(Par::SogliaRiccoMappa + i, 800 - 3 * i);
         }
         voce(Par::PrimaFrequenzaNormale, 49);
-        QVERIFY(apri(DescrizioneNormale()));
+        QVERIFY(apri(descrizione(IdPagina::MP_Normale)));
 
         for (int i = 0; i < Par::ElementiAsseTps; ++i)
             QCOMPARE(vista.valori.value(Par::AsseTpsMappa + i), scala(100 + 300 * i));
@@ -291,12 +229,12 @@ private slots:
             voce(Par::GiriRTS + i, 1200 + 400 * i);
         for (int i = 0; i < Par::ElementiTpsRTS; ++i)
             voce(Par::TpsRTS + i, 120 * i);
-        // The block takes eight bytes in a row from the first position's address.
-        QByteArray posizioni;
+        // One byte every two addresses, with something else in the gaps.
+        ecu->scriviMemoria(quint32(par(Par::PosizioneRTS).IndirizzoEE), QByteArray(15, char(0xEE)));
         for (int i = 0; i < Par::ElementiPosizioneRTS; ++i)
-            posizioni += char(50 + i);
-        ecu->scriviMemoria(quint32(par(Par::PosizioneRTS).IndirizzoEE), posizioni);
-        QVERIFY(apri(DescrizionePienoCarico()));
+            voce(Par::PosizioneRTS + i, 50 + i);
+        QVERIFY(apri(descrizione(IdPagina::MP_PienoCarico)));
+        QVERIFY(porta->scritti.at(14).contains(QByteArray("R\xC2\x20\x0F", 4)));
 
         for (int i = 0; i < Par::ElementiGiriRTS; ++i) {
             QCOMPARE(val(Par::GiriRTS + i).Letto, 1200.0 + 400 * i);
@@ -316,7 +254,7 @@ private slots:
             voce(Par::PercentualePompata + i, percentuali[i]);
         for (int i = 0; i < Par::ElementiGiriPompata; ++i)
             voce(Par::GiriPompata + i, 1500 + 1000 * i);
-        QVERIFY(apri(DescrizionePompata(true)));
+        QVERIFY(apri(descrizione(IdPagina::MP_Pompata)));
         const double attese[] = {-5, 5, 0, 0, -50};
         for (int i = 0; i < Par::ElementiPercentualePompata; ++i)
             QCOMPARE(val(Par::PercentualePompata + i).Letto, attese[i]);
@@ -331,7 +269,7 @@ private slots:
     {
         impostaMinimo();
         voce(Par::SogliaLambdaRiccoPC, 640);
-        QVERIFY(apri(DescrizioneLavoro()));
+        QVERIFY(apri(descrizione(IdPagina::MP_Lavoro)));
         QCOMPARE(par(Par::SogliaGiriEntrataMinimo).Max, 1700.0);
         for (int v : {Par::SogliaTpsEntrataMinimo, Par::SogliaTpsEntrataCutOff, Par::SogliaTpsEntrataPC,
                       Par::TpsTaratoMassimo})
@@ -348,12 +286,12 @@ private slots:
     {
         ImpostaCellaEcu(*ecu, cat(), Par::InizioInibizionePC, true, 1234);
         ImpostaCellaEcu(*ecu, cat(), Par::DurataInibizionePC, true, 4321);
-        QVERIFY(apri(DescrizioneInibizionePC()));
+        QVERIFY(apri(descrizione(IdPagina::MP_InibizPC)));
         QCOMPARE(vista.valori.value(Par::InizioInibizionePC), 1234.0);
         QCOMPARE(vista.valori.value(Par::DurataInibizionePC), 4321.0);
         QVERIFY(vista.zone.isEmpty()); // no work-zone box on the small pages
         voce(Par::CampioniMagro, 9);
-        QVERIFY(apri(DescrizioneStechio()));
+        QVERIFY(apri(descrizione(IdPagina::MP_Stechio)));
         QCOMPARE(vista.valori.value(Par::CampioniMagro), 9.0);
     }
 
@@ -361,7 +299,7 @@ private slots:
     {
         p->catalogo.registraLettura(Par::SogliaGiriEntrataMinimo, 1000);
         porta->chiudi();
-        crea(DescrizioneMinimo());
+        crea(descrizione(IdPagina::MP_Minimo));
         QVERIFY(!dialogo->avviaLettura());
         QVERIFY(porta->scritti.isEmpty());
         QCOMPARE(val(Par::SogliaGiriEntrataMinimo).Letto, -1.0);
@@ -369,80 +307,50 @@ private slots:
         QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
     }
 
-    void everyPageReadsAndWritesInItsOrder_data()
+    void workZonePartnersFollowPastTheirLimits_data()
     {
-        QTest::addColumn<int>("primo");
-        QTest::addColumn<bool>("assistenza");
-        QTest::addColumn<int>("letture");
-        QTest::addColumn<int>("soloRam");
-        QTest::addColumn<int>("conEeprom");
-        QTest::newRow("idle") << 1 << false << 12 << 8 << 16;
-        // Eight fields and the 91 elements of axes and map.
-        QTest::newRow("normal") << 11 << false << 17 << 99 << 198;
-        QTest::newRow("full load") << 21 << false << 16 << 16 << 48;
-        QTest::newRow("cut-off") << 31 << false << 9 << 6 << 12;
-        QTest::newRow("pump, normal mode") << 41 << false << 12 << 9 << 18;
-        QTest::newRow("pump, service mode") << 41 << true << 12 << 12 << 24;
-        QTest::newRow("work zones") << 51 << false << 29 << 26 << 52;
-        QTest::newRow("stoichiometric") << 181 << false << 3 << 3 << 6;
-        QTest::newRow("inhibition") << 191 << false << 2 << 0 << 2;
-        QTest::newRow("return from cut-off") << 201 << false << 1 << 1 << 2;
+        QTest::addColumn<int>("mostrato");
+        QTest::addColumn<double>("valore");
+        QTest::addColumn<int>("partner");
+        QTest::addColumn<int>("grezzo"); // what the partner's RAM cell gets
+        QTest::newRow("cut-off exit below the idle exit")
+            << int(Par::SogliaGiriEntrataCutOff) << 450.0 << int(Par::SogliaGiriUscitaCutOff) << 250;
+        QTest::newRow("idle TPS exit past the top")
+            << int(Par::SogliaTpsEntrataMinimo) << 255.0 << int(Par::SogliaTpsUscitaMinimo) << 1023;
+        QTest::newRow("full-load TPS exit below 0")
+            << int(Par::SogliaTpsEntrataPC) << 0.0 << int(Par::SogliaTpsUscitaPC) << 0;
+        QTest::newRow("lean below 0")
+            << int(Par::SogliaLambdaRiccoNormale) << 0.0 << int(Par::SogliaLambdaMagroNormale) << 0;
+        QTest::newRow("idle RPM exit")
+            << int(Par::SogliaGiriEntrataMinimo) << 10000.0 << int(Par::SogliaGiriUscitaMinimo) << 10100;
     }
 
-    void everyPageReadsAndWritesInItsOrder()
+    void workZonePartnersFollowPastTheirLimits()
     {
-        QFETCH(int, primo);
-        QFETCH(bool, assistenza);
-        QFETCH(int, letture);
-        QFETCH(int, soloRam);
-        QFETCH(int, conEeprom);
-        const DescrizionePagina d = descrizione(primo, assistenza);
-        QVERIFY(apri(d));
-        QCOMPARE(porta->scritti.size(), letture);
-        // The simulator boots with coherent values: every limit that follows another entry,
-        // read or edited, must hold them, or the fitter could not save a page he never
-        // touched. Only the work-zone page leaves the limits of its hidden partners unset.
-        for (int v : d.voci)
-            dialogo->valoreModificato(v, val(v).Letto);
-        QSet<int> bersagli;
-        for (const LimiteIncrociato &r : TabellaLimitiIncrociati())
-            bersagli.insert(r.bersaglio);
-        const bool libero = primo == 51;
-        for (int v : d.voci) {
-            const double x = val(v).Letto;
-            const Parametro &q = par(v);
-            const bool dentro = (q.Min == -1 ? libero : x >= q.Min) && (q.Max == -1 ? libero : x <= q.Max);
-            if (bersagli.contains(v))
-                QVERIFY2(dentro,
-                         qPrintable(QString("%1: %2 in %3 - %4").arg(v).arg(x).arg(q.Min).arg(q.Max)));
-        }
-
-        QByteArrayList ram, tutte;
-        for (int v : d.voci) {
-            const Parametro &q = par(v);
-            if (q.IndirizzoRAM >= 0) {
-                ram << scrittura(q.IndirizzoRAM, q.Dimensione);
-                tutte << ram.last();
-            }
-            if (q.IndirizzoEE >= 0)
-                tutte << scrittura(q.IndirizzoEE, q.Dimensione);
-        }
-        QCOMPARE(ram.size(), soloRam);
-        QCOMPARE(tutte.size(), conEeprom);
-
-        porta->scritti.clear();
+        QFETCH(int, mostrato);
+        QFETCH(double, valore);
+        QFETCH(int, partner);
+        QFETCH(int, grezzo);
+        QVERIFY(apri(descrizione(IdPagina::MP_Lavoro)));
+        dialogo->impostaCorrente(mostrato, valore);
         dialogo->Applica();
         QVERIFY(attendi());
-        QCOMPARE(scritture(porta->scritti), ram);
-        // Usable again, also after a save with nothing for the RAM to take.
-        QVERIFY(vista.abilitata);
-        QCOMPARE(vista.chiusure, 0);
+        QVERIFY(!vista.emergenza && vista.abilitata);
+        QCOMPARE(ram(partner), grezzo);
+    }
 
-        porta->scritti.clear();
-        dialogo->RispostaEsci(DialogoPagina::RispostaSi);
+    void workZoneResetGrowsAtEveryApply()
+    {
+        voce(Par::ResetPC, 150);
+        QVERIFY(apri(descrizione(IdPagina::MP_Lavoro)));
+        for (int atteso : {165, 182}) { // 181.5 on the second
+            dialogo->Applica();
+            QVERIFY(attendi());
+            QCOMPARE(ram(Par::ResetPC), atteso);
+        }
+        dialogo->Ripristina();
         QVERIFY(attendi());
-        QCOMPARE(scritture(porta->scritti), tutte);
-        QCOMPARE(vista.chiusure, 1);
+        QCOMPARE(ram(Par::ResetPC), 150);
     }
 
     void leavingAsksOnlyAfterAChange()
@@ -521,7 +429,7 @@ private slots:
         QFETCH(QString, prefisso);
         QFETCH(QString, chiave);
         QVERIFY(apriMinimo());
-        for (int v : DescrizioneMinimo().voci)
+        for (int v : descrizione(IdPagina::MP_Minimo).voci)
             dialogo->impostaCorrente(v, val(v).Letto + 1);
         ecu->impostaErroreScrittura(quint32(par(Par::SogliaTpsEntrataMinimo).IndirizzoRAM), quint8(codice));
         porta->scritti.clear();
@@ -547,7 +455,7 @@ private slots:
     void refusedReadLeavesOnlyTheEmergencyExit()
     {
         ecu->impostaStallo(true);
-        crea(DescrizioneMinimo());
+        crea(descrizione(IdPagina::MP_Minimo));
         QVERIFY(dialogo->avviaLettura());
         emit porta->arrivati(CreaFrame(QByteArray("e\x03", 2), 0));
         QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
@@ -575,7 +483,7 @@ private slots:
         impostaMinimo();
         if (stato == 1)
             ecu->impostaStallo(true);
-        crea(stato > 100 ? DescrizioneStechio() : DescrizioneMinimo());
+        crea(stato > 100 ? descrizione(IdPagina::MP_Stechio) : descrizione(IdPagina::MP_Minimo));
         QVERIFY(dialogo->avviaLettura());
         if (stato != 1) {
             QVERIFY(attendi());
@@ -603,6 +511,20 @@ private slots:
         QCOMPARE(vista.chiusure, 0);
     }
 
+    void aPageSharingAnotherPagesGroupStaysSilent()
+    {
+        DescrizionePagina d = descrizione(IdPagina::MP_Stechio);
+        d.scadenza = Scadenza::Muta;
+        d.gruppoCondiviso = true;
+        ecu->impostaStallo(true);
+        crea(d);
+        QVERIFY(dialogo->avviaLettura());
+        QVERIFY(req->scatta());
+        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QVERIFY(!vista.abilitata && !vista.emergenza);
+        QCOMPARE(vista.segnalazioni.size(), 1); // "reading", and nothing after
+    }
+
     void fieldTextsThatPassTheCheck_data()
     {
         QTest::addColumn<QString>("testo");
@@ -627,7 +549,7 @@ private slots:
         QFETCH(bool, numerico);
         QFETCH(bool, valido);
         par(Par::SogliaGiriEntrataMinimo).Max = 1300;
-        crea(DescrizioneMinimo());
+        crea(descrizione(IdPagina::MP_Minimo));
         QCOMPARE(TestoNumerico(testo), numerico);
         QCOMPARE(dialogo->valoreValido(Par::SogliaGiriEntrataMinimo, testo), valido);
     }

@@ -1,22 +1,14 @@
 #include "pages/ui/CampoDato.h"
 
 #include "pages/DialogoPagina.h"
+#include "shell/ui/Stile.h"
 #include "variables/Formato.h"
 
 #include <QKeyEvent>
 
 namespace kv {
 
-namespace {
-// The colours of the tuning pages, by their role.
-const QColor SfondoNormale(Qt::white);
-const QColor TestoNormale(Qt::black);
-const QColor SfondoFuoco(0, 0, 255);
-const QColor SfondoErrato(255, 0, 0);
-const QColor TestoChiaro(Qt::white);
-const QColor SfondoBloccato(Qt::black);
-const QColor TestoBloccato(0, 255, 0);
-} // namespace
+using namespace Tavolozza;
 
 CampoDato::CampoDato(QWidget *parent) : QLineEdit(parent)
 {
@@ -30,8 +22,8 @@ CampoDato::CampoDato(QWidget *parent) : QLineEdit(parent)
 void CampoDato::colora(Aspetto aspetto)
 {
     QPalette p = palette();
-    QColor sfondo = SfondoNormale;
-    QColor testo = TestoNormale;
+    QColor sfondo = SfondoCampo;
+    QColor testo = TestoCampo;
     switch (aspetto) {
     case Aspetto::Normale:
         break;
@@ -122,7 +114,10 @@ void CampoDato::focusInEvent(QFocusEvent *evento)
     if (!m_bloccato) {
         // The focus colours win over the red mark: the fitter must see where he types.
         colora(Aspetto::Fuoco);
-        setText(text().trimmed());
+        // Only when there is something to trim: a grid's editor comes with its text selected,
+        // so that the first key typed replaces it.
+        if (text() != text().trimmed())
+            setText(text().trimmed());
     }
     QLineEdit::focusInEvent(evento);
 }

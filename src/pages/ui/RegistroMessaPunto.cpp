@@ -1,32 +1,52 @@
 #include "pages/ui/RegistroMessaPunto.h"
 
+#include "pages/ui/MP_Lavoro.h"
 #include "pages/ui/MP_Minimo.h"
+#include "pages/ui/MP_Normale.h"
+#include "pages/ui/MP_PienoCarico.h"
+#include "pages/ui/MP_Pompata.h"
 #include "shell/ui/Korvantine.h"
 
 namespace kv {
 
-namespace {
-
-// The frame asks the page's questions and takes it away when it ends.
-template <typename Pagina>
-QWidget *apri(Korvantine &frame)
+TelaioMessaPunto *CreaPaginaMessaPunto(Programma &programma, IdPagina id, QWidget *parent)
 {
-    auto *pagina = new Pagina(frame.programma());
-    pagina->impostaDomanda([&frame](const QString &testo, int flags, const QString &titolo) {
-        return frame.MostraMsg(testo, flags, titolo);
-    });
-    QObject::connect(pagina, &TelaioMessaPunto::chiusa, &frame,
-                     [&frame, pagina] { frame.ChiudiPagina(pagina); });
-    pagina->carica();
-    return pagina;
+    // The pages with widgets of their own; any other is its description on the frame.
+    switch (id) {
+    case IdPagina::MP_Minimo:
+        return new MP_Minimo(programma, parent);
+    case IdPagina::MP_Normale:
+        return new MP_Normale(programma, parent);
+    case IdPagina::MP_PienoCarico:
+        return new MP_PienoCarico(programma, parent);
+    case IdPagina::MP_Pompata:
+        return new MP_Pompata(programma, parent);
+    case IdPagina::MP_Lavoro:
+        return new MP_Lavoro(programma, parent);
+    default:
+        break;
+    }
+    const DescrizionePagina *d = DescrizioneDi(id);
+    return d ? new TelaioMessaPunto(programma, *d, parent) : nullptr;
 }
-
-} // namespace
 
 void RegistraPagineMessaPunto(Korvantine &frame)
 {
-    frame.registraPagina(IdPagina::MP_Minimo, apri<MP_Minimo>);
-    // The other tuning pages come with their own units.
+    for (const DescrizionePagina &d : TabellaPagine()) {
+        // Calibration pages that share the table are registered by their own unit.
+        if (!PaginaMessaPunto(d.id))
+            continue;
+        frame.registraPagina(d.id, [id = d.id](Korvantine &f) -> QWidget * {
+            TelaioMessaPunto *pagina = CreaPaginaMessaPunto(f.programma(), id);
+            // The frame asks the page's questions and takes it away when it ends.
+            pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
+                return f.MostraMsg(testo, flags, titolo);
+            });
+            QObject::connect(pagina, &TelaioMessaPunto::chiusa, &f, [&f, pagina] { f.ChiudiPagina(pagina); });
+            pagina->carica();
+            return pagina;
+        });
+    }
 }
 
 } // namespace kv

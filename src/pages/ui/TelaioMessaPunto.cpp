@@ -1,10 +1,13 @@
 #include "pages/ui/TelaioMessaPunto.h"
 
 #include "pages/DialogoPagina.h"
+#include "pages/ModelloGriglia.h"
 #include "pages/PannelloLive.h"
 #include "pages/ui/CampoDato.h"
+#include "pages/ui/GrigliaMessaPunto.h"
 #include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
+#include "shell/ui/Stile.h"
 #include "variables/Formato.h"
 
 #include <QApplication>
@@ -42,20 +45,32 @@ QString conTastoAlt(const QString &testo)
 
 } // namespace
 
-TelaioMessaPunto::TelaioMessaPunto(Programma &programma, DescrizionePagina descrizione, QString sezione,
+TelaioMessaPunto::TelaioMessaPunto(Programma &programma, const DescrizionePagina &descrizione,
                                    QWidget *parent)
     : QWidget(parent)
     , m_programma(programma)
-    , m_sezione(std::move(sezione))
+    , m_sezione(descrizione.sezione)
+    , m_righeTps(descrizione.righeTps)
 {
     m_dialogo =
-        std::make_unique<DialogoPagina>(std::move(descrizione), programma.catalogo, programma.motore,
-                                        programma.stato, programma.lingua, static_cast<VistaPagina &>(*this));
+        std::make_unique<DialogoPagina>(descrizione, programma.catalogo, programma.motore, programma.stato,
+                                        programma.lingua, static_cast<VistaPagina &>(*this));
     setObjectName(m_sezione);
 
     auto *principale = new QVBoxLayout(this);
     auto *sopra = new QHBoxLayout;
     auto *sinistra = new QVBoxLayout;
+    // The boxes side by side two at a time, then what the page adds (its grids).
+    auto *boxes = new QGridLayout;
+    boxes->setHorizontalSpacing(12);
+    boxes->setVerticalSpacing(8);
+    for (size_t k = 0; k < descrizione.box.size(); ++k)
+        costruisciBox(descrizione.box[k], boxes, static_cast<int>(k));
+    // Side by side, the two columns share the width.
+    boxes->setColumnStretch(0, 1);
+    if (descrizione.box.size() > 1)
+        boxes->setColumnStretch(1, 1);
+    sinistra->addLayout(boxes);
     m_area = new QVBoxLayout;
     sinistra->addLayout(m_area);
     sinistra->addStretch(1);
@@ -68,7 +83,7 @@ TelaioMessaPunto::TelaioMessaPunto(Programma &programma, DescrizionePagina descr
     destra->addWidget(m_boxDati);
     m_boxZona = new QGroupBox(this);
     m_boxZona->setObjectName(QStringLiteral("BoxZonaLavoro"));
-    m_boxZona->setVisible(m_dialogo->descrizione().zonaLavoro);
+    m_boxZona->setVisible(descrizione.zonaLavoro);
     auto *zona = new QHBoxLayout(m_boxZona);
     m_zonaLavoro = new QLabel(m_boxZona);
     m_zonaLavoro->setObjectName(QStringLiteral("ZonaLavoro"));
@@ -107,11 +122,13 @@ TelaioMessaPunto::TelaioMessaPunto(Programma &programma, DescrizionePagina descr
 
 TelaioMessaPunto::~TelaioMessaPunto()
 {
-    // Closing the window takes the focus from a field, which must not reach the dialogue
-    // once it is gone.
+    // Closing the window takes the focus from a field or a grid's edit field, which must not
+    // reach the dialogue once it is gone.
     for (Riga &r : m_righe)
         if (r.campo)
             r.campo->disconnect(this);
+    for (GrigliaMessaPunto *g : m_griglie)
+        g->setModel(nullptr);
     if (m_ascolta)
         m_programma.datiLive.rimuoviAscoltatore(this);
 }
@@ -167,8 +184,8 @@ void TelaioMessaPunto::costruisciPannelloLive()
         m_dato[i]->setFont(f);
         m_dato[i]->setMinimumWidth(m_dato[i]->fontMetrics().horizontalAdvance(QStringLiteral("00000")) + 16);
         QPalette p = m_dato[i]->palette();
-        p.setColor(QPalette::Window, QColor(0x10, 0x18, 0x20));
-        p.setColor(QPalette::WindowText, QColor(0x7C, 0xFC, 0x9A));
+        p.setColor(QPalette::Window, Tavolozza::SfondoDisplay);
+        p.setColor(QPalette::WindowText, Tavolozza::TestoDisplay);
         m_dato[i]->setPalette(p);
         m_dato[i]->setAutoFillBackground(true);
         m_dato[i]->setContentsMargins(6, 2, 6, 2);
@@ -180,89 +197,86 @@ void TelaioMessaPunto::costruisciPannelloLive()
     l->addStretch(1);
 }
 
-QGroupBox *TelaioMessaPunto::creaBoxParametri(const QString &nome)
+void TelaioMessaPunto::costruisciBox(const BoxParametri &descrizione, QGridLayout *dove, int posizione)
 {
-    m_nomeBox = nome;
-    m_box = new QGroupBox(this);
-    m_box->setObjectName(nome);
-    m_griglia = new QGridLayout(m_box);
-    m_griglia->setHorizontalSpacing(10);
-    m_griglia->setVerticalSpacing(10);
+    auto *box = new QGroupBox(this);
+    box->setObjectName(descrizione.nome);
+    auto *griglia = new QGridLayout(box);
+    griglia->setHorizontalSpacing(10);
+    griglia->setVerticalSpacing(10);
     // Label, colon, field, unit and range close together; the spare width goes after them.
-    m_griglia->setColumnStretch(5, 1);
-    m_area->insertWidget(0, m_box);
-    return m_box;
+    griglia->setColumnStretch(5, 1);
+    // The service entries of a page in normal mode: read, and nothing more.
+    const bool inUso = !descrizione.soloAssistenza || m_programma.stato.ModoAssistenza;
+    box->setVisible(inUso);
+    box->setEnabled(inUso);
+    for (const RigaPagina &r : descrizione.righe)
+        nuovaRiga(box, griglia, r, inUso);
+    dove->addWidget(box, posizione / 2, posizione % 2);
+    m_box.push_back({descrizione.nome, box});
 }
 
-QLabel *TelaioMessaPunto::nuovaEtichetta(const QString &nome, int indice)
+QLabel *TelaioMessaPunto::nuovaEtichetta(QWidget *box, const QString &nome, int indice)
 {
-    auto *l = new QLabel(m_box);
+    auto *l = new QLabel(box);
     l->setObjectName(QStringLiteral("%1_%2").arg(nome).arg(indice));
     return l;
 }
 
-CampoDato *TelaioMessaPunto::aggiungiRiga(int indice, int parametro)
+TelaioMessaPunto::Riga &TelaioMessaPunto::nuovaRiga(QGroupBox *box, QGridLayout *griglia,
+                                                    const RigaPagina &descrizione, bool inUso)
 {
-    if (!m_box)
-        creaBoxParametri(QStringLiteral("BOXPARAMETRI"));
     Riga r;
-    r.indice = indice;
-    r.parametro = parametro;
-    r.etichetta = nuovaEtichetta(QStringLiteral("LabParametro"), indice);
-    r.duePunti = nuovaEtichetta(QStringLiteral("DuePunti"), indice);
+    r.indice = descrizione.indice;
+    r.parametro = descrizione.parametro;
+    r.box = box;
+    r.inUso = inUso;
+    r.etichetta = nuovaEtichetta(box, QStringLiteral("LabParametro"), r.indice);
+    r.duePunti = nuovaEtichetta(box, QStringLiteral("DuePunti"), r.indice);
     r.duePunti->setText(QStringLiteral(":"));
-    r.misura = nuovaEtichetta(QStringLiteral("Misura"), indice);
-    r.intervallo = nuovaEtichetta(QStringLiteral("Intervallo"), indice);
-    QPalette p = r.intervallo->palette();
-    p.setColor(QPalette::WindowText, QColor(0x60, 0x60, 0x60));
-    r.intervallo->setPalette(p);
-    r.campo = new CampoDato(m_box);
-    r.campo->setObjectName(QStringLiteral("Dato_%1").arg(indice));
-    r.campo->impostaMaschera(m_programma.catalogo.Valori[static_cast<size_t>(parametro)].Formato);
-    QFont grande = r.campo->font();
-    grande.setPointSizeF(grande.pointSizeF() * 1.15);
-    r.campo->setFont(grande);
-    r.campo->setFixedWidth(r.campo->fontMetrics().horizontalAdvance(QStringLiteral("0000000")) + 16);
-    connect(r.campo, &CampoDato::lasciato, this,
-            [this, parametro](double valore) { m_dialogo->valoreModificato(parametro, valore); });
+    r.misura = nuovaEtichetta(box, QStringLiteral("Misura"), r.indice);
+    const int riga = griglia->rowCount();
+    griglia->addWidget(r.etichetta, riga, 0);
+    griglia->addWidget(r.duePunti, riga, 1);
 
-    const int riga = m_griglia->rowCount();
-    m_griglia->addWidget(r.etichetta, riga, 0);
-    m_griglia->addWidget(r.duePunti, riga, 1);
-    m_griglia->addWidget(r.campo, riga, 2);
-    m_griglia->addWidget(r.misura, riga, 3);
-    m_griglia->addWidget(r.intervallo, riga, 4);
+    if (descrizione.lista.isEmpty()) {
+        r.intervallo = nuovaEtichetta(box, QStringLiteral("Intervallo"), r.indice);
+        QPalette p = r.intervallo->palette();
+        p.setColor(QPalette::WindowText, Tavolozza::TestoIntervallo);
+        r.intervallo->setPalette(p);
+        r.campo = new CampoDato(box);
+        r.campo->setObjectName(QStringLiteral("Dato_%1").arg(r.indice));
+        r.campo->impostaMaschera(m_programma.catalogo.Valori[static_cast<size_t>(r.parametro)].Formato);
+        QFont grande = r.campo->font();
+        grande.setPointSizeF(grande.pointSizeF() * 1.15);
+        r.campo->setFont(grande);
+        r.campo->setFixedWidth(r.campo->fontMetrics().horizontalAdvance(QStringLiteral("0000000")) + 16);
+        connect(r.campo, &CampoDato::lasciato, this,
+                [this, p = r.parametro](double valore) { m_dialogo->valoreModificato(p, valore); });
+        griglia->addWidget(r.campo, riga, 2);
+        griglia->addWidget(r.misura, riga, 3);
+        griglia->addWidget(r.intervallo, riga, 4);
+    } else {
+        const QString &sezione = descrizione.lista;
+        r.lista = new QComboBox(box);
+        r.lista->setObjectName(sezione);
+        for (int n = 0;; ++n) {
+            const QString voce =
+                m_programma.lingua.LeggiTesto(sezione, sezione + QLatin1Char('.') + numero(n)).trimmed();
+            if (voce.isEmpty())
+                break;
+            r.lista->addItem(voce);
+        }
+        r.lista->setCurrentIndex(-1);
+        griglia->addWidget(r.lista, riga, 2, 1, 3);
+    }
     m_righe.push_back(r);
-    return r.campo;
+    return m_righe.back();
 }
 
-QComboBox *TelaioMessaPunto::aggiungiLista(int indice, int parametro, const QString &sezioneVoci)
+QWidget *TelaioMessaPunto::Riga::editore() const
 {
-    if (!m_box)
-        creaBoxParametri(QStringLiteral("BOXPARAMETRI"));
-    Riga r;
-    r.indice = indice;
-    r.parametro = parametro;
-    r.etichetta = nuovaEtichetta(QStringLiteral("LabParametro"), indice);
-    r.duePunti = nuovaEtichetta(QStringLiteral("DuePunti"), indice);
-    r.duePunti->setText(QStringLiteral(":"));
-    r.misura = nuovaEtichetta(QStringLiteral("Misura"), indice);
-    r.lista = new QComboBox(m_box);
-    r.lista->setObjectName(sezioneVoci);
-    for (int n = 0;; ++n) {
-        const QString voce =
-            m_programma.lingua.LeggiTesto(sezioneVoci, sezioneVoci + QLatin1Char('.') + numero(n)).trimmed();
-        if (voce.isEmpty())
-            break;
-        r.lista->addItem(voce);
-    }
-    r.lista->setCurrentIndex(-1);
-    const int riga = m_griglia->rowCount();
-    m_griglia->addWidget(r.etichetta, riga, 0);
-    m_griglia->addWidget(r.duePunti, riga, 1);
-    m_griglia->addWidget(r.lista, riga, 2, 1, 3);
-    m_righe.push_back(r);
-    return r.lista;
+    return campo ? static_cast<QWidget *>(campo) : lista;
 }
 
 TelaioMessaPunto::Riga *TelaioMessaPunto::rigaIndice(int indice)
@@ -275,10 +289,7 @@ TelaioMessaPunto::Riga *TelaioMessaPunto::rigaIndice(int indice)
 
 const TelaioMessaPunto::Riga *TelaioMessaPunto::rigaIndice(int indice) const
 {
-    for (const Riga &r : m_righe)
-        if (r.indice == indice)
-            return &r;
-    return nullptr;
+    return const_cast<TelaioMessaPunto *>(this)->rigaIndice(indice);
 }
 
 TelaioMessaPunto::Riga *TelaioMessaPunto::rigaParametro(int parametro)
@@ -287,6 +298,11 @@ TelaioMessaPunto::Riga *TelaioMessaPunto::rigaParametro(int parametro)
         if (r.parametro == parametro)
             return &r;
     return nullptr;
+}
+
+const TelaioMessaPunto::Riga *TelaioMessaPunto::rigaParametro(int parametro) const
+{
+    return const_cast<TelaioMessaPunto *>(this)->rigaParametro(parametro);
 }
 
 CampoDato *TelaioMessaPunto::campo(int indice) const
@@ -309,16 +325,51 @@ QString TelaioMessaPunto::formato(int indice) const
     return m_programma.catalogo.Valori[static_cast<size_t>(r->parametro)].Formato;
 }
 
+QString TelaioMessaPunto::testoMostrato(int parametro) const
+{
+    if (const Riga *r = rigaParametro(parametro))
+        return r->campo ? r->campo->text().trimmed() : QString::number(r->lista->currentIndex());
+    for (const GrigliaMessaPunto *g : m_griglie)
+        if (g->modello()->contiene(parametro))
+            return g->modello()->testoDi(parametro);
+    return {};
+}
+
 QString TelaioMessaPunto::testo(const QString &chiave) const
 {
     return m_programma.lingua.LeggiTesto(m_sezione, chiave);
 }
 
+QString TelaioMessaPunto::testoComando(const QString &caption, const QString &tasto)
+{
+    return conTastoAlt(caption.trimmed()) + QStringLiteral("  (") + tasto + QLatin1Char(')');
+}
+
+void TelaioMessaPunto::aggiungiGriglia(GrigliaMessaPunto *griglia)
+{
+    m_griglie.push_back(griglia);
+}
+
+void TelaioMessaPunto::mostraRiga(int indice, bool visibile)
+{
+    Riga *r = rigaIndice(indice);
+    if (!r)
+        return;
+    for (QWidget *w :
+         {static_cast<QWidget *>(r->etichetta), static_cast<QWidget *>(r->duePunti),
+          static_cast<QWidget *>(r->misura), r->editore(), static_cast<QWidget *>(r->intervallo)}) {
+        if (!w)
+            continue;
+        w->setVisible(visibile);
+        w->setEnabled(visibile);
+    }
+}
+
 void TelaioMessaPunto::caricaTesti()
 {
     setWindowTitle(testo(QStringLiteral("CAPTION")));
-    if (m_box)
-        m_box->setTitle(testo(m_nomeBox + QStringLiteral(".CAPTION")));
+    for (const Box &b : m_box)
+        b.widget->setTitle(testo(b.nome + QStringLiteral(".CAPTION")));
     m_boxZona->setTitle(testo(QStringLiteral("BOXZONALAVORO.CAPTION")));
     m_boxDati->setTitle(testo(QStringLiteral("BOXDATI.CAPTION")));
     for (Riga &r : m_righe) {
@@ -329,89 +380,82 @@ void TelaioMessaPunto::caricaTesti()
         m_labDati[i]->setText(testo(QStringLiteral("LABDATI.") + numero(static_cast<int>(i))));
 
     const Lingua &l = m_programma.lingua;
-    m_applica->setText(conTastoAlt(l.LeggiTesto("TASTI", "APPLICA").trimmed()) + QStringLiteral("  (F2)"));
-    m_memorizza->setText(conTastoAlt(l.LeggiTesto("TASTI", "MEMORIZZA").trimmed())
-                         + QStringLiteral("  (F5)"));
-    m_ripristina->setText(conTastoAlt(l.LeggiTesto("TASTI", "RIPRISTINA").trimmed())
-                          + QStringLiteral("  (F8)"));
-    m_esci->setText(conTastoAlt(l.LeggiTesto("TASTI", "ESCI").trimmed()) + QStringLiteral("  (Esc)"));
+    m_applica->setText(testoComando(l.LeggiTesto("TASTI", "APPLICA"), QStringLiteral("F2")));
+    m_memorizza->setText(testoComando(l.LeggiTesto("TASTI", "MEMORIZZA"), QStringLiteral("F5")));
+    m_ripristina->setText(testoComando(l.LeggiTesto("TASTI", "RIPRISTINA"), QStringLiteral("F8")));
+    m_esci->setText(testoComando(l.LeggiTesto("TASTI", "ESCI"), QStringLiteral("Esc")));
     m_esciOut->setText(conTastoAlt(l.LeggiTesto("TASTI", "ESCI").trimmed()));
     caricaTestiAltrove();
 }
 
 void TelaioMessaPunto::carica()
 {
-    std::sort(m_righe.begin(), m_righe.end(),
-              [](const Riga &a, const Riga &b) { return a.indice < b.indice; });
     caricaTesti();
     // The main frame's message line, until a save is acknowledged.
     m_programma.impostaSegnalazione1(m_programma.lingua.LeggiTesto("TASTI", "ESCI"));
     // Without a line there is nothing to edit: only Esci stays useful.
     const bool aperta = m_programma.motore.PortOpen();
-    if (m_box)
-        m_box->setVisible(aperta);
+    for (const Box &b : m_box)
+        b.widget->setVisible(aperta && b.widget->isEnabled());
+    for (GrigliaMessaPunto *g : m_griglie)
+        g->setVisible(aperta);
     m_programma.datiLive.aggiungiAscoltatore(this);
     m_ascolta = true;
 
-    // Rows first, top to bottom, then the commands; the fitter starts on the first row.
+    // Rows first, top to bottom, then the grids, then the commands; the fitter starts on
+    // the first row.
     QWidget *precedente = nullptr;
+    const auto segue = [&precedente, this](QWidget *w) {
+        if (precedente)
+            setTabOrder(precedente, w);
+        precedente = w;
+    };
+    for (const Riga &r : m_righe)
+        if (r.inUso)
+            segue(r.editore());
+    for (GrigliaMessaPunto *g : m_griglie)
+        segue(g);
+    for (QWidget *w : {m_applica, m_memorizza, m_ripristina, m_esci, m_esciOut})
+        segue(w);
     for (const Riga &r : m_righe) {
-        QWidget *w = r.campo ? static_cast<QWidget *>(r.campo) : r.lista;
-        if (precedente)
-            setTabOrder(precedente, w);
-        precedente = w;
-    }
-    for (QWidget *w : {m_applica, m_memorizza, m_ripristina, m_esci, m_esciOut}) {
-        if (precedente)
-            setTabOrder(precedente, w);
-        precedente = w;
-    }
-    if (!m_righe.empty()) {
-        QWidget *primo =
-            m_righe.front().campo ? static_cast<QWidget *>(m_righe.front().campo) : m_righe.front().lista;
-        primo->setFocus(Qt::OtherFocusReason);
+        if (r.inUso) {
+            r.editore()->setFocus(Qt::OtherFocusReason);
+            break;
+        }
     }
     m_dialogo->avviaLettura();
 }
 
 void TelaioMessaPunto::mostraValore(int parametro, double valore)
 {
-    Riga *r = rigaParametro(parametro);
-    if (!r) {
-        mostraValoreAltrove(parametro, valore);
+    if (Riga *r = rigaParametro(parametro)) {
+        if (r->campo) {
+            r->campo->mostra(valore, formato(r->indice));
+        } else if (r->lista) {
+            const bool valido =
+                valore >= 0 && valore < r->lista->count() && valore == static_cast<int>(valore);
+            r->lista->setCurrentIndex(valido ? static_cast<int>(valore) : -1);
+        }
         return;
     }
-    if (r->campo) {
-        r->campo->mostra(valore, formato(r->indice));
-    } else if (r->lista) {
-        const bool valido = valore >= 0 && valore < r->lista->count() && valore == static_cast<int>(valore);
-        r->lista->setCurrentIndex(valido ? static_cast<int>(valore) : -1);
-    }
+    for (GrigliaMessaPunto *g : m_griglie)
+        g->modello()->mostraValore(parametro);
 }
 
 void TelaioMessaPunto::mostraSuggerimento(int parametro, const QString &testo)
 {
+    // A grid cell asks its entry for its range when it is shown.
     Riga *r = rigaParametro(parametro);
-    if (!r || !r->campo) {
-        mostraSuggerimentoAltrove(parametro, testo);
+    if (!r || !r->campo)
         return;
-    }
     r->campo->setToolTip(testo);
     r->intervallo->setText(QStringLiteral("(%1)").arg(testo));
 }
 
 void TelaioMessaPunto::nascondiRigheTps()
 {
-    for (int indice : m_righeTps) {
-        Riga *r = rigaIndice(indice);
-        if (!r)
-            continue;
-        for (QWidget *w : {static_cast<QWidget *>(r->etichetta), static_cast<QWidget *>(r->duePunti),
-                           static_cast<QWidget *>(r->misura), static_cast<QWidget *>(r->campo),
-                           static_cast<QWidget *>(r->lista), static_cast<QWidget *>(r->intervallo)})
-            if (w)
-                w->hide();
-    }
+    for (int indice : m_righeTps)
+        mostraRiga(indice, false);
 }
 
 void TelaioMessaPunto::bloccaCampoTps(int parametro)
@@ -442,13 +486,16 @@ void TelaioMessaPunto::abilitaPagina(bool abilitata)
     if (!abilitata)
         return;
     if (!m_fuoco) {
-        // After the opening read: the first field that can be edited.
+        // After the opening read: the first field that can be edited, else the first grid.
         for (const Riga &r : m_righe) {
-            if (r.campo && r.campo->isVisible() && !r.campo->bloccato()) {
+            if (r.campo && r.inUso && r.campo->isVisible() && !r.campo->bloccato()) {
                 m_fuoco = r.campo;
                 break;
             }
         }
+        for (GrigliaMessaPunto *g : m_griglie)
+            if (!m_fuoco && g->isVisible())
+                m_fuoco = g;
     }
     if (m_fuoco && !m_fuoco->hasFocus() && m_fuoco->isVisible() && m_fuoco->isEnabled())
         m_fuoco->setFocus(Qt::OtherFocusReason);
@@ -477,14 +524,23 @@ void TelaioMessaPunto::frameNormale(const RecordDati &record)
         m_dato[i]->setText(t.dato[i]);
     if (m_dialogo->descrizione().zonaLavoro)
         m_zonaLavoro->setText(t.zona);
+    for (GrigliaMessaPunto *g : m_griglie)
+        g->modello()->impostaPuntoVivo(record.Valore[Canale::Giri], record.Valore[Canale::Tps]);
+}
+
+void TelaioMessaPunto::confermaGriglie()
+{
+    for (GrigliaMessaPunto *g : m_griglie)
+        g->confermaModifica();
 }
 
 bool TelaioMessaPunto::ControlloValori()
 {
+    confermaGriglie();
     QWidget *primo = nullptr;
     bool validi = true;
     for (Riga &r : m_righe) {
-        if (!r.campo)
+        if (!r.campo || !r.inUso)
             continue;
         const bool valido = m_dialogo->valoreValido(r.parametro, r.campo->text());
         r.campo->segnaErrato(!valido);
@@ -494,8 +550,17 @@ bool TelaioMessaPunto::ControlloValori()
                 primo = r.campo;
         }
     }
-    if (!controlloValoriAltrove(primo))
+    // A grid out of sight is checked all the same: it is sent all the same.
+    for (GrigliaMessaPunto *g : m_griglie) {
+        const QModelIndex errata = g->modello()->controlla();
+        if (!errata.isValid())
+            continue;
         validi = false;
+        if (!primo && g->isVisible()) {
+            g->setCurrentIndex(errata);
+            primo = g;
+        }
+    }
     if (primo)
         primo->setFocus(Qt::OtherFocusReason);
     return validi;
@@ -506,28 +571,32 @@ void TelaioMessaPunto::Applica()
     if (!ControlloValori())
         return;
     for (const Riga &r : m_righe) {
+        if (!r.inUso)
+            continue;
         if (r.campo)
             m_dialogo->impostaCorrente(r.parametro, ValNumero(r.campo->text()));
         else if (r.lista)
             m_dialogo->impostaCorrente(r.parametro, r.lista->currentIndex());
     }
-    prendiValoriAltrove();
     m_dialogo->Applica();
 }
 
 void TelaioMessaPunto::Memorizza()
 {
+    confermaGriglie();
     m_dialogo->Memorizza();
     m_ripristina->setEnabled(true);
 }
 
 void TelaioMessaPunto::Ripristina()
 {
+    confermaGriglie();
     m_dialogo->Ripristina();
 }
 
 void TelaioMessaPunto::Esci()
 {
+    confermaGriglie();
     QPointer<TelaioMessaPunto> pagina(this);
     if (!m_dialogo->Esci())
         return;
@@ -545,13 +614,6 @@ void TelaioMessaPunto::Esci_Out()
     m_dialogo->EsciOut();
 }
 
-void TelaioMessaPunto::mostraValoreAltrove(int, double) {}
-void TelaioMessaPunto::mostraSuggerimentoAltrove(int, const QString &) {}
-bool TelaioMessaPunto::controlloValoriAltrove(QWidget *&)
-{
-    return true;
-}
-void TelaioMessaPunto::prendiValoriAltrove() {}
 void TelaioMessaPunto::caricaTestiAltrove() {}
 
 } // namespace kv

@@ -23,16 +23,18 @@ namespace kv {
 
 class CampoDato;
 class DialogoPagina;
+class GrigliaMessaPunto;
 class Programma;
 
-// The frame every tuning page is built on: numbered parameter rows with label, unit and
-// range, the key filter and colours of the fields, the four commands and the emergency
-// exit, the message line, and the small live panel with the working zone.
+// The frame every tuning page is built on: the boxes of numbered rows of its description
+// (label, field or list, unit and range), the key filter and colours of the fields, the
+// grids a page adds, the four commands and the emergency exit, the message line, and the
+// small live panel with the working zone.
 //
-// A page derives from it, builds its rows in its constructor (creaBoxParametri, then
-// aggiungiRiga or aggiungiLista for each index), names its TPS rows, and is then loaded
-// with carica(), which sets the captions and starts the opening read. Pages with grids
-// add their own widgets to areaPagina() and take part through the virtual hooks.
+// A page of the usual kind is this frame over its description, and needs no class of its
+// own. A page with grids derives from it, makes its grids in its constructor and hands
+// them to aggiungiGriglia(); the frame then shows, checks and follows them with the rows.
+// Either is loaded with carica(), which sets the captions and starts the opening read.
 class TelaioMessaPunto : public QWidget, protected VistaPagina, protected AscoltatoreDati
 {
     Q_OBJECT
@@ -40,9 +42,7 @@ public:
     // The question at Esci; returns the code of the key (6 Yes, 7 No, 2 Cancel, 99 none).
     using Domanda = std::function<int(const QString &testo, int flags, const QString &titolo)>;
 
-    // sezione: the page's section of the language file, its form name ("MP_Minimo").
-    TelaioMessaPunto(Programma &programma, DescrizionePagina descrizione, QString sezione,
-                     QWidget *parent = nullptr);
+    TelaioMessaPunto(Programma &programma, const DescrizionePagina &descrizione, QWidget *parent = nullptr);
     ~TelaioMessaPunto() override;
 
     // Who asks at Esci; without one, the program's message box over this page.
@@ -58,7 +58,8 @@ public:
     void Ripristina();
     void Esci();
     void Esci_Out();
-    // All fields numeric and within limits; the bad ones red, the first gets the focus.
+    // All fields and grid cells numeric and within limits; the bad ones red, the first
+    // gets the focus.
     bool ControlloValori();
 
     // Mask of field i (FormatoMinimo and its kin): the Formato of its entry, empty for an
@@ -67,6 +68,9 @@ public:
     // The edit field of row i, null if row i is not a field.
     CampoDato *campo(int indice) const;
     QComboBox *lista(int indice) const;
+    // What the page shows for an entry: a field's text, a list's selection index, a grid
+    // cell's text; empty when nothing on the page shows it.
+    QString testoMostrato(int parametro) const;
 
     DialogoPagina &dialogo() { return *m_dialogo; }
     const QString &sezione() const { return m_sezione; }
@@ -77,25 +81,21 @@ signals:
     void chiusa();
 
 protected:
-    // The box of parameter rows, captioned by the key nome + ".CAPTION" ("BOXMINIMO").
-    QGroupBox *creaBoxParametri(const QString &nome);
-    // Row i of the box: LabParametro(i), DuePunti(i), the field, Misura(i) and the range.
-    CampoDato *aggiungiRiga(int indice, int parametro);
-    // A row whose value is the selection index of a list; the items are the keys
-    // sezioneVoci + "." + n of that section, for as long as there is text.
-    QComboBox *aggiungiLista(int indice, int parametro, const QString &sezioneVoci);
-    // Rows hidden when no TPS is fitted.
-    void impostaRigheTps(std::vector<int> indici) { m_righeTps = std::move(indici); }
-    // Where a page puts widgets of its own (grids), under the parameter box.
+    // A grid of the page, placed by the page itself; the frame fills it, checks it with the
+    // rows and follows the engine on it.
+    void aggiungiGriglia(GrigliaMessaPunto *griglia);
+    // Where a page puts widgets of its own (grids), under the boxes of rows.
     QVBoxLayout *areaPagina() const { return m_area; }
+    // Row i shown or hidden with its label, colon, unit and range; hidden rows are checked
+    // and sent all the same.
+    void mostraRiga(int indice, bool visibile);
+    QPushButton *tastoApplica() const { return m_applica; }
+    QPushButton *tastoMemorizza() const { return m_memorizza; }
+    void mostraMessaggio(const QString &testo) { mostraSegnalazione(testo); }
+    QString testo(const QString &chiave) const;
+    // A command's caption with its Alt key and its function key: "&Apply  (F2)".
+    static QString testoComando(const QString &caption, const QString &tasto);
 
-    // Hooks for entries that no row shows (grid cells and the like).
-    virtual void mostraValoreAltrove(int parametro, double valore);
-    virtual void mostraSuggerimentoAltrove(int parametro, const QString &testo);
-    // Checked after the rows; the first bad widget goes in primo if none is there yet.
-    virtual bool controlloValoriAltrove(QWidget *&primo);
-    // Called by Applica after the rows have gone into Corrente.
-    virtual void prendiValoriAltrove();
     // The page's own captions, after those of the frame.
     virtual void caricaTestiAltrove();
 
@@ -118,33 +118,43 @@ private:
     {
         int indice = -1;
         int parametro = -1;
+        QGroupBox *box = nullptr;
+        bool inUso = true; // false in a box the mode hides: not checked, not taken
         QLabel *etichetta = nullptr;
         QLabel *duePunti = nullptr;
         CampoDato *campo = nullptr;
         QComboBox *lista = nullptr;
         QLabel *misura = nullptr;
         QLabel *intervallo = nullptr;
+        QWidget *editore() const;
+    };
+    struct Box
+    {
+        QString nome;
+        QGroupBox *widget = nullptr;
     };
 
+    void costruisciBox(const BoxParametri &descrizione, QGridLayout *dove, int posizione);
+    Riga &nuovaRiga(QGroupBox *box, QGridLayout *griglia, const RigaPagina &descrizione, bool inUso);
     Riga *rigaIndice(int indice);
     const Riga *rigaIndice(int indice) const;
     Riga *rigaParametro(int parametro);
-    QLabel *nuovaEtichetta(const QString &nome, int indice);
+    const Riga *rigaParametro(int parametro) const;
+    QLabel *nuovaEtichetta(QWidget *box, const QString &nome, int indice);
     void costruisciComandi();
     void costruisciPannelloLive();
     void caricaTesti();
-    QString testo(const QString &chiave) const;
+    void confermaGriglie();
 
     Programma &m_programma;
     QString m_sezione;
     std::unique_ptr<DialogoPagina> m_dialogo;
     Domanda m_domanda;
 
-    std::vector<Riga> m_righe;
+    std::vector<Riga> m_righe; // in the order of the description, box by box
+    std::vector<Box> m_box;
+    std::vector<GrigliaMessaPunto *> m_griglie;
     std::vector<int> m_righeTps;
-    QString m_nomeBox;
-    QGroupBox *m_box = nullptr;
-    QGridLayout *m_griglia = nullptr;
     QVBoxLayout *m_area = nullptr;
 
     QGroupBox *m_boxZona = nullptr;

@@ -3,6 +3,9 @@
 #include <QLabel>
 #include <QListWidget>
 
+#include <algorithm>
+#include <cmath>
+
 namespace kv {
 
 QLabel *CreaIntestazione(const QString &testo, QWidget *parent)
@@ -26,5 +29,16 @@ void DimensionaElenco(QListWidget *elenco, int righe)
     const int visibili = qMax(1, qMin(righe, elenco->count()));
     elenco->setFixedHeight(alta * visibili + 2 * elenco->frameWidth() + 2);
 }
+
+namespace Tavolozza {
+
+QColor Sfumatura(const QColor &a, const QColor &b, double t)
+{
+    const double f = std::clamp(t, 0.0, 1.0);
+    const auto mezzo = [f](int x, int y) { return static_cast<int>(std::lround(x + (y - x) * f)); };
+    return QColor(mezzo(a.red(), b.red()), mezzo(a.green(), b.green()), mezzo(a.blue(), b.blue()));
+}
+
+} // namespace Tavolozza
 
 } // namespace kv

@@ -2,7 +2,7 @@
 // to the port, the display tick on records put in by hand, and the panel on screen.
 
 #include "support/FileDiProva.h"
-#include "support/PortaEcu.h"
+#include "support/ProgrammaSimulato.h"
 
 #include "monitoring/ui/BarraStrumento.h"
 #include "monitoring/ui/Contagiri.h"
@@ -11,11 +11,8 @@
 #include "pages/ModelloStrumenti.h"
 #include "shell/Programma.h"
 
-#include <QDeadlineTimer>
-#include <QFile>
 #include <QLabel>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <cmath>
@@ -26,26 +23,11 @@ using namespace kv::sim;
 
 using M = ModelloStrumenti;
 
-class TstStrumenti : public QObject
+class TstStrumenti : public QObject, ProgrammaSimulato
 {
     Q_OBJECT
 
-    QTemporaryDir cartella;
-    std::unique_ptr<EcuSimulata> ecu;
-    std::unique_ptr<Programma> p;
-    PortaEcu *porta = nullptr;
-    TemporizzatoreManuale *req = nullptr;
     std::unique_ptr<M> modello;
-
-    bool attendi()
-    {
-        QDeadlineTimer scadenza(3000);
-        while (p->motore.StatoDialogo() != -1 && !scadenza.hasExpired())
-            QCoreApplication::processEvents();
-        return p->motore.StatoDialogo() == -1;
-    }
-
-    void voce(int parametro, int grezzo) { ImpostaVoceEcu(*ecu, p->catalogo, parametro, grezzo); }
 
     // A live record as the 'd' decoder leaves it.
     void record(double giri, double tps, double lambda, double passi, double zona, double pompa, double alim)
@@ -60,29 +42,12 @@ class TstStrumenti : public QObject
     // Loaded and read, so the record last shown is all -1.
     bool pronto() { return modello->carica() && attendi(); }
 
-    QString testo(const char *sezione, const QString &chiave)
-    {
-        return p->lingua.LeggiTesto(sezione, chiave);
-    }
-
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(
-            QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), cartella.filePath("ENGLISH.LNG")));
-    }
+    void initTestCase() { QVERIFY(preparaCartella()); }
 
     void init()
     {
-        ecu = std::make_unique<EcuSimulata>(OpzioniManuali());
-        auto pe = std::make_unique<PortaEcu>(*ecu);
-        auto r = std::make_unique<TemporizzatoreManuale>();
-        porta = pe.get();
-        req = r.get();
-        p = std::make_unique<Programma>(cartella.path(), std::move(pe), std::move(r),
-                                        std::make_unique<TemporizzatoreManuale>());
-        p->stato.EcuDaIdentificare = false;
-        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+        avvia();
         p->canali.InizializzaCanali(p->lingua);
         using namespace Par;
         for (auto [v, grezzo] : {std::pair{SogliaGiriEntrataMinimo, 1100},
@@ -105,8 +70,7 @@ private slots:
     void cleanup()
     {
         modello.reset();
-        p.reset();
-        ecu.reset();
+        chiudi();
     }
 
     void thirteenReadsFillTheSetPoints()

@@ -1,19 +1,14 @@
 // The idle page end to end: the program's serial port on a pseudo-terminal, the simulated
 // ECU at the far end with its own live stream, real timers.
 
-#include "EcuSimulata.h"
+#include "support/ProgrammaSimulato.h"
 
-#include "link/PortaSeriale.h"
 #include "pages/ui/CampoDato.h"
 #include "pages/ui/MP_Minimo.h"
-#include "shell/Programma.h"
-#include "support/PortaEcu.h"
 
-#include <QFile>
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <cmath>
@@ -21,24 +16,16 @@
 using namespace kv;
 using namespace kv::sim;
 
-class TstMpMinimoLinea : public QObject
+class TstMpMinimoLinea : public QObject, ProgrammaSimulato
 {
     Q_OBJECT
 
-    QTemporaryDir cartella;
-    std::unique_ptr<EcuSimulata> ecu;
-    std::unique_ptr<Programma> p;
     std::unique_ptr<MP_Minimo> pagina;
     QByteArrayList ricevuti; // commands the ECU took, as frames
     int rispostaEsci = 2;    // to the question at Esci
 
-    int ram(int parametro) { return CellaEcu(*ecu, p->catalogo, parametro, false); }
-    int eeprom(int parametro) { return CellaEcu(*ecu, p->catalogo, parametro, true); }
     QPushButton *tasto(const char *nome) { return pagina->findChild<QPushButton *>(nome); }
-    bool libero()
-    {
-        return QTest::qWaitFor([this] { return p->motore.StatoDialogo() == -1; }, 5000);
-    }
+    bool libero() { return attendi(5000); }
 
     // The page opened as from the menu, its opening read done.
     void apri()
@@ -62,29 +49,14 @@ class TstMpMinimoLinea : public QObject
     }
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(
-            QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), cartella.filePath("ENGLISH.LNG")));
-    }
+    void initTestCase() { QVERIFY(preparaCartella()); }
 
     void init()
     {
-        ecu = std::make_unique<EcuSimulata>();
-        QVERIFY2(ecu->apriPty(), qPrintable(ecu->erroreLinea()));
+        // The first live frame identifies the ECU; the page comes after, as from the menu.
+        QVERIFY(avviaSuLinea());
         connect(ecu.get(), &EcuSimulata::frameRicevuto, this,
                 [this](const QByteArray &f) { ricevuti.append(f); });
-        p = std::make_unique<Programma>(cartella.path(), std::make_unique<PortaSeriale>(),
-                                        std::make_unique<TemporizzatoreQt>(),
-                                        std::make_unique<TemporizzatoreQt>());
-        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        p->seriale.VelocitaCom = 38400;
-        p->dispositivoForzato = ecu->percorsoDispositivo();
-        QVERIFY(p->ApriPorta());
-        ecu->avvia();
-        // The first live frame identifies the ECU; the page comes after, as from the menu.
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 5000);
-        QVERIFY(libero());
         ricevuti.clear();
         rispostaEsci = 2;
     }
@@ -92,8 +64,7 @@ private slots:
     void cleanup()
     {
         pagina.reset();
-        p.reset();
-        ecu.reset();
+        chiudi();
     }
 
     void opensWithTwelveFramesAndTheSimulatorsValues()

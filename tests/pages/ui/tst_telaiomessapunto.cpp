@@ -3,7 +3,7 @@
 // window's menu opens them. What the page's dialogue does with the values is met in the
 // variables tests.
 
-#include "support/PortaEcu.h"
+#include "support/ProgrammaSimulato.h"
 
 #include "monitoring/ui/RegistroStrumenti.h"
 #include "monitoring/ui/Strumenti.h"
@@ -11,17 +11,13 @@
 #include "pages/ui/CampoDato.h"
 #include "pages/ui/MP_Minimo.h"
 #include "pages/ui/RegistroMessaPunto.h"
-#include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/MsgBox1.h"
 
 #include <QApplication>
-#include <QDeadlineTimer>
-#include <QFile>
 #include <QLabel>
 #include <QPushButton>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -46,32 +42,18 @@ QColor testoDi(const QWidget *w)
 
 } // namespace
 
-class TstTelaioMessaPunto : public QObject
+class TstTelaioMessaPunto : public QObject, ProgrammaSimulato
 {
     Q_OBJECT
 
-    QTemporaryDir cartella;
-    std::unique_ptr<EcuSimulata> ecu;
-    std::unique_ptr<Programma> p;
-    PortaEcu *porta = nullptr;
-    TemporizzatoreManuale *req = nullptr;
     std::unique_ptr<MP_Minimo> pagina;
     int risposta = 2; // what the question at Esci is answered
     int domande = 0;
 
-    int ram(int parametro) { return CellaEcu(*ecu, p->catalogo, parametro, false); }
     CampoDato *dato(int i) { return pagina->DatoMinimo(i); }
     QPushButton *tasto(const char *nome) { return pagina->findChild<QPushButton *>(nome); }
     QLabel *etichetta(const QString &nome) { return pagina->findChild<QLabel *>(nome); }
     QString testo(const char *chiave) { return p->lingua.LeggiTesto("SEGNALAZIONI", chiave); }
-
-    bool attendi()
-    {
-        QDeadlineTimer scadenza(3000);
-        while (p->motore.StatoDialogo() != -1 && !scadenza.hasExpired())
-            QCoreApplication::processEvents();
-        return p->motore.StatoDialogo() == -1;
-    }
 
     void apri(bool attendiLettura = true)
     {
@@ -115,23 +97,11 @@ class TstTelaioMessaPunto : public QObject
     }
 
 private slots:
-    void initTestCase()
-    {
-        QVERIFY(
-            QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), cartella.filePath("ENGLISH.LNG")));
-    }
+    void initTestCase() { QVERIFY(preparaCartella()); }
 
     void init()
     {
-        ecu = std::make_unique<EcuSimulata>(OpzioniManuali());
-        auto pe = std::make_unique<PortaEcu>(*ecu);
-        auto r = std::make_unique<TemporizzatoreManuale>();
-        porta = pe.get();
-        req = r.get();
-        p = std::make_unique<Programma>(cartella.path(), std::move(pe), std::move(r),
-                                        std::make_unique<TemporizzatoreManuale>());
-        p->stato.EcuDaIdentificare = false;
-        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+        avvia();
         risposta = 2;
         domande = 0;
         const std::pair<int, int> voci[] = {
@@ -142,14 +112,13 @@ private slots:
             {Par::SogliaLambdaMagroMinimo, 300},  {Par::SogliaLambdaRiccoMinimo, 700},
             {Par::FrequenzaControlloMinimo, 100}, {Par::PassiControlloMinimo, 7}};
         for (auto [parametro, valore] : voci)
-            ImpostaVoceEcu(*ecu, p->catalogo, parametro, valore);
+            voce(parametro, valore);
     }
 
     void cleanup()
     {
         pagina.reset();
-        p.reset();
-        ecu.reset();
+        chiudi();
     }
 
     void opensWithPaddedValuesCaptionsAndRanges()
@@ -314,8 +283,8 @@ private slots:
 
     void noTpsFittedHidesItsRowsButStillChecksThem()
     {
-        ImpostaVoceEcu(*ecu, p->catalogo, Par::TpsTaratoMassimo, 1023);
-        ImpostaVoceEcu(*ecu, p->catalogo, Par::TpsTaratoMinimo, 1023);
+        voce(Par::TpsTaratoMassimo, 1023);
+        voce(Par::TpsTaratoMinimo, 1023);
         apri();
         for (int i : {2, 3}) {
             QVERIFY(!dato(i)->isVisible());
@@ -341,7 +310,7 @@ private slots:
         QTest::keyClicks(dato(2), "9 ");
         QCOMPARE(dato(2)->text().trimmed(), QString("25"));
         QCOMPARE(sfondo(dato(2)), QColor(Qt::black));
-        ImpostaVoceEcu(*ecu, p->catalogo, Par::SogliaTpsEntrataMinimo, 0);
+        voce(Par::SogliaTpsEntrataMinimo, 0);
         tasto("Applica")->click();
         QVERIFY(attendi());
         QCOMPARE(ram(Par::SogliaTpsEntrataMinimo), 100);
