@@ -5,6 +5,7 @@
 #include "link/PortaSeriale.h"
 #include "monitoring/ui/RegistroStrumenti.h"
 #include "pages/ui/RegistroMessaPunto.h"
+#include "programming/ui/RegistroProgSW.h"
 #include "shell/Avvio.h"
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
@@ -79,6 +80,7 @@ int main(int argc, char *argv[])
     // in none of them tells the fitter it is not there yet.
     RegistraPagineMessaPunto(finestra);
     RegistraStrumenti(finestra);
+    RegistraProgSW(finestra);
 
     Avvio::esegui(programma);
     finestra.avvia();
