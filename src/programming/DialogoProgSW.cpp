@@ -94,8 +94,8 @@ SchedaSoftware DialogoProgSW::scegli(const QString &testoNodo)
 bool DialogoProgSW::preparaImmagine()
 {
     const QString &app = m_stato.PercorsoApp;
-    const QString fileSW = PercorsoFileSW(app);
-    if (!PreparaFileSW(fileSW))
+    m_fileSW = PercorsoFileSW(app);
+    if (!PreparaFileSW(m_fileSW))
         return false;
     // Only a plain file of the software folder is read: not a link, nor a path.
     if (m_nome.contains(u'/') || m_nome.contains(u'\\'))
@@ -103,7 +103,7 @@ bool DialogoProgSW::preparaImmagine()
     const QString s19 = TrovaFile(CartellaFileS19(app), m_nome + QStringLiteral(".S19"));
     if (s19.isEmpty() || !DentroRadice(s19, app) || !QFileInfo(s19).isFile())
         return false;
-    return ConvertiS19(s19, fileSW, m_stato);
+    return ConvertiS19(s19, m_fileSW, m_stato);
 }
 
 void DialogoProgSW::avviaProgrammazione()
@@ -169,7 +169,9 @@ void DialogoProgSW::risposta(char lettera, int stato, const QByteArray &payload)
 
 bool DialogoProgSW::accodaBlocco()
 {
-    const QByteArray blocco = LeggiBloccoSW(m_stato.PercorsoApp, m_numBloccoSW);
+    // LeggiBloccoSW on the path found as the flash began: the file is opened afresh for each
+    // block all the same.
+    const QByteArray blocco = LeggiBlocco(m_fileSW, m_numBloccoSW);
     if (blocco.isEmpty()) {
         bloccoIlleggibile();
         return false;
@@ -182,8 +184,7 @@ bool DialogoProgSW::accodaBlocco()
 
 void DialogoProgSW::dopoBlocco()
 {
-    const QString fileSW = PercorsoFileSW(m_stato.PercorsoApp);
-    if (NumeroBlocchi(fileSW) > m_numBloccoSW) {
+    if (NumeroBlocchi(m_fileSW) > m_numBloccoSW) {
         ++m_numBloccoSW;
         m_indirizzoProg += LunBlocco;
         m_vista.impostaBarra(m_numBloccoSW);
@@ -193,7 +194,7 @@ void DialogoProgSW::dopoBlocco()
     }
     // An image gone from the disk half-way must not end in 'F': the ECU would start a
     // software that is only partly there.
-    if (!QFileInfo::exists(fileSW)) {
+    if (!QFileInfo::exists(m_fileSW)) {
         bloccoIlleggibile();
         return;
     }

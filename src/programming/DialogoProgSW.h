@@ -95,6 +95,7 @@ private:
     VistaProgSW &m_vista;
 
     QString m_nome;
+    QString m_fileSW; // FILESW.TXT of this flash
     qint32 m_numBloccoSW = 0;
     qint32 m_indirizzoProg = 0;
 };
