@@ -5,6 +5,8 @@
 
 namespace kv {
 
+class Lingua;
+
 // The simulated ECU of the demo, on a pseudo-terminal, in a thread of its own so that the
 // windows never slow its stream down.
 class Demo
@@ -15,8 +17,9 @@ public:
     Demo(const Demo &) = delete;
     Demo &operator=(const Demo &) = delete;
 
-    // False with errore filled when the pseudo-terminal cannot be had.
-    bool avvia(QString &errore);
+    // False with errore filled when the pseudo-terminal cannot be had. Without application the
+    // ECU has only its boot loader, which sends 'g' and waits to be programmed.
+    bool avvia(QString &errore, bool applicazione = true);
     // The device the program opens in place of the port of the settings.
     QString percorso() const { return m_percorso; }
 
@@ -24,5 +27,10 @@ private:
     QThread m_thread;
     QString m_percorso;
 };
+
+// A release to flash in the demo, made from the simulator's own software with a newer vehicle
+// text: an S19 file in SOFTWARE/FILES19 and its row in SOFTWARE.MDB, put there only when the
+// folder holds no release at all. Returns the release's name, or empty when nothing was added.
+QString PreparaRilascioDemo(const QString &percorsoApp, const Lingua &lingua);
 
 } // namespace kv

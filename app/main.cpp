@@ -37,8 +37,13 @@ int main(int argc, char *argv[])
     const QCommandLineOption demo(QStringLiteral("demo"),
                                   QStringLiteral("Talk to a simulated ECU started inside the program; "
                                                  "the port in the settings is left as it is."));
+    const QCommandLineOption demoSenzaApplicazione(
+        QStringLiteral("demo-no-application"),
+        QStringLiteral("Like --demo, with a simulated ECU that has no application yet: only its boot loader "
+                       "runs, sending 'g' frames, until it is programmed."));
     opzioni.addOption(home);
     opzioni.addOption(demo);
+    opzioni.addOption(demoSenzaApplicazione);
     opzioni.process(app);
 
     const QString cartellaEseguibile = QCoreApplication::applicationDirPath();
@@ -58,9 +63,10 @@ int main(int argc, char *argv[])
 
     // Made before the program object, so that it outlives the port that talks to it.
     Demo ecuDemo;
-    if (opzioni.isSet(demo)) {
+    const bool inDemo = opzioni.isSet(demo) || opzioni.isSet(demoSenzaApplicazione);
+    if (inDemo) {
         QString errore;
-        if (!ecuDemo.avvia(errore)) {
+        if (!ecuDemo.avvia(errore, !opzioni.isSet(demoSenzaApplicazione))) {
             std::fprintf(stderr, "korvantine: the simulated ECU cannot start: %s\n", qPrintable(errore));
             return 1;
         }
@@ -83,6 +89,9 @@ int main(int argc, char *argv[])
     RegistraProgSW(finestra);
 
     Avvio::esegui(programma);
+    // Something to flash into the simulated ECU, when the home has no release of its own.
+    if (inDemo)
+        PreparaRilascioDemo(programma.stato.PercorsoApp, programma.lingua);
     finestra.avvia();
     return app.exec();
 }

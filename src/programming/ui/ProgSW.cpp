@@ -127,7 +127,7 @@ ProgSW::ProgSW(kv::Programma &programma, QWidget *parent)
         auto *s = new QShortcut(QKeySequence(tasto), this);
         s->setContext(Qt::WindowShortcut);
         connect(s, &QShortcut::activated, this, [this, b] {
-            if (isEnabled() && b->isEnabled() && b->isVisible())
+            if (b->isEnabled() && b->isVisible())
                 b->click();
         });
     };
@@ -234,7 +234,10 @@ void ProgSW::abilitaPagina(bool abilitata)
         QWidget *f = QApplication::focusWidget();
         m_fuoco = f && isAncestorOf(f) ? f : nullptr;
     }
-    setEnabled(abilitata);
+    // Everything the fitter could act on; the bar and the message line stay readable.
+    for (QWidget *w : {static_cast<QWidget *>(m_boxProg), static_cast<QWidget *>(m_tastoProgramma),
+                       static_cast<QWidget *>(m_tastoEsci)})
+        w->setEnabled(abilitata);
     if (!abilitata)
         return;
     QWidget *fuoco = m_fuoco ? m_fuoco.data() : m_lSoftware;

@@ -18,6 +18,7 @@
 #include <QDir>
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeWidget>
@@ -92,13 +93,15 @@ private slots:
         QCOMPARE(barra->maximum(), 220);
         QTest::keyClick(lista, Qt::Key_F2);
         QCOMPARE(p.motore.StatoDialogo(), qint16(DialogoProgSW::StatoInizio));
-        QVERIFY(!pagina->isEnabled() && barra->isVisible());
+        auto *programma = pagina->findChild<QPushButton *>("Programma");
+        auto *esci = pagina->findChild<QPushButton *>("Esci");
+        QVERIFY(!lista->isEnabled() && !programma->isEnabled() && !esci->isEnabled() && barra->isVisible());
         QDeadlineTimer scadenza(10000);
         while (p.motore.StatoDialogo() != -1 && !scadenza.hasExpired())
             QCoreApplication::processEvents();
         QCOMPARE(pagina->findChild<QLabel *>("Segnalazione1")->text(),
                  p.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_12"));
-        QVERIFY(pagina->isEnabled() && barra->isHidden());
+        QVERIFY(lista->isEnabled() && programma->isEnabled() && esci->isEnabled() && barra->isHidden());
         QByteArray attesa = ImmagineDiProva(9);
         attesa.replace(0x40, 28, QByteArray(28, ' ')); // no version reply was ever read
         QCOMPARE(ecu.leggiMemoria(0xC000, 0x3700), attesa);
