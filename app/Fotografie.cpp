@@ -1,5 +1,5 @@
-// korvantine-pictures DIR: the main menu, the ECU version page, the port page, the idle page
-// and the instruments, rendered to PNG files in DIR against the simulated ECU, in English, as
+// korvantine-pictures DIR: the main menu, the ECU version page, the port page, the idle page,
+// the instruments and the software programming page half-way through a flash, rendered to PNG files in DIR against the simulated ECU, in English, as
 // a fitter sees them at 1024x768.
 // Run it with the offscreen platform (scripts/pictures.sh does).
 
@@ -10,6 +10,7 @@
 #include "link/PortaSeriale.h"
 #include "monitoring/ui/RegistroStrumenti.h"
 #include "pages/ui/RegistroMessaPunto.h"
+#include "programming/ui/RegistroProgSW.h"
 #include "shell/Avvio.h"
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
@@ -18,8 +19,10 @@
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QThread>
+#include <QTreeWidget>
 
 #include <cstdio>
 #include <functional>
@@ -96,7 +99,9 @@ int main(int argc, char *argv[])
     Korvantine finestra(programma);
     RegistraPagineMessaPunto(finestra);
     RegistraStrumenti(finestra);
+    RegistraProgSW(finestra);
     Avvio::esegui(programma);
+    PreparaRilascioDemo(programma.stato.PercorsoApp, programma.lingua);
     finestra.avvia();
     finestra.showNormal();
     finestra.resize(1024, 768);
@@ -136,6 +141,16 @@ int main(int argc, char *argv[])
         attendi(linkLibero, 5000);
         pausa(1500);
         ok &= salva(finestra, cartella, QStringLiteral("strumenti.png"));
+    }
+    // The demo's release chosen and some way into its flash.
+    if (QWidget *pagina = finestra.apriPagina(IdPagina::ProgSW)) {
+        if (auto *lista = pagina->findChild<QTreeWidget *>(QStringLiteral("LSoftware"));
+            lista && lista->topLevelItemCount() > 0)
+            lista->setCurrentItem(lista->topLevelItem(0));
+        if (auto *tasto = pagina->findChild<QPushButton *>(QStringLiteral("Programma")))
+            tasto->click();
+        pausa(8000);
+        ok &= salva(finestra, cartella, QStringLiteral("progsw.png"));
     }
     return ok ? 0 : 1;
 }
