@@ -1,7 +1,7 @@
 // ProgSW's dialogue against the simulated ECU wired straight to the program's port: the
 // release list and its archive card, what stops a flash before anything is sent, the whole
 // flash from an ECU with and without application, and every way it can fail, each followed
-// by a flash that goes through. Time-outs fire by hand.
+// by a flash that goes through. Time-outs fire by hand, except on the pseudo-terminal.
 
 #include "support/FileDiProva.h"
 #include "support/PortaEcu.h"
@@ -10,6 +10,7 @@
 
 #include "archives/Archivio.h"
 #include "link/Frame.h"
+#include "link/PortaSeriale.h"
 #include "programming/DialogoProgSW.h"
 #include "programming/ImmagineS19.h"
 #include "shell/Programma.h"
@@ -391,6 +392,62 @@ private slots:
             QVERIFY(p->porta.PortOpen());
         }
         flashRiuscito();
+    }
+
+    // The same through the program's serial port on a pseudo-terminal, with real timers and
+    // the ECU's own live stream.
+    void onAPseudoTerminal_data()
+    {
+        QTest::addColumn<bool>("applicazione");
+        QTest::addColumn<int>("caduta"); // the block where the line drops on the first try, 0 none
+        QTest::newRow("ECU with only its boot loader") << false << 0;
+        QTest::newRow("line dropped at block 100, then again") << true << 100;
+    }
+
+    void onAPseudoTerminal()
+    {
+        QFETCH(bool, applicazione);
+        QFETCH(int, caduta);
+        OpzioniEcu o;
+        o.applicazionePresente = applicazione;
+        EcuSimulata simulata(o);
+        QVERIFY2(simulata.apriPty(), qPrintable(simulata.erroreLinea()));
+        Programma pr(app(), std::make_unique<PortaSeriale>(), std::make_unique<TemporizzatoreQt>(),
+                     std::make_unique<TemporizzatoreQt>());
+        pr.lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+        pr.seriale.VelocitaCom = 38400;
+        pr.dispositivoForzato = simulata.percorsoDispositivo();
+        QVERIFY(pr.ApriPorta());
+        simulata.avvia();
+        QTRY_VERIFY_WITH_TIMEOUT(applicazione ? !pr.stato.EcuDaIdentificare : !pr.stato.EcuNormale, 5000);
+        QTRY_COMPARE_WITH_TIMEOUT(pr.motore.StatoDialogo(), qint16(-1), 5000);
+
+        VistaFinta v;
+        DialogoProgSW dialogo(pr.motore, pr.stato, pr.lingua, v);
+        dialogo.scegli(QStringLiteral("NEWREL"));
+        const auto ultima = [&v] { return v.segnalazioni.value(v.segnalazioni.size() - 1); };
+        const auto segnalazione = [&pr](int n) {
+            return pr.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_" + QString::number(n));
+        };
+        if (caduta) {
+            simulata.impostaCadutaAlBlocco(caduta, 500);
+            dialogo.avviaProgrammazione();
+            // The ECU goes silent and comes back; the block waits its 3 s and the flash ends.
+            QTRY_COMPARE_WITH_TIMEOUT(ultima(), segnalazione(10), 6000);
+            QCOMPARE(dialogo.NumBloccoSW(), caduta);
+            QVERIFY(v.abilitata && !v.barraVisibile);
+        }
+        dialogo.avviaProgrammazione();
+        QTRY_COMPARE_WITH_TIMEOUT(ultima(), segnalazione(12), 10000);
+        const QByteArray id = (pr.stato.InfCodice + pr.stato.InfDatoA + pr.stato.InfDatoB).toLatin1();
+        QCOMPARE(simulata.leggiMemoria(0xC000, 0x3700), ImmagineDiProva().replace(0x40, 28, id));
+        if (!applicazione) {
+            QCOMPARE(id, QByteArray(28, ' '));
+            // The new software runs: the ECU that had none is identified, with the new image's
+            // version reply.
+            QTRY_VERIFY_WITH_TIMEOUT(!pr.stato.EcuDaIdentificare && pr.stato.EcuNormale, 5000);
+            QCOMPARE(pr.stato.InfVeicolo, QStringLiteral("NEW-REL   "));
+        }
     }
 
     void imageDeletedHalfWayEndsWithoutF()
