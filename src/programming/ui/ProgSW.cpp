@@ -126,7 +126,7 @@ ProgSW::ProgSW(kv::Programma &programma, QWidget *parent)
         // The page sees the key before the list does; a command that is off ignores it.
         auto *s = new QShortcut(QKeySequence(tasto), this);
         s->setContext(Qt::WindowShortcut);
-        connect(s, &QShortcut::activated, this, [this, b] {
+        connect(s, &QShortcut::activated, this, [b] {
             if (b->isEnabled() && b->isVisible())
                 b->click();
         });
