@@ -2,7 +2,8 @@
 // the simulated ECU in a thread of its own with every byte paced as on a real line, at 38400
 // and 9600 baud. Prints, over several runs, the time from the first byte of 'I' to the last
 // byte of the reply to 'F' against the time the 222 frames and their replies need on the wire
-// (ten bits a byte), and the turnaround between a reply and the next block.
+// (ten bits a byte), and the turnaround between a reply and the next block. Then the same with
+// the ECU wired straight to the program's port: what is left is the program's own share.
 //
 // Usage: bench_flash [runs at 38400] [runs at 9600]   (default 5 and 3)
 
@@ -14,6 +15,7 @@
 #include "link/PortaSeriale.h"
 #include "programming/DialogoProgSW.h"
 #include "shell/Programma.h"
+#include "support/PortaEcu.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -109,6 +111,7 @@ struct Esito
     double ritardoMedio = 0;
     double programmaMediano = 0; // the program's own time, last byte of a reply in to the next request out
     double programmaMedio = 0;
+    double programmaTotale = 0; // s
     double flusso = 0;
 };
 
@@ -117,32 +120,34 @@ struct Esito
 class PortaCronometrata : public Porta
 {
 public:
-    explicit PortaCronometrata(const QElapsedTimer &orologio) : m_orologio(orologio)
+    PortaCronometrata(std::unique_ptr<Porta> porta, const QElapsedTimer &orologio)
+        : m_porta(std::move(porta))
+        , m_orologio(orologio)
     {
-        connect(&m_porta, &Porta::arrivati, this, [this](const QByteArray &b) {
+        connect(m_porta.get(), &Porta::arrivati, this, [this](const QByteArray &b) {
             m_arrivo = ms();
             emit arrivati(b);
         });
-        connect(&m_porta, &Porta::persa, this, &Porta::persa);
+        connect(m_porta.get(), &Porta::persa, this, &Porta::persa);
     }
-    bool apri(const ImpostazioniPorta &i) override { return m_porta.apri(i); }
-    void chiudi() override { m_porta.chiudi(); }
-    bool PortOpen() const override { return m_porta.PortOpen(); }
+    bool apri(const ImpostazioniPorta &i) override { return m_porta->apri(i); }
+    void chiudi() override { m_porta->chiudi(); }
+    bool PortOpen() const override { return m_porta->PortOpen(); }
     bool scrivi(const QByteArray &bytes) override
     {
-        const bool ok = m_porta.scrivi(bytes);
+        const bool ok = m_porta->scrivi(bytes);
         if (misura && m_arrivo >= 0)
             tempi.push_back(ms() - m_arrivo);
         return ok;
     }
-    QString descrizioneErrore() const override { return m_porta.descrizioneErrore(); }
+    QString descrizioneErrore() const override { return m_porta->descrizioneErrore(); }
 
     bool misura = false;
     std::vector<double> tempi;
 
 private:
     double ms() const { return static_cast<double>(m_orologio.nsecsElapsed()) / 1e6; }
-    PortaSeriale m_porta;
+    std::unique_ptr<Porta> m_porta;
     const QElapsedTimer &m_orologio;
     double m_arrivo = -1;
 };
@@ -150,7 +155,9 @@ private:
 class Banco
 {
 public:
-    Banco(int baud, const QString &home) : m_baud(baud), m_home(home)
+    // diretto: the ECU in the program's own thread, wired straight to its port, without the
+    // pseudo-terminal and the kernel's work between the two ends of it.
+    Banco(int baud, const QString &home, bool diretto) : m_baud(baud), m_home(home), m_diretto(diretto)
     {
         OpzioniEcu opzioni;
         opzioni.baud = baud;
@@ -163,12 +170,22 @@ public:
     {
         if (m_programma)
             m_programma->porta.chiudi();
+        if (m_diretto) {
+            m_programma.reset();
+            delete m_ecu;
+            return;
+        }
         m_filo.quit();
         m_filo.wait();
     }
 
     bool avvia()
     {
+        if (m_diretto) {
+            osserva();
+            m_ecu->avvia();
+            return apriProgramma(std::make_unique<PortaEcu>(*m_ecu));
+        }
         if (!m_ecu->apriPty()) {
             std::fprintf(stderr, "cannot open a pseudo-terminal: %s\n", qPrintable(m_ecu->erroreLinea()));
             return false;
@@ -185,7 +202,12 @@ public:
                              "no real-time scheduling for the simulated ECU: its own delays count too\n");
         });
 
-        auto porta = std::make_unique<PortaCronometrata>(m_orologio);
+        return apriProgramma(std::make_unique<PortaSeriale>());
+    }
+
+    bool apriProgramma(std::unique_ptr<Porta> interna)
+    {
+        auto porta = std::make_unique<PortaCronometrata>(std::move(interna), m_orologio);
         m_porta = porta.get();
         m_programma =
             std::make_unique<Programma>(m_home, std::move(porta), std::make_unique<TemporizzatoreQt>(),
@@ -246,6 +268,7 @@ public:
             m_porta->tempi.erase(m_porta->tempi.begin());
         e.programmaMediano = mediana(m_porta->tempi);
         e.programmaMedio = media(m_porta->tempi);
+        e.programmaTotale = e.programmaMedio * static_cast<double>(m_porta->tempi.size()) / 1000.0;
         e.riuscito = vista.ultima == m_programma->lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_12");
         // The last byte of the reply reaches the program just after the ECU has sent it.
         QThread::msleep(5);
@@ -329,6 +352,7 @@ private:
 
     int m_baud;
     QString m_home;
+    bool m_diretto;
     EcuSimulata *m_ecu;
     QThread m_filo;
     std::unique_ptr<Programma> m_programma;
@@ -338,18 +362,19 @@ private:
     QByteArray m_uscita;
 };
 
-bool misura(int baud, int corse, const QString &home)
+bool misura(int baud, int corse, const QString &home, bool diretto)
 {
-    Banco banco(baud, home);
+    Banco banco(baud, home, diretto);
     if (!banco.avvia())
         return false;
-    std::vector<double> rapporti, secondi, giri, giri99;
+    std::vector<double> rapporti, secondi, giri, giri99, propri;
     double filo = 0;
     for (int i = 0; i < corse; ++i) {
         const Esito e = banco.flash();
         if (!e.riuscito)
             return false;
         rapporti.push_back(e.secondi / e.filo);
+        propri.push_back((e.filo + e.programmaTotale) / e.filo);
         secondi.push_back(e.secondi);
         giri.push_back(e.giroMediano);
         giri99.push_back(e.giroP99);
@@ -368,11 +393,11 @@ bool misura(int baud, int corse, const QString &home)
     }
     std::printf("%d baud: 222 frames and replies need %.3f s on the wire; flash median %.3f s "
                 "(min %.3f, max %.3f); ratio median %.4f (min %.4f, max %.4f); turnaround median "
-                "%.3f ms\n",
+                "%.3f ms; the wire plus the program's own time alone, ratio %.4f\n",
                 baud, filo, mediana(secondi), *std::min_element(secondi.begin(), secondi.end()),
                 *std::max_element(secondi.begin(), secondi.end()), mediana(rapporti),
                 *std::min_element(rapporti.begin(), rapporti.end()),
-                *std::max_element(rapporti.begin(), rapporti.end()), mediana(giri));
+                *std::max_element(rapporti.begin(), rapporti.end()), mediana(giri), mediana(propri));
     std::fflush(stdout);
     return true;
 }
@@ -399,10 +424,14 @@ int main(int argc, char *argv[])
         return 1;
     s19.close();
 
-    std::printf("full flash, 'I' + 220 blocks + 'F', bytes paced at the line speed\n");
-    for (const auto &[baud, corse] : {std::pair{38400, corse38400}, std::pair{9600, corse9600}}) {
-        if (!misura(baud, corse, home.path()))
-            return 1;
+    for (const bool diretto : {false, true}) {
+        std::printf("full flash, 'I' + 220 blocks + 'F', bytes paced at the line speed, %s\n",
+                    diretto ? "the ECU wired straight to the program's port"
+                            : "over a pseudo-terminal through the program's serial port code");
+        for (const auto &[baud, corse] : {std::pair{38400, corse38400}, std::pair{9600, corse9600}}) {
+            if (!misura(baud, corse, home.path(), diretto))
+                return 1;
+        }
     }
     return 0;
 }
