@@ -1,6 +1,17 @@
 #include "Demo.h"
 
 #include "EcuSimulata.h"
+#include "FileS19.h"
+#include "MappaMemoria.h"
+
+#include "archives/Archivio.h"
+#include "archives/Cartelle.h"
+#include "base/FileSystem.h"
+#include "base/Lingua.h"
+#include "programming/DialogoProgSW.h"
+
+#include <QFileInfo>
+#include <QSaveFile>
 
 namespace kv {
 
@@ -19,9 +30,13 @@ Demo::~Demo()
     }
 }
 
-bool Demo::avvia(QString &errore)
+bool Demo::avvia(QString &errore, bool applicazione)
 {
-    return avvia(errore, OpzioniEcu{});
+    OpzioniEcu opzioni;
+    opzioni.applicazionePresente = applicazione;
+    // Bytes at the pace of a real line, so that a flash takes the time it takes in the workshop.
+    opzioni.cadenzaReale = true;
+    return avvia(errore, opzioni);
 }
 
 bool Demo::avvia(QString &errore, const OpzioniEcu &opzioni,
@@ -42,6 +57,38 @@ bool Demo::avvia(QString &errore, const OpzioniEcu &opzioni,
     m_thread.start();
     QMetaObject::invokeMethod(ecu, &EcuSimulata::avvia, Qt::QueuedConnection);
     return true;
+}
+
+QString PreparaRilascioDemo(const QString &percorsoApp, const Lingua &lingua)
+{
+    if (!ElencoSoftware(percorsoApp).isEmpty())
+        return {};
+    const QString nome = QStringLiteral("KVSIM_R2");
+    StringheVersione versione;
+    versione.veicolo = "KV-SIM R2 ";
+    versione.data = "2025-06-01";
+    const QString percorso = CartellaFileS19(percorsoApp) + u'/' + nome + QStringLiteral(".S19");
+    if (!DentroRadice(percorso, percorsoApp) || QFileInfo(percorso).isSymLink())
+        return {};
+    QSaveFile file(percorso);
+    const QByteArray testo = TestoS19(ImmagineSoftware(versione), quint16(MappaMemoria::InizioSoftware));
+    if (!file.open(QIODevice::WriteOnly) || file.write(testo) != testo.size() || !file.commit())
+        return {};
+
+    // The card is a courtesy: without it the release is listed and flashed all the same.
+    Archivio db;
+    if (ApriArchivioSoftware(PercorsoFile(percorsoApp, FileArchivi::CartellaSoftware),
+                             FileArchivi::FileSoftware, db)
+        != 0) {
+        RigaArchivio riga = db.NuovaRiga();
+        riga.Imposta(u"NomeSW", nome);
+        riga.Imposta(u"Versione", QStringLiteral("2.0"));
+        riga.Imposta(u"NOTE",
+                     lingua.LeggiTesto(QStringLiteral("ProgSW"), QStringLiteral("DEMO.NOTE")).trimmed());
+        db.Salva(riga);
+        ChiudiArchivioSoftware(db);
+    }
+    return nome;
 }
 
 } // namespace kv

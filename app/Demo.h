@@ -12,6 +12,8 @@ struct OpzioniEcu;
 
 namespace kv {
 
+class Lingua;
+
 // The simulated ECU of the demo, on a pseudo-terminal, in a thread of its own so that the
 // windows never slow its stream down.
 class Demo
@@ -22,8 +24,9 @@ public:
     Demo(const Demo &) = delete;
     Demo &operator=(const Demo &) = delete;
 
-    // False with errore filled when the pseudo-terminal cannot be had.
-    bool avvia(QString &errore);
+    // False with errore filled when the pseudo-terminal cannot be had. Without application the
+    // ECU has only its boot loader, which sends 'g' and waits to be programmed.
+    bool avvia(QString &errore, bool applicazione = true);
     // The same with options of one's own (the benchmarks pace the bytes); prepara sees the
     // ECU before it leaves for its thread, to hook to its signals with direct connections.
     bool avvia(QString &errore, const sim::OpzioniEcu &opzioni,
@@ -35,5 +38,10 @@ private:
     QThread m_thread;
     QString m_percorso;
 };
+
+// A release to flash in the demo, made from the simulator's own software with a newer vehicle
+// text: an S19 file in SOFTWARE/FILES19 and its row in SOFTWARE.MDB, put there only when the
+// folder holds no release at all. Returns the release's name, or empty when nothing was added.
+QString PreparaRilascioDemo(const QString &percorsoApp, const Lingua &lingua);
 
 } // namespace kv

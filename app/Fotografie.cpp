@@ -19,6 +19,7 @@
 #include "programming/ui/ProgMappe.h"
 #include "programming/ui/ReadMappe.h"
 #include "programming/ui/RegistroMappe.h"
+#include "programming/ui/RegistroProgSW.h"
 #include "shell/Avvio.h"
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
@@ -30,8 +31,10 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QThread>
+#include <QTreeWidget>
 
 #include <cstdio>
 #include <functional>
@@ -109,7 +112,9 @@ int main(int argc, char *argv[])
     RegistraPagineMessaPunto(finestra);
     RegistraStrumenti(finestra);
     RegistraPagineMappe(finestra);
+    RegistraProgSW(finestra);
     Avvio::esegui(programma);
+    PreparaRilascioDemo(programma.stato.PercorsoApp, programma.lingua);
     finestra.avvia();
     finestra.showNormal();
     finestra.resize(1024, 768);
@@ -215,6 +220,16 @@ int main(int argc, char *argv[])
         pausa(23000);
         ok &= salva(finestra, cartella, QStringLiteral("grafici.png"));
         grafici->barra().comando(QStringLiteral("FINE"));
+    }
+    // The demo's release chosen and some way into its flash.
+    if (QWidget *pagina = finestra.apriPagina(IdPagina::ProgSW)) {
+        if (auto *lista = pagina->findChild<QTreeWidget *>(QStringLiteral("LSoftware"));
+            lista && lista->topLevelItemCount() > 0)
+            lista->setCurrentItem(lista->topLevelItem(0));
+        if (auto *tasto = pagina->findChild<QPushButton *>(QStringLiteral("Programma")))
+            tasto->click();
+        pausa(8000);
+        ok &= salva(finestra, cartella, QStringLiteral("progsw.png"));
     }
     return ok ? 0 : 1;
 }

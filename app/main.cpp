@@ -6,6 +6,7 @@
 #include "monitoring/ui/RegistroStrumenti.h"
 #include "pages/ui/RegistroMessaPunto.h"
 #include "programming/ui/RegistroMappe.h"
+#include "programming/ui/RegistroProgSW.h"
 #include "shell/Avvio.h"
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
@@ -37,8 +38,13 @@ int main(int argc, char *argv[])
     const QCommandLineOption demo(QStringLiteral("demo"),
                                   QStringLiteral("Talk to a simulated ECU started inside the program; "
                                                  "the port in the settings is left as it is."));
+    const QCommandLineOption demoSenzaApplicazione(
+        QStringLiteral("demo-no-application"),
+        QStringLiteral("Like --demo, with a simulated ECU that has no application yet: only its boot loader "
+                       "runs, sending 'g' frames, until it is programmed."));
     opzioni.addOption(home);
     opzioni.addOption(demo);
+    opzioni.addOption(demoSenzaApplicazione);
     opzioni.process(app);
 
     const QString cartellaEseguibile = QCoreApplication::applicationDirPath();
@@ -58,9 +64,10 @@ int main(int argc, char *argv[])
 
     // Made before the program object, so that it outlives the port that talks to it.
     Demo ecuDemo;
-    if (opzioni.isSet(demo)) {
+    const bool inDemo = opzioni.isSet(demo) || opzioni.isSet(demoSenzaApplicazione);
+    if (inDemo) {
         QString errore;
-        if (!ecuDemo.avvia(errore)) {
+        if (!ecuDemo.avvia(errore, !opzioni.isSet(demoSenzaApplicazione))) {
             std::fprintf(stderr, "korvantine: the simulated ECU cannot start: %s\n", qPrintable(errore));
             return 1;
         }
@@ -81,8 +88,12 @@ int main(int argc, char *argv[])
     RegistraPagineMessaPunto(finestra);
     RegistraStrumenti(finestra);
     RegistraPagineMappe(finestra);
+    RegistraProgSW(finestra);
 
     Avvio::esegui(programma);
+    // Something to flash into the simulated ECU, when the home has no release of its own.
+    if (inDemo)
+        PreparaRilascioDemo(programma.stato.PercorsoApp, programma.lingua);
     finestra.avvia();
     return app.exec();
 }

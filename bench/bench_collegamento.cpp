@@ -3,6 +3,7 @@
 // ECU to the first byte of the next request reaching it) and how close 500 single-value
 // reads come to the time their bytes need on the wire.
 #include "EcuSimulata.h"
+#include "Sveglia.h"
 #include "link/PortaSeriale.h"
 #include "shell/Programma.h"
 
@@ -121,6 +122,11 @@ int main(int argc, char *argv[])
     QObject::connect(&filo, &QThread::finished, ecu, &QObject::deleteLater);
     filo.start();
     QMetaObject::invokeMethod(ecu, &EcuSimulata::avvia, Qt::QueuedConnection);
+    // The ECU keeps its time as a real one does, whatever else the machine is doing.
+    QMetaObject::invokeMethod(ecu, [] {
+        if (!PrioritaReale())
+            std::fprintf(stderr, "no real-time scheduling for the simulated ECU: its own delays count too\n");
+    });
 
     QTemporaryDir cartella;
     Programma p(cartella.path(), std::make_unique<PortaSeriale>(), std::make_unique<TemporizzatoreQt>(),

@@ -2,6 +2,7 @@
 
 #include "LineaDispositivo.h"
 #include "LineaPty.h"
+#include "Sveglia.h"
 
 #include "link/Frame.h"
 #include "variables/Conversioni.h"
@@ -55,8 +56,8 @@ EcuSimulata::EcuSimulata(const OpzioniEcu &opzioni, QObject *parent)
     , m_motore(opzioni.seme, opzioni.durataCicloMs)
     , m_iniettore(opzioni.seme ^ 0x5A5A5A5Au)
     , m_timerFlusso(new QTimer(this))
-    , m_timerCadenza(new QTimer(this))
-    , m_timerRicezione(new QTimer(this))
+    , m_svegliaTx(new Sveglia(this))
+    , m_svegliaRx(new Sveglia(this))
     , m_timerSalvataggio(new QTimer(this))
 {
     m_iniettore.guasti() = opzioni.guasti;
@@ -69,12 +70,8 @@ EcuSimulata::EcuSimulata(const OpzioniEcu &opzioni, QObject *parent)
 
     m_timerFlusso->setTimerType(Qt::PreciseTimer);
     connect(m_timerFlusso, &QTimer::timeout, this, &EcuSimulata::tick);
-    m_timerCadenza->setTimerType(Qt::PreciseTimer);
-    m_timerCadenza->setInterval(1);
-    connect(m_timerCadenza, &QTimer::timeout, this, &EcuSimulata::cadenza);
-    m_timerRicezione->setTimerType(Qt::PreciseTimer);
-    m_timerRicezione->setSingleShot(true);
-    connect(m_timerRicezione, &QTimer::timeout, this, &EcuSimulata::ricezioneCadenzata);
+    connect(m_svegliaTx, &Sveglia::suonata, this, &EcuSimulata::cadenza);
+    connect(m_svegliaRx, &Sveglia::suonata, this, &EcuSimulata::ricezioneCadenzata);
     m_timerSalvataggio->setSingleShot(true);
     m_timerSalvataggio->setInterval(AttesaSalvataggioMs);
     connect(m_timerSalvataggio, &QTimer::timeout, this, &EcuSimulata::salvaMemoria);
@@ -130,7 +127,7 @@ void EcuSimulata::riaggancia()
 {
     m_riagganciato = true;
     m_codaTx.clear();
-    m_timerCadenza->stop();
+    m_svegliaTx->ferma();
     if (m_linea)
         m_linea->chiudi();
     emit lineaChiusa(QStringLiteral("hang-up"));
@@ -345,24 +342,28 @@ void EcuSimulata::riceviDati(const QByteArray &bytes)
     }
     // The pty hands over a whole request at once; a real line takes ten bits a byte, so a
     // request is heard only when its last byte would have arrived.
-    const qint64 adessoUs = m_orologio.nsecsElapsed() / 1000;
-    const qint64 inizioUs = std::max(adessoUs, m_fineRxUs);
-    m_fineRxUs = inizioUs + bytes.size() * 10'000'000LL / m_opzioni.baud;
-    m_codaRx.push_back({m_fineRxUs, bytes});
-    if (!m_timerRicezione->isActive())
-        m_timerRicezione->start(int((m_codaRx.front().fineUs - adessoUs + 999) / 1000));
+    const qint64 adesso = Sveglia::adessoNs();
+    m_fineRxNs = std::max(adesso, m_fineRxNs) + durataNs(bytes.size());
+    m_codaRx.push_back({m_fineRxNs, bytes});
+    if (!m_svegliaRx->attiva())
+        m_svegliaRx->puntaA(m_codaRx.front().fineNs);
 }
 
 void EcuSimulata::ricezioneCadenzata()
 {
-    const qint64 adessoUs = m_orologio.nsecsElapsed() / 1000;
-    while (!m_codaRx.empty() && m_codaRx.front().fineUs <= adessoUs) {
+    const qint64 adesso = Sveglia::adessoNs();
+    while (!m_codaRx.empty() && m_codaRx.front().fineNs <= adesso) {
         const QByteArray bytes = m_codaRx.front().byte;
         m_codaRx.pop_front();
         elaboraRicevuti(bytes);
     }
     if (!m_codaRx.empty())
-        m_timerRicezione->start(int((m_codaRx.front().fineUs - adessoUs + 999) / 1000));
+        m_svegliaRx->puntaA(m_codaRx.front().fineNs);
+}
+
+qint64 EcuSimulata::durataNs(qint64 byte) const
+{
+    return byte * 10'000'000'000LL / qMax(1, m_opzioni.baud);
 }
 
 void EcuSimulata::elaboraRicevuti(const QByteArray &bytes)
@@ -570,27 +571,30 @@ void EcuSimulata::accoda(const QByteArray &bytes)
         return;
     }
     if (m_codaTx.isEmpty()) {
-        m_inizioCadenzaMs = m_orologio.elapsed();
+        // An idle line: the first byte starts now.
+        m_inizioTxNs = Sveglia::adessoNs();
         m_byteCadenzati = 0;
     }
     m_codaTx.append(bytes);
-    if (!m_timerCadenza->isActive())
-        m_timerCadenza->start();
+    if (!m_svegliaTx->attiva())
+        m_svegliaTx->puntaA(m_inizioTxNs + durataNs(m_byteCadenzati + 1));
 }
 
 void EcuSimulata::cadenza()
 {
-    // Ten bits a byte: start, eight data, stop.
-    const qint64 trascorsi = m_orologio.elapsed() - m_inizioCadenzaMs;
-    const qint64 dovuti = trascorsi * m_opzioni.baud / 10 / 1000 - m_byteCadenzati;
+    // A byte leaves when its stop bit is through, counted from the start of the run, so a
+    // late wake-up costs the bytes after it nothing.
+    const qint64 trascorsi = Sveglia::adessoNs() - m_inizioTxNs;
+    const qint64 dovuti = std::min<qint64>(
+        trascorsi * qMax(1, m_opzioni.baud) / 10'000'000'000LL - m_byteCadenzati, m_codaTx.size());
     if (dovuti > 0) {
         const QByteArray pezzo = m_codaTx.left(dovuti);
         m_codaTx.remove(0, pezzo.size());
         m_byteCadenzati += pezzo.size();
         scriviLinea(pezzo);
     }
-    if (m_codaTx.isEmpty())
-        m_timerCadenza->stop();
+    if (!m_codaTx.isEmpty())
+        m_svegliaTx->puntaA(m_inizioTxNs + durataNs(m_byteCadenzati + 1));
 }
 
 void EcuSimulata::scriviLinea(const QByteArray &bytes)
@@ -606,11 +610,11 @@ void EcuSimulata::impostaCadenzaReale(bool attiva)
     if (!attiva && !m_codaTx.isEmpty()) {
         const QByteArray resto = m_codaTx;
         m_codaTx.clear();
-        m_timerCadenza->stop();
+        m_svegliaTx->ferma();
         scriviLinea(resto);
     }
     if (!attiva) {
-        m_timerRicezione->stop();
+        m_svegliaRx->ferma();
         while (!m_codaRx.empty()) {
             const QByteArray bytes = m_codaRx.front().byte;
             m_codaRx.pop_front();

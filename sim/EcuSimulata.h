@@ -21,6 +21,7 @@ class QTimer;
 namespace kv::sim {
 
 class Linea;
+class Sveglia;
 
 // Status byte of an 'e' reply.
 namespace ErroreEcu {
@@ -160,6 +161,8 @@ private:
     void scriviLinea(const QByteArray &bytes);
     void elaboraRicevuti(const QByteArray &bytes);
     void ricezioneCadenzata();
+    // Ten bits a byte at the line speed: start, eight data, stop.
+    qint64 durataNs(qint64 byte) const;
 
     OpzioniEcu m_opzioni;
     Catalogo m_catalogo;
@@ -181,21 +184,22 @@ private:
     bool m_riagganciato = false;
 
     QTimer *m_timerFlusso;
-    QTimer *m_timerCadenza;
-    QTimer *m_timerRicezione;
+    // Pacing by absolute deadlines on the monotonic clock, both ways.
+    Sveglia *m_svegliaTx;
+    Sveglia *m_svegliaRx;
     QTimer *m_timerSalvataggio;
-    // Bytes from the tester and the time (us) their last bit has crossed the line.
+    // Bytes from the tester and the time (ns) their last bit has crossed the line.
     struct InArrivo
     {
-        qint64 fineUs;
+        qint64 fineNs;
         QByteArray byte;
     };
     std::deque<InArrivo> m_codaRx;
-    qint64 m_fineRxUs = 0;
+    qint64 m_fineRxNs = 0;
     QElapsedTimer m_orologio;
     qint64 m_ultimoTickMs = 0;
     QByteArray m_codaTx;
-    qint64 m_inizioCadenzaMs = 0;
+    qint64 m_inizioTxNs = 0; // the first byte of m_codaTx's run started on the line then
     qint64 m_byteCadenzati = 0;
 };
 

@@ -53,7 +53,10 @@ bool PortaSeriale::scrivi(const QByteArray &bytes)
 {
     if (!m_porta.isOpen())
         return false;
-    return m_porta.write(bytes) == bytes.size();
+    const bool accettati = m_porta.write(bytes) == bytes.size();
+    // Out to the device now, not at the next turn of the event loop: the ECU waits for it.
+    m_porta.flush();
+    return accettati;
 }
 
 QString PortaSeriale::descrizioneErrore() const

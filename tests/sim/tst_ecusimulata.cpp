@@ -1,6 +1,7 @@
 // The simulated ECU driven directly: bytes in, frames out, time moved by hand.
 
 #include "EcuSimulata.h"
+#include "FileS19.h"
 #include "RigaComando.h"
 
 #include "link/Frame.h"
@@ -655,6 +656,33 @@ private slots:
         QCOMPARE(b.frame[1].lettera(), 'v');
         QTest::qWait(100);
         QCOMPARE(b.frame.size(), 2);
+    }
+
+    void propriaVersioneComeS19()
+    {
+        // The demo's release: the simulator's own software with a newer vehicle text, written
+        // as S-records that the tool turns back into the very same image.
+        StringheVersione v;
+        v.veicolo = "KV-SIM R2 ";
+        const QByteArray immagine = ImmagineSoftware(v);
+        QCOMPARE(immagine.size(), MappaMemoria::DimensioneSoftware);
+        QCOMPARE(immagine.mid(MappaMemoria::Veicolo - 0xC000, 10), v.veicolo);
+        const QByteArray testo = TestoS19(immagine, 0xC000);
+        const QList<QByteArray> righe = testo.split('\n');
+        QCOMPARE(righe.at(1), RigaS1(0xC000, immagine.left(32)) + '\r'); // count and checksum right
+
+        QTemporaryDir dir;
+        StatoProgramma stato;
+        stato.InfCodice = QString::fromLatin1(v.codice);
+        stato.InfDatoA = QString::fromLatin1(v.datoA);
+        stato.InfDatoB = QString::fromLatin1(v.datoB);
+        scrivi(dir.filePath(QStringLiteral("R2.S19")), testo);
+        QVERIFY(PreparaFileSW(PercorsoFileSW(dir.path())));
+        QVERIFY(ConvertiS19(dir.filePath(QStringLiteral("R2.S19")), PercorsoFileSW(dir.path()), stato));
+        QByteArray letta;
+        for (int n = 1; n <= 220; ++n)
+            letta += LeggiBloccoSW(dir.path(), n);
+        QCOMPARE(letta, immagine);
     }
 
     void memoriaSuFile()

@@ -42,6 +42,12 @@ public:
         return true;
     }
     QString descrizioneErrore() const override { return {}; }
+    // A pulled cable: the port closes under the program.
+    void perdi()
+    {
+        m_aperta = false;
+        emit persa(QStringLiteral("gone"));
+    }
 
     QByteArrayList scritti;
 

@@ -1,0 +1,233 @@
+#include "programming/DialogoProgSW.h"
+
+#include "archives/Archivio.h"
+#include "archives/Cartelle.h"
+#include "base/FileSystem.h"
+#include "base/Lingua.h"
+#include "link/Frame.h"
+#include "link/StatoProgramma.h"
+#include "programming/FileBlocchi.h"
+#include "programming/ImmagineS19.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace kv {
+
+QString CartellaFileS19(const QString &percorsoApp)
+{
+    return PercorsoFile(PercorsoFile(percorsoApp, FileArchivi::CartellaSoftware), QStringLiteral("FILES19"));
+}
+
+QStringList ElencoSoftware(const QString &percorsoApp)
+{
+    const QString cartella = CartellaFileS19(percorsoApp);
+    // A folder reached through a link could lie anywhere: nothing is made or listed there.
+    if (!DentroRadice(cartella, percorsoApp))
+        return {};
+    CreaCartella(cartella + u'/');
+    QStringList nomi;
+    const QFileInfoList voci = QDir(cartella).entryInfoList(QDir::Files, QDir::Name | QDir::IgnoreCase);
+    for (const QFileInfo &voce : voci) {
+        const QString nome = voce.fileName();
+        if (voce.isSymLink() || !nome.endsWith(QLatin1String(".S19"), Qt::CaseInsensitive))
+            continue;
+        const QString testo = nome.chopped(4).trimmed();
+        if (!testo.isEmpty())
+            nomi.append(testo);
+    }
+    return nomi;
+}
+
+SchedaSoftware LeggiSchedaSoftware(const QString &percorsoApp, const QString &nome, const Lingua &lingua)
+{
+    SchedaSoftware scheda;
+    Archivio db;
+    if (ApriArchivioSoftware(PercorsoFile(percorsoApp, FileArchivi::CartellaSoftware),
+                             FileArchivi::FileSoftware, db)
+        == 0) {
+        scheda.avviso = TestoEsitoArchivio(lingua, db.Esito());
+        return scheda;
+    }
+    if (const auto riga = db.Cerca(u"PER_NOME", {nome})) {
+        scheda.Versione = riga->Testo(u"Versione");
+        scheda.Note = riga->Testo(u"Note");
+    } else if (!db.Esito().ok()) {
+        scheda.avviso = TestoEsitoArchivio(lingua, db.Esito());
+    }
+    ChiudiArchivioSoftware(db);
+    return scheda;
+}
+
+DialogoProgSW::DialogoProgSW(MotoreDialogo &motore, const StatoProgramma &stato, const Lingua &lingua,
+                             VistaProgSW &vista)
+    : m_motore(motore)
+    , m_stato(stato)
+    , m_lingua(lingua)
+    , m_vista(vista)
+{
+    m_motore.registra(StatoInizio, this);
+}
+
+DialogoProgSW::~DialogoProgSW()
+{
+    // Nobody is left to hear the rest: the link is given back now, not at the time-out.
+    if (inCorso())
+        m_motore.abbandona();
+    m_motore.rimuovi(this);
+}
+
+bool DialogoProgSW::inCorso() const
+{
+    const int stato = m_motore.StatoDialogo();
+    return stato >= StatoInizio && stato < StatoInizio + 10;
+}
+
+SchedaSoftware DialogoProgSW::scegli(const QString &testoNodo)
+{
+    m_nome = testoNodo.trimmed();
+    if (m_nome.isEmpty())
+        return {};
+    return LeggiSchedaSoftware(m_stato.PercorsoApp, m_nome, m_lingua);
+}
+
+bool DialogoProgSW::preparaImmagine()
+{
+    const QString &app = m_stato.PercorsoApp;
+    m_fileSW = PercorsoFileSW(app);
+    if (!PreparaFileSW(m_fileSW))
+        return false;
+    // Only a plain file of the software folder is read: not a link, nor a path.
+    if (m_nome.contains(u'/') || m_nome.contains(u'\\'))
+        return false;
+    const QString s19 = TrovaFile(CartellaFileS19(app), m_nome + QStringLiteral(".S19"));
+    if (s19.isEmpty() || !DentroRadice(s19, app) || !QFileInfo(s19).isFile())
+        return false;
+    return ConvertiS19(s19, m_fileSW, m_stato);
+}
+
+void DialogoProgSW::avviaProgrammazione()
+{
+    if (m_nome.isEmpty()) {
+        m_vista.mostraMsg(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_13"), FlagInformazione,
+                          m_lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
+        return;
+    }
+    // The page is disabled while the link is busy; this only keeps a stray call out.
+    if (m_motore.StatoDialogo() != -1)
+        return;
+    if (!preparaImmagine()) {
+        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_9"));
+        return;
+    }
+    if (!m_motore.PortOpen()) {
+        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_3"));
+        return;
+    }
+    m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_7"));
+    m_vista.impostaBarra(0);
+    m_vista.mostraBarra(true);
+    m_numBloccoSW = 0;
+    m_motore.svuotaCoda();
+    m_motore.accoda(QByteArrayLiteral("I"));
+    m_vista.abilitaPagina(false);
+    if (!m_motore.avvia(StatoInizio, IntervalloProgrammazione)) {
+        m_vista.mostraBarra(false);
+        m_vista.abilitaPagina(true);
+    }
+}
+
+void DialogoProgSW::risposta(char lettera, int stato, const QByteArray &payload)
+{
+    if (lettera != 'e')
+        return;
+    if (payload.size() < 2 || static_cast<quint8>(payload.at(1)) != 0xFF) {
+        erroreEcu(payload);
+        return;
+    }
+    switch (stato) {
+    case StatoInizio:
+        m_numBloccoSW = 1;
+        m_vista.impostaBarra(m_numBloccoSW);
+        m_indirizzoProg = static_cast<qint32>(ImmagineSW::Inizio);
+        if (accodaBlocco())
+            (void)m_motore.passaA(StatoBlocchi);
+        break;
+    case StatoBlocchi:
+        dopoBlocco();
+        break;
+    case StatoFine:
+        if (m_motore.prosegui() == MotoreDialogo::Seguito::Concluso) {
+            m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_12"));
+            m_vista.abilitaPagina(true);
+        }
+        break;
+    default:
+        break;
+    }
+}
+
+bool DialogoProgSW::accodaBlocco()
+{
+    // LeggiBloccoSW on the path found as the flash began: the file is opened afresh for each
+    // block all the same.
+    const QByteArray blocco = LeggiBlocco(m_fileSW, m_numBloccoSW);
+    if (blocco.isEmpty()) {
+        bloccoIlleggibile();
+        return false;
+    }
+    m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_11").trimmed() + u' '
+                               + QString::number(m_numBloccoSW));
+    m_motore.accoda('W' + ParolaInByte(static_cast<quint32>(m_indirizzoProg)) + char(LunBlocco) + blocco);
+    return true;
+}
+
+void DialogoProgSW::dopoBlocco()
+{
+    if (NumeroBlocchi(m_fileSW) > m_numBloccoSW) {
+        ++m_numBloccoSW;
+        m_indirizzoProg += LunBlocco;
+        m_vista.impostaBarra(m_numBloccoSW);
+        if (accodaBlocco())
+            (void)m_motore.prosegui();
+        return;
+    }
+    // An image gone from the disk half-way must not end in 'F': the ECU would start a
+    // software that is only partly there.
+    if (!QFileInfo::exists(m_fileSW)) {
+        bloccoIlleggibile();
+        return;
+    }
+    m_vista.mostraBarra(false);
+    m_motore.accoda(QByteArrayLiteral("F"));
+    (void)m_motore.passaA(StatoFine);
+}
+
+void DialogoProgSW::bloccoIlleggibile()
+{
+    m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_13"));
+    m_motore.abbandona();
+    m_vista.abilitaPagina(true);
+}
+
+void DialogoProgSW::erroreEcu(const QByteArray &payload)
+{
+    const auto b = static_cast<quint8>(payload.size() >= 2 ? payload.at(1) : 0);
+    const QString codice = QStringLiteral("%1").arg(b, 2, 16, QLatin1Char('0')).toUpper();
+    const QString messaggio = b >= 1 && b <= 7 ? m_lingua.LeggiTesto("ERRORI", "ERR_" + codice)
+                                               : m_lingua.LeggiTesto("ERRORI", "ERR_99");
+    m_vista.mostraSegnalazione(codice + QStringLiteral("H ") + messaggio);
+    m_vista.mostraBarra(false);
+    m_vista.abilitaPagina(true);
+}
+
+void DialogoProgSW::scadenza(int stato)
+{
+    if (stato < StatoInizio || stato >= StatoInizio + 10)
+        return;
+    m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_10"));
+    m_vista.mostraBarra(false);
+    m_vista.abilitaPagina(true);
+}
+
+} // namespace kv
