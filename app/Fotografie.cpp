@@ -1,6 +1,6 @@
 // korvantine-pictures DIR: the main menu, the ECU version page, the port page, the idle page,
-// the instruments (also while recording) and the charts, rendered to PNG files in DIR against the simulated ECU, in English, as
-// a fitter sees them at 1024x768.
+// the instruments (also while recording), the charts and the record card, rendered to PNG
+// files in DIR against the simulated ECU, in English, as a fitter sees them at 1024x768.
 // Run it with the offscreen platform (scripts/pictures.sh does).
 
 #include "Demo.h"
@@ -11,6 +11,7 @@
 #include "link/PortaSeriale.h"
 #include "monitoring/ui/BarraRegistrazione.h"
 #include "monitoring/ui/Grafici.h"
+#include "monitoring/ui/Memorf.h"
 #include "monitoring/ui/RegistroStrumenti.h"
 #include "monitoring/ui/Strumenti.h"
 #include "pages/ui/RegistroMessaPunto.h"
@@ -23,6 +24,9 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFileInfo>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListWidget>
 #include <QTemporaryDir>
 #include <QThread>
 
@@ -61,6 +65,17 @@ bool salva(QWidget &finestra, const QDir &cartella, const QString &nome)
     }
     std::printf("%s\n", qPrintable(percorso));
     return true;
+}
+
+// Types text into a widget key by key, as the fitter would.
+void digita(QWidget *w, const QString &testo)
+{
+    for (QChar c : testo) {
+        QKeyEvent giu(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
+        QKeyEvent su(QEvent::KeyRelease, 0, Qt::NoModifier, QString(c));
+        QApplication::sendEvent(w, &giu);
+        QApplication::sendEvent(w, &su);
+    }
 }
 
 } // namespace
@@ -162,6 +177,28 @@ int main(int argc, char *argv[])
         pausa(23000);
         ok &= salva(finestra, cartella, QStringLiteral("grafici.png"));
         grafici->barra().comando(QStringLiteral("FINE"));
+    }
+    // The record card, with a few cards in the archive and the make begun.
+    {
+        AnelloRegistrazione prova;
+        prova.collega(&programma.canali, home.path());
+        SchedaRegistrazione archivio(home.path(), prova);
+        if (archivio.Apri())
+            for (const SchedaRegistrazione::Caselle &c :
+                 {SchedaRegistrazione::Caselle{"Fiat", "Punto 1.2", "giro1", "Town, cold start"},
+                  SchedaRegistrazione::Caselle{"Fiat", "Punto 1.2", "giro2", "Motorway"},
+                  SchedaRegistrazione::Caselle{"Fiat", "Panda", "prova", ""},
+                  SchedaRegistrazione::Caselle{"Ford", "Focus", "collaudo", ""}})
+                archivio.Memorizza(c, [] { return true; });
+    }
+    {
+        Memorf scheda(programma, &finestra);
+        scheda.show();
+        digita(scheda.casella(SchedaRegistrazione::Marca), QStringLiteral("Fiat"));
+        scheda.elencoEsi()->setCurrentRow(1);
+        scheda.elencoEsi()->setFocus();
+        ok &= salva(scheda, cartella, QStringLiteral("memorf.png"));
+        scheda.reject();
     }
     return ok ? 0 : 1;
 }

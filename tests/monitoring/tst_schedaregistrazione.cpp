@@ -141,27 +141,6 @@ private slots:
         QCOMPARE(leggi(dati("Fiat/Punto/GIRO2.ACQ")), QByteArray("older\r\n"));
     }
 
-    void anEmptyBoxStopsWithNothingWritten_data()
-    {
-        QTest::addColumn<S::Caselle>("caselle");
-        QTest::addColumn<int>("vuota");
-        QTest::newRow("make") << S::Caselle{"  ", "Punto", "A", ""} << int(S::Marca);
-        QTest::newRow("model") << S::Caselle{"Fiat", "", "A", ""} << int(S::Modello);
-        QTest::newRow("file") << S::Caselle{"Fiat", "Punto", " ", "notes"} << int(S::File);
-    }
-
-    void anEmptyBoxStopsWithNothingWritten()
-    {
-        QFETCH(S::Caselle, caselle);
-        QFETCH(int, vuota);
-        const QStringList prima = tutto();
-        const S::Esito e = memorizza(caselle);
-        QCOMPARE(e.tipo, Tipo::Vuota);
-        QCOMPARE(e.casella, vuota);
-        QCOMPARE(tutto(), prima);
-        QVERIFY(righeNelFile().isEmpty());
-    }
-
     void theListShowsTheCardsWhoseMakeAndModelBeginAsTyped_data()
     {
         QTest::addColumn<QString>("marca");
@@ -254,9 +233,6 @@ private slots:
         QVERIFY(!testo.isEmpty() && !testo.contains("XXX"));
         for (QChar ch : testo)
             QVERIFY(ch.unicode() >= 0x20);
-        // The boxes take a good name of full length.
-        QVERIFY(!S::NomeAmmesso(nome, casella));
-        QVERIFY(S::NomeAmmesso(QString(S::Lunghezza[static_cast<std::size_t>(casella)], u'A'), casella));
     }
 
     void linksAreNotFollowedOut_data()

@@ -2,7 +2,6 @@
 
 #include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
-#include "shell/ui/Stile.h"
 
 #include <QApplication>
 #include <QFocusEvent>
@@ -55,8 +54,9 @@ Memorf::Memorf(Programma &programma, QWidget *parent)
 {
     setObjectName(QStringLiteral("Memorf"));
     const Lingua &l = programma.lingua;
+    // The one question here deletes a recording: a stray Enter answers No.
     m_messaggio = [this](const QString &testo, int flags, const QString &titolo) {
-        return MostraMsg(m_programma.lingua, testo, flags, titolo, 0, this);
+        return MostraMsg(m_programma.lingua, testo, flags, titolo, flags == 36 ? 1 : 0, this);
     };
 
     setWindowTitle(l.LeggiTesto("Memorf", "CAPTION").trimmed());
@@ -89,8 +89,10 @@ Memorf::Memorf(Programma &programma, QWidget *parent)
     m_elenco->setObjectName(QStringLiteral("ElencoEsi"));
     // Fixed pitch, so that the models stand in one column behind makes of any length.
     m_elenco->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-    m_elenco->setMinimumWidth(QFontMetrics(m_elenco->font()).horizontalAdvance(QString(80, u'M')));
-    DimensionaElenco(m_elenco, 8);
+    // Room for a whole entry and for a few of them.
+    const QFontMetrics fm(m_elenco->font());
+    m_elenco->setMinimumWidth(fm.horizontalAdvance(QString(100, u'M')) + 4 * u);
+    m_elenco->setMinimumHeight(fm.height() * 7 + 2 * m_elenco->frameWidth());
     m_elenco->installEventFilter(this);
     connect(m_elenco, &QListWidget::currentRowChanged, this, &Memorf::sceltaVoce);
     connect(m_elenco, &QListWidget::itemClicked, this,
@@ -164,6 +166,8 @@ void Memorf::riempiElenco()
                                          m_caselle[SchedaRegistrazione::Modello]->text());
     for (const SchedaRegistrazione::Voce &v : voci) {
         m_elenco->addItem(v.testo);
+        // Cards of one car differ by their file alone.
+        m_elenco->item(m_elenco->count() - 1)->setToolTip(v.file);
         m_nomeEsi << v.file;
     }
 }
@@ -176,8 +180,10 @@ void Memorf::sceltaVoce(int riga)
     if (!scheda)
         return;
     QScopedValueRollback riempiendo(m_riempiendo, true);
-    for (std::size_t i = 0; i < m_caselle.size(); ++i)
+    for (std::size_t i = 0; i < m_caselle.size(); ++i) {
         m_caselle[i]->setText((*scheda)[i]);
+        m_caselle[i]->home(false);
+    }
     titoloScheda();
 }
 
@@ -212,6 +218,7 @@ bool Memorf::eventFilter(QObject *oggetto, QEvent *evento)
             c->setText(c->text().trimmed());
         } else if (static_cast<QFocusEvent *>(evento)->reason() != Qt::PopupFocusReason) {
             c->setText(SchedaRegistrazione::Imbottita(c->text(), n));
+            c->home(false); // the text, not the blanks behind it
             if (n == SchedaRegistrazione::Marca || n == SchedaRegistrazione::Modello)
                 titoloScheda();
         }

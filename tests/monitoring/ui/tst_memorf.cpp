@@ -1,6 +1,7 @@
 // The record card on screen: the list following what is typed, an entry filling the boxes,
 // the question before a card is replaced, an archive that is not ours; and a recording made
-// end to end through the card from the chart window, against the simulated ECU.
+// end to end through the card from the chart window of the main window, against the
+// simulated ECU.
 
 #include "support/FileDiProva.h"
 #include "support/PortaEcu.h"
@@ -8,7 +9,9 @@
 #include "monitoring/ui/BarraRegistrazione.h"
 #include "monitoring/ui/Grafici.h"
 #include "monitoring/ui/Memorf.h"
+#include "monitoring/ui/RegistroStrumenti.h"
 #include "shell/Programma.h"
+#include "shell/ui/Korvantine.h"
 #include "shell/ui/MsgBox1.h"
 
 #include <QAction>
@@ -225,11 +228,19 @@ private slots:
 
     void aRecordingThroughTheCardFromTheCharts()
     {
-        Grafici g(*p);
-        g.resize(1024, 700);
-        g.show();
-        QVERIFY(QTest::qWaitForWindowActive(&g));
-        g.carica();
+        // The charts opened from the main window, whose registry runs the card.
+        Korvantine finestra(*p);
+        RegistraStrumenti(finestra);
+        finestra.avvia();
+        finestra.resize(1024, 768);
+        finestra.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&finestra));
+        auto *g = qobject_cast<Grafici *>(finestra.apriPagina(IdPagina::Grafici));
+        QVERIFY(g);
+        // The keys are on the values at once: Space charts the engine speed.
+        QCOMPARE(QApplication::focusWidget(), g->riga(0));
+        QTest::keyClick(g->riga(0), Qt::Key_Space);
+        QCOMPARE(g->modello().slotDi(Canale::Giri), 0);
         QVERIFY(frame(3));
 
         // Start_Mem by its key: the card, modal, filled by keyboard and stored with F2.
@@ -240,11 +251,12 @@ private slots:
             m->tastoMemorizza()->click();
         });
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_F2);
-        g.activateWindow(); // the test platform gives the window back nothing by itself
-        QVERIFY(QTest::qWaitForWindowActive(&g));
+        finestra.activateWindow(); // the test platform gives nothing back by itself
+        QVERIFY(QTest::qWaitForWindowActive(&finestra));
+        QCOMPARE(QApplication::focusWidget(), g->riga(0));
         const QString file = dati("Fiat/Punto/GIRO1.ACQ");
         QCOMPARE(p->anello.FileRegistrazione, file);
-        QCOMPARE(g.findChild<QLabel *>("LabRegistro")->text(),
+        QCOMPARE(g->findChild<QLabel *>("LabRegistro")->text(),
                  testo("STRUMENTI", "LABREGISTRO.0") + " " + file);
         QCOMPARE(schede(), QStringList{"Fiat/Punto/giro1"});
 
@@ -278,12 +290,14 @@ private slots:
             m->tastoMemorizza()->click();
         });
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_F2);
-        g.activateWindow(); // the test platform gives the window back nothing by itself
-        QVERIFY(QTest::qWaitForWindowActive(&g));
+        finestra.activateWindow(); // the test platform gives nothing back by itself
+        QVERIFY(QTest::qWaitForWindowActive(&finestra));
+        QCOMPARE(QApplication::focusWidget(), g->riga(0));
         QCOMPARE(schede(), QStringList{"Fiat/Punto/giro1"});
         QVERIFY(!QFile::exists(file));
         QCOMPARE(p->anello.FileRegistrazione, file);
-        g.Esci();
+        g->Esci();
+        QVERIFY(!finestra.paginaAperta(g));
     }
 };
 
