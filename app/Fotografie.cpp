@@ -10,6 +10,7 @@
 #include "link/PortaSeriale.h"
 #include "monitoring/ui/BarraRegistrazione.h"
 #include "monitoring/ui/Grafici.h"
+#include "monitoring/ui/Memorf.h"
 #include "monitoring/ui/RegistroStrumenti.h"
 #include "monitoring/ui/Strumenti.h"
 #include "pages/GriglieMessaPunto.h"
@@ -30,7 +31,9 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QThread>
@@ -71,6 +74,17 @@ bool salva(QWidget &finestra, const QDir &cartella, const QString &nome)
     }
     std::printf("%s\n", qPrintable(percorso));
     return true;
+}
+
+// Types text into a widget key by key, as the fitter would.
+void digita(QWidget *w, const QString &testo)
+{
+    for (QChar c : testo) {
+        QKeyEvent giu(QEvent::KeyPress, 0, Qt::NoModifier, QString(c));
+        QKeyEvent su(QEvent::KeyRelease, 0, Qt::NoModifier, QString(c));
+        QApplication::sendEvent(w, &giu);
+        QApplication::sendEvent(w, &su);
+    }
 }
 
 } // namespace
@@ -230,6 +244,28 @@ int main(int argc, char *argv[])
             tasto->click();
         pausa(8000);
         ok &= salva(finestra, cartella, QStringLiteral("progsw.png"));
+    }
+    // The record card, with a few cards in the archive and the make begun.
+    {
+        AnelloRegistrazione prova;
+        prova.collega(&programma.canali, home.path());
+        SchedaRegistrazione archivio(home.path(), prova);
+        if (archivio.Apri())
+            for (const SchedaRegistrazione::Caselle &c :
+                 {SchedaRegistrazione::Caselle{"Fiat", "Punto 1.2", "giro1", "Town, cold start"},
+                  SchedaRegistrazione::Caselle{"Fiat", "Punto 1.2", "giro2", "Motorway"},
+                  SchedaRegistrazione::Caselle{"Fiat", "Panda", "prova", ""},
+                  SchedaRegistrazione::Caselle{"Ford", "Focus", "collaudo", ""}})
+                archivio.Memorizza(c, [] { return true; });
+    }
+    {
+        Memorf scheda(programma, &finestra);
+        scheda.show();
+        digita(scheda.casella(SchedaRegistrazione::Marca), QStringLiteral("Fiat"));
+        scheda.elencoEsi()->setCurrentRow(1);
+        scheda.elencoEsi()->setFocus();
+        ok &= salva(scheda, cartella, QStringLiteral("memorf.png"));
+        scheda.reject();
     }
     return ok ? 0 : 1;
 }

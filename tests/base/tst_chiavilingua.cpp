@@ -152,6 +152,7 @@ private slots:
                                  << registratore + indici("MENUP.", 0, 3) + indici("MENUG.", 0, 1)
                                         + QStringList{"MENUIMP.0"};
         QTest::newRow("REGISTRAZIONE") << "REGISTRAZIONE" << indici("STATOREG.", 0, 2);
+        QTest::newRow("Memorf") << "Memorf" << QStringList{"CAPTION", "SCHEDA"} + indici("LABSCHEDA.", 0, 3);
     }
 
     void everyKeyOfAComputedFamilyHasText()

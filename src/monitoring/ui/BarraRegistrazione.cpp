@@ -1,6 +1,7 @@
 #include "monitoring/ui/BarraRegistrazione.h"
 
 #include "monitoring/AnelloRegistrazione.h"
+#include "monitoring/ui/Memorf.h"
 #include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
 
@@ -335,12 +336,12 @@ void BarraRegistrazione::comando(const QString &chiave)
 
 void BarraRegistrazione::apriScheda()
 {
-    if (!m_apriScheda) {
-        const Lingua &l = m_programma.lingua;
-        m_messaggio(l.LeggiTesto("REGISTRAZIONE", "SCHEDA.0"), 64, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
-        return;
+    if (m_apriScheda) {
+        m_apriScheda(m_finestra);
+    } else {
+        Memorf scheda(m_programma, m_finestra);
+        scheda.exec();
     }
-    m_apriScheda(m_finestra);
     AnelloRegistrazione &r = m_programma.anello;
     r.impostaFileRegistrazione(r.LeggiFileRegistrazione());
 }

@@ -32,8 +32,8 @@ class BarraRegistrazione : public QObject, public AscoltatoreDati
 public:
     // A message box: text, flags, title; returns the key pressed.
     using Messaggio = std::function<int(const QString &testo, int flags, const QString &titolo)>;
-    // Where the record card (Memorf) will open. Until the card exists it only tells the
-    // fitter so; when it returns, the recording file is read again from the settings.
+    // How the record card (Memorf) is run; without one it is shown modally over the
+    // window. When it returns, the recording file is read again from the settings.
     using ApriScheda = std::function<void(QWidget *finestra)>;
 
     enum class Tipo {

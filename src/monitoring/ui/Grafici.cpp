@@ -395,6 +395,17 @@ bool Grafici::eventFilter(QObject *oggetto, QEvent *evento)
     return QWidget::eventFilter(oggetto, evento);
 }
 
+void Grafici::focusInEvent(QFocusEvent *evento)
+{
+    // The frame hands the focus to the page; the keys belong to the rows of values.
+    for (RigaDatoGrafico *riga : m_righe)
+        if (riga->isVisible()) {
+            riga->setFocus(evento->reason());
+            return;
+        }
+    QWidget::focusInEvent(evento);
+}
+
 void Grafici::VisDati()
 {
     StatoProgramma &s = m_programma.stato;

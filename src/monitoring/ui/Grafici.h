@@ -85,6 +85,7 @@ signals:
 
 protected:
     bool eventFilter(QObject *oggetto, QEvent *evento) override;
+    void focusInEvent(QFocusEvent *evento) override;
 
 private:
     void caricaTesti();

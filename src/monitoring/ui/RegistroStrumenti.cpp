@@ -1,6 +1,7 @@
 #include "monitoring/ui/RegistroStrumenti.h"
 
 #include "monitoring/ui/Grafici.h"
+#include "monitoring/ui/Memorf.h"
 #include "monitoring/ui/Strumenti.h"
 #include "shell/ui/Korvantine.h"
 
@@ -16,8 +17,15 @@ void prepara(Korvantine &f, Finestra *pagina, const BarraRegistrazione::ApriSche
     barra.impostaMessaggio([&f](const QString &testo, int flags, const QString &titolo) {
         return f.MostraMsg(testo, flags, titolo);
     });
-    if (apriScheda)
+    if (apriScheda) {
         barra.impostaApriScheda(apriScheda);
+    } else {
+        // Through the frame, so that the page outlives the card whatever happens meanwhile.
+        barra.impostaApriScheda([&f](QWidget *finestra) {
+            Memorf scheda(f.programma(), finestra);
+            f.eseguiModale(scheda);
+        });
+    }
     QObject::connect(pagina, &Finestra::chiusa, &f, [&f, pagina] { f.ChiudiPagina(pagina); });
     pagina->carica();
 }

@@ -7,8 +7,8 @@ namespace kv {
 class Korvantine;
 
 // Puts the monitor windows, the instruments and the charts, into the main frame's page
-// registry. apriScheda opens the record card from their Start_Mem key; without it the
-// key tells the fitter that the card is not there yet.
+// registry. Their Start_Mem key opens the record card, run modally by the frame unless
+// apriScheda runs it otherwise.
 void RegistraStrumenti(Korvantine &frame, BarraRegistrazione::ApriScheda apriScheda = {});
 
 } // namespace kv

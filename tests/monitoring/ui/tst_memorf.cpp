@@ -1,0 +1,305 @@
+// The record card on screen: the list following what is typed, an entry filling the boxes,
+// the question before a card is replaced, an archive that is not ours; and a recording made
+// end to end through the card from the chart window of the main window, against the
+// simulated ECU.
+
+#include "support/FileDiProva.h"
+#include "support/PortaEcu.h"
+
+#include "monitoring/ui/BarraRegistrazione.h"
+#include "monitoring/ui/Grafici.h"
+#include "monitoring/ui/Memorf.h"
+#include "monitoring/ui/RegistroStrumenti.h"
+#include "shell/Programma.h"
+#include "shell/ui/Korvantine.h"
+#include "shell/ui/MsgBox1.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QDir>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+
+using namespace kv;
+using namespace kv::sim;
+
+using S = SchedaRegistrazione;
+
+class TstMemorf : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> cartella;
+    std::unique_ptr<EcuSimulata> ecu;
+    std::unique_ptr<Programma> p;
+    QStringList messaggi;
+
+    struct Contatore : AscoltatoreDati
+    {
+        void frameNormale(const RecordDati &) override { ++n; }
+        void frameStato(const RecordDati &) override { ++n; }
+        int n = 0;
+    } decodificati;
+
+    QString testo(const char *sezione, const char *chiave) { return p->lingua.LeggiTesto(sezione, chiave); }
+    QString dati(const QString &resto) const { return cartella->filePath("DATI/" + resto); }
+
+    bool frame(int n)
+    {
+        for (int i = 0; i < n; ++i) {
+            const int prima = decodificati.n;
+            ecu->avanzaTempo(40);
+            if (!QTest::qWaitFor([&] { return decodificati.n == prima + 1; }, 2000))
+                return false;
+        }
+        return true;
+    }
+
+    // Runs azione on the modal box of type T as soon as it is up.
+    template <typename T, typename F>
+    void quandoAperto(F azione)
+    {
+        auto *t = new QTimer(this);
+        t->setInterval(10);
+        connect(t, &QTimer::timeout, this, [t, azione] {
+            if (auto *w = qobject_cast<T *>(QApplication::activeModalWidget())) {
+                t->stop();
+                t->deleteLater();
+                azione(w);
+            }
+        });
+        t->start();
+    }
+
+    // The card as another opener of the archive sees it: MARCA/MODELLO/FILE.
+    QStringList schede() const
+    {
+        QStringList r;
+        Archivio a;
+        if (!ApriArchivioDati(cartella->filePath("DATI"), "ARCHDATI.MDB", a))
+            return {"cannot open"};
+        for (const RigaArchivio &riga : a.Elenca(u"PER_FILE"))
+            r << riga.Testo(u"MARCA") + '/' + riga.Testo(u"MODELLO") + '/' + riga.Testo(u"FILE");
+        return r;
+    }
+
+    std::unique_ptr<Memorf> apriScheda()
+    {
+        auto m = std::make_unique<Memorf>(*p);
+        m->impostaMessaggio([this](const QString &t, int flags, const QString &) {
+            messaggi << t;
+            return flags == 36 ? risposta : 1;
+        });
+        m->show();
+        if (!QTest::qWaitForWindowActive(m.get()))
+            return nullptr;
+        return m;
+    }
+    int risposta = 7;
+
+private slots:
+    void init()
+    {
+        messaggi.clear();
+        cartella = std::make_unique<QTemporaryDir>();
+        QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"),
+                            cartella->filePath("ENGLISH.LNG")));
+        ecu = std::make_unique<EcuSimulata>(OpzioniManuali());
+        p = std::make_unique<Programma>(cartella->path(), std::make_unique<PortaEcu>(*ecu),
+                                        std::make_unique<TemporizzatoreManuale>(),
+                                        std::make_unique<TemporizzatoreManuale>());
+        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+        p->canali.InizializzaCanali(p->lingua);
+        p->stato.EcuDaIdentificare = false;
+        p->datiLive.aggiungiAscoltatore(&decodificati);
+    }
+
+    void cleanup()
+    {
+        p.reset();
+        ecu.reset();
+        cartella.reset();
+    }
+
+    void theListFollowsTheTypingAndAnEntryFillsTheCard()
+    {
+        {
+            AnelloRegistrazione altro;
+            altro.collega(nullptr, cartella->path());
+            S s(cartella->path(), altro);
+            QVERIFY(s.Apri());
+            for (const auto &c :
+                 {S::Caselle{"Fiat", "Punto", "giro1", "town"}, S::Caselle{"Fiat", "Panda", "giro2", ""},
+                  S::Caselle{"Ford", "Ka", "k", ""}})
+                QVERIFY(s.Memorizza(c, [] { return true; }).ok());
+        }
+        auto m = apriScheda();
+        QVERIFY(m);
+        QCOMPARE(m->windowTitle(), testo("Memorf", "CAPTION"));
+        QCOMPARE(m->elencoEsi()->count(), 3);
+        QCOMPARE(QApplication::focusWidget(), m->casella(S::Marca));
+
+        QTest::keyClicks(m->casella(S::Marca), "fi");
+        QCOMPARE(m->elencoEsi()->count(), 2);
+        QTest::keyClicks(m->casella(S::Marca), "at");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+        QCOMPARE(QApplication::focusWidget(), m->casella(S::Modello));
+        // The box left stands padded to its length, and is trimmed again when entered.
+        QCOMPARE(m->casella(S::Marca)->text(), QString("fiat").leftJustified(50, ' '));
+        QTest::keyClicks(m->casella(S::Modello), "pu");
+        QCOMPARE(m->elencoEsi()->count(), 1);
+        QCOMPARE(m->elencoEsi()->item(0)->text(), S::VoceElenco("Fiat", "Punto"));
+        QCOMPARE(m->nomeEsi(), QStringList{"giro1"});
+
+        // A click on the entry fills the card from the archive, as typed there.
+        const QListWidget *e = m->elencoEsi();
+        QTest::mouseClick(e->viewport(), Qt::LeftButton, {}, e->visualItemRect(e->item(0)).center());
+        for (int i = 0; i < S::NumeroCaselle; ++i)
+            QCOMPARE(m->casella(i)->text(),
+                     (QStringList{"Fiat", "Punto", "giro1", QString("town").leftJustified(255)}).at(i));
+        QCOMPARE(m->scheda()->title(), testo("Memorf", "SCHEDA") + " - Fiat Punto");
+
+        // That card exists: asked, and No leaves everything and goes to the file box.
+        QTest::keyClick(m.get(), Qt::Key_F2);
+        QCOMPARE(messaggi, QStringList{testo("SEGNALAZIONI", "SEGNALAZIONE_8")});
+        QVERIFY(m->isVisible());
+        QCOMPARE(QApplication::focusWidget(), m->casella(S::File));
+        QVERIFY(p->anello.FileRegistrazione.isEmpty());
+
+        // A refused name is told and nothing is written; the box does not take it as typed.
+        m->casella(S::File)->clear();
+        QTest::keyClicks(m->casella(S::File), "./a\\:b*");
+        QCOMPARE(m->casella(S::File)->text(), QString("ab"));
+        m->casella(S::File)->setText("..");
+        m->Memorizza();
+        QCOMPARE(messaggi.size(), 2);
+        QCOMPARE(messaggi.last(), testo("Memorf", "SEGNALAZIONE.0").replace("XXX", ".."));
+
+        // Yes replaces it and makes its file the recording file.
+        m->casella(S::File)->setText("giro1");
+        risposta = 6;
+        QTest::keyClick(m.get(), Qt::Key_F2);
+        QCOMPARE(messaggi.size(), 3);
+        QVERIFY(!m->isVisible());
+        QCOMPARE(m->result(), int(QDialog::Accepted));
+        QCOMPARE(p->anello.FileRegistrazione, dati("Fiat/Punto/GIRO1.ACQ"));
+    }
+
+    void anArchiveThatIsNotOursLeavesTheCardOutOfUse_data()
+    {
+        QTest::addColumn<QByteArray>("contenuto");
+        QTest::addColumn<ErroreArchivio>("errore");
+        QTest::newRow("foreign file")
+            << QByteArray("Standard Jet DB", 15) + QByteArray(2000, 'Z') << ErroreArchivio::FileEstraneo;
+        QTest::newRow("damaged") << QByteArray("SQLite format 3\x00", 16) + QByteArray(4096 - 16, '\xEE')
+                                 << ErroreArchivio::Danneggiato;
+    }
+
+    void anArchiveThatIsNotOursLeavesTheCardOutOfUse()
+    {
+        QFETCH(QByteArray, contenuto);
+        QFETCH(ErroreArchivio, errore);
+        QVERIFY(QDir().mkpath(cartella->filePath("DATI")));
+        const QString file = cartella->filePath("DATI/ARCHDATI.MDB");
+        scrivi(file, contenuto);
+
+        auto m = apriScheda();
+        QVERIFY(m);
+        QVERIFY(!m->elencoEsi()->isEnabled());
+        QVERIFY(m->scheda()->isHidden());
+        QVERIFY(!m->tastoMemorizza()->isEnabled());
+        QVERIFY(m->segnalazione()->isVisible());
+        QCOMPARE(m->segnalazione()->text(), TestoEsitoArchivio(p->lingua, {errore, file, {}}));
+        QTest::keyClick(m.get(), Qt::Key_F2);
+        QVERIFY(messaggi.isEmpty());
+        QTest::keyClick(m.get(), Qt::Key_Escape);
+        QVERIFY(!m->isVisible());
+        QCOMPARE(m->result(), int(QDialog::Rejected));
+        QCOMPARE(leggi(file), contenuto);
+        QCOMPARE(QDir(cartella->filePath("DATI")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+                 QStringList{"ARCHDATI.MDB"});
+    }
+
+    void aRecordingThroughTheCardFromTheCharts()
+    {
+        // The charts opened from the main window, whose registry runs the card.
+        Korvantine finestra(*p);
+        RegistraStrumenti(finestra);
+        finestra.avvia();
+        finestra.resize(1024, 768);
+        finestra.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&finestra));
+        auto *g = qobject_cast<Grafici *>(finestra.apriPagina(IdPagina::Grafici));
+        QVERIFY(g);
+        // The keys are on the values at once: Space charts the engine speed.
+        QCOMPARE(QApplication::focusWidget(), g->riga(0));
+        QTest::keyClick(g->riga(0), Qt::Key_Space);
+        QCOMPARE(g->modello().slotDi(Canale::Giri), 0);
+        QVERIFY(frame(3));
+
+        // Start_Mem by its key: the card, modal, filled by keyboard and stored with F2.
+        quandoAperto<Memorf>([](Memorf *m) {
+            const char *testi[] = {"Fiat", "Punto", "giro1", "test drive"};
+            for (int i = 0; i < S::NumeroCaselle; ++i)
+                QTest::keyClicks(m->casella(i), testi[i]);
+            m->tastoMemorizza()->click();
+        });
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_F2);
+        finestra.activateWindow(); // the test platform gives nothing back by itself
+        QVERIFY(QTest::qWaitForWindowActive(&finestra));
+        QCOMPARE(QApplication::focusWidget(), g->riga(0));
+        const QString file = dati("Fiat/Punto/GIRO1.ACQ");
+        QCOMPARE(p->anello.FileRegistrazione, file);
+        QCOMPARE(g->findChild<QLabel *>("LabRegistro")->text(),
+                 testo("STRUMENTI", "LABREGISTRO.0") + " " + file);
+        QCOMPARE(schede(), QStringList{"Fiat/Punto/giro1"});
+
+        const auto tasto = [](Qt::Key k) { QTest::keyClick(QApplication::focusWidget(), k); };
+        tasto(Qt::Key_F5); // Inizio: the three samples before it open the file
+        QVERIFY(frame(45));
+        tasto(Qt::Key_F6); // Pausa
+        QVERIFY(frame(10));
+        tasto(Qt::Key_F5);
+        QVERIFY(frame(5));
+        tasto(Qt::Key_F7); // Fine
+        QCOMPARE(p->anello.StatoRegistrazione, qint16(AnelloRegistrazione::Fermo));
+
+        const QList<QByteArray> righe = leggi(file).split('\n');
+        QVERIFY(righe.size() > 2);
+        QVERIFY(righe.at(0).startsWith(p->canali.Canali[0].Nome.trimmed().toLatin1() + ';'));
+        QList<int> numeri, attesi;
+        for (qsizetype i = 2; i < righe.size() && !righe.at(i).isEmpty(); ++i)
+            numeri << righe.at(i).left(8).trimmed().toInt();
+        for (int n = 0; n <= 47; ++n)
+            attesi << n;
+        for (int n = 58; n <= 62; ++n) // the pause left its gap
+            attesi << n;
+        QCOMPARE(numeri, attesi);
+
+        // The same card again, from its entry: the question, Yes, and the old recording goes.
+        quandoAperto<Memorf>([this](Memorf *m) {
+            QTest::keyClicks(m->casella(S::Marca), "fi");
+            m->elencoEsi()->setCurrentRow(0);
+            quandoAperto<MsgBox1>([](MsgBox1 *box) { box->tastiVisibili().at(0)->click(); });
+            m->tastoMemorizza()->click();
+        });
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_F2);
+        finestra.activateWindow(); // the test platform gives nothing back by itself
+        QVERIFY(QTest::qWaitForWindowActive(&finestra));
+        QCOMPARE(QApplication::focusWidget(), g->riga(0));
+        QCOMPARE(schede(), QStringList{"Fiat/Punto/giro1"});
+        QVERIFY(!QFile::exists(file));
+        QCOMPARE(p->anello.FileRegistrazione, file);
+        g->Esci();
+        QVERIFY(!finestra.paginaAperta(g));
+    }
+};
+
+QTEST_MAIN(TstMemorf)
+#include "tst_memorf.moc"
