@@ -16,6 +16,7 @@
 #include "programming/ui/ProgMappe.h"
 #include "programming/ui/ReadMappe.h"
 #include "programming/ui/RegistroMappe.h"
+#include "programming/ui/RegistroScambio.h"
 #include "shell/Avvio.h"
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
@@ -106,6 +107,7 @@ int main(int argc, char *argv[])
     RegistraPagineMessaPunto(finestra);
     RegistraStrumenti(finestra);
     RegistraPagineMappe(finestra);
+    RegistraPagineScambio(finestra);
     Avvio::esegui(programma);
     finestra.avvia();
     finestra.showNormal();

@@ -6,6 +6,7 @@
 #include "monitoring/ui/RegistroStrumenti.h"
 #include "pages/ui/RegistroMessaPunto.h"
 #include "programming/ui/RegistroMappe.h"
+#include "programming/ui/RegistroScambio.h"
 #include "shell/Avvio.h"
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
@@ -81,6 +82,7 @@ int main(int argc, char *argv[])
     RegistraPagineMessaPunto(finestra);
     RegistraStrumenti(finestra);
     RegistraPagineMappe(finestra);
+    RegistraPagineScambio(finestra);
 
     Avvio::esegui(programma);
     finestra.avvia();
