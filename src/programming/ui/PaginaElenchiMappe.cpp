@@ -247,14 +247,16 @@ void PaginaElenchiMappe::Comando()
 bool PaginaElenchiMappe::eventFilter(QObject *oggetto, QEvent *evento)
 {
     if (evento->type() == QEvent::KeyPress && (oggetto == m_elenchi[0] || oggetto == m_elenchi[1])) {
-        const int k = static_cast<QKeyEvent *>(evento)->key();
+        const auto *tasto = static_cast<QKeyEvent *>(evento);
+        const int k = tasto->key();
+        const bool tutti = tasto->modifiers() & Qt::ControlModifier;
         const bool invio = k == Qt::Key_Return || k == Qt::Key_Enter;
         if (oggetto == m_elenchi[0] && (invio || k == Qt::Key_Insert)) {
-            Aggiungi(1);
+            Aggiungi(tutti ? 0 : 1);
             return true;
         }
         if (oggetto == m_elenchi[1] && (invio || k == Qt::Key_Delete)) {
-            Rimuovi(0);
+            Rimuovi(tutti ? 1 : 0);
             return true;
         }
     }

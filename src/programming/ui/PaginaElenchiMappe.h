@@ -19,7 +19,7 @@ class ModelloAlberoMappe;
 // them for the first two.
 //
 // By keyboard: arrows in the trees, Insert or Enter in ElencoMM adds the node, Delete or
-// Enter in ElencoAll removes it; the four buttons have their mnemonics. Enter in the folder
+// Enter in ElencoAll removes it, with Ctrl all of them; the four buttons have their Alt keys. Enter in the folder
 // field confirms it (RipriMappe then lists the medium's maps).
 class PaginaElenchiMappe : public TelaioScambio
 {
