@@ -291,7 +291,8 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua
     ChiudiArchivioSoftware(locale);
     CancellaTemp(percorsoApp);
     esito.fatto = true;
-    esito.messaggio = TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE1.3"));
+    esito.messaggio =
+        TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE1.3"), QString::number(esito.voci));
     return esito;
 }
 

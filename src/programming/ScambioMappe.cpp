@@ -238,7 +238,8 @@ EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, c
     ChiudiArchivioMappe(locale);
     CancellaTemp(percorsoApp);
     esito.fatto = true;
-    esito.messaggio = TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE_3"));
+    esito.messaggio =
+        TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE_3"), QString::number(esito.voci));
     return esito;
 }
 

@@ -180,7 +180,7 @@ private slots:
         const EsitoScambio ripreso =
             RipristinaMappe(app, lingua, p("stick"), tutte(sorgente.albero), rispondi({}));
         QVERIFY(ripreso.fatto);
-        QCOMPARE(ripreso.messaggio, testo("RipriMappe", "SEGNALAZIONE_3"));
+        QCOMPARE(ripreso.messaggio, testo("RipriMappe", "SEGNALAZIONE_3", "4"));
         QCOMPARE(ripreso.avvisi, QStringList{testo("SCAMBIO", "SENZA_FILE", "LPG\\Fiat\\Panda\\solo")});
         QVERIFY(domande.isEmpty());
         QStringList attese = prima;

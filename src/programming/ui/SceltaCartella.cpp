@@ -17,11 +17,16 @@ namespace kv {
 
 namespace {
 
-// Where removable media appear on a Linux desktop.
+// Where removable media appear on a Linux desktop: /media/<user>/<name>, /run/media/<user>/<name>,
+// or a folder of /mnt itself.
 bool removibile(const QString &radice)
 {
-    return radice.startsWith(QLatin1String("/media/")) || radice.startsWith(QLatin1String("/run/media/"))
-           || radice.startsWith(QLatin1String("/mnt/"));
+    const QStringList parti = radice.split(u'/', Qt::SkipEmptyParts);
+    if (parti.value(0) == u"media")
+        return parti.size() >= 2;
+    if (parti.value(0) == u"run" && parti.value(1) == u"media")
+        return parti.size() >= 3;
+    return parti.value(0) == u"mnt" && parti.size() == 2;
 }
 
 // The volumes a medium may be on: removable ones first, then the home folder and the rest;
