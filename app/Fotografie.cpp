@@ -4,6 +4,7 @@
 
 #include "Demo.h"
 
+#include "archives/ScambioSoftware.h"
 #include "base/FileIni.h"
 #include "base/IstanzaUnica.h"
 #include "base/PercorsoApp.h"
@@ -17,10 +18,14 @@
 #include "pages/ui/GrigliaMessaPunto.h"
 #include "pages/ui/MP_Normale.h"
 #include "pages/ui/RegistroMessaPunto.h"
+#include "programming/ui/PaginaElenchiMappe.h"
+#include "programming/ui/PaginaSoftware.h"
 #include "programming/ui/ProgMappe.h"
 #include "programming/ui/ReadMappe.h"
 #include "programming/ui/RegistroMappe.h"
 #include "programming/ui/RegistroProgSW.h"
+#include "programming/ui/RegistroScambio.h"
+#include "programming/ui/SceltaCartella.h"
 #include "shell/Avvio.h"
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
@@ -127,6 +132,7 @@ int main(int argc, char *argv[])
     RegistraStrumenti(finestra);
     RegistraPagineMappe(finestra);
     RegistraProgSW(finestra);
+    RegistraPagineScambio(finestra);
     Avvio::esegui(programma);
     PreparaRilascioDemo(programma.stato.PercorsoApp, programma.lingua);
     finestra.avvia();
@@ -244,6 +250,9 @@ int main(int argc, char *argv[])
             tasto->click();
         pausa(8000);
         ok &= salva(finestra, cartella, QStringLiteral("progsw.png"));
+        // The pages after this one need the link: the flash runs to its end first.
+        attendi(linkLibero, 120000);
+        finestra.ChiudiPagina(pagina);
     }
     // The record card, with a few cards in the archive and the make begun.
     {
@@ -266,6 +275,66 @@ int main(int argc, char *argv[])
         scheda.elencoEsi()->setFocus();
         ok &= salva(scheda, cartella, QStringLiteral("memorf.png"));
         scheda.reject();
+    }
+    // The exchange pages against a medium folder beside the program's: the map read above and
+    // a software release copied to it and restored from it, then the two deletion pages.
+    QTemporaryDir mezzo;
+    {
+        QDir().mkpath(home.filePath(QStringLiteral("SOFTWARE/FILES19")));
+        QFile s19(home.filePath(QStringLiteral("SOFTWARE/FILES19/KV2026.S19")));
+        if (s19.open(QIODevice::WriteOnly))
+            s19.write("S00600004844521B\r\nS9030000FC\r\n");
+        Archivio db;
+        if (ApriArchivioSoftware(home.filePath(QStringLiteral("SOFTWARE")), QStringLiteral("SOFTWARE.MDB"),
+                                 db)) {
+            RigaArchivio riga = db.NuovaRiga();
+            riga.Imposta(u"NomeSW", QStringLiteral("KV2026"));
+            riga.Imposta(u"Versione", QStringLiteral("2.6"));
+            riga.Imposta(u"NOTE", QStringLiteral("Release for the 2026 kits"));
+            db.Salva(riga);
+        }
+    }
+    const auto siSempre = [](const QString &, int, const QString &) { return 6; };
+    if (auto *crea = qobject_cast<PaginaElenchiMappe *>(finestra.apriPagina(IdPagina::CreaDiscoMappe))) {
+        crea->impostaDomanda(siSempre);
+        crea->Aggiungi(0);
+        crea->cartella()->impostaCartella(mezzo.path());
+        crea->Comando();
+        ok &= salva(finestra, cartella, QStringLiteral("creadiscomappe.png"));
+        finestra.ChiudiPagina(crea);
+    }
+    if (auto *crea = qobject_cast<PaginaSoftware *>(finestra.apriPagina(IdPagina::CreaDiscoSW))) {
+        crea->impostaDomanda(siSempre);
+        crea->LSoftware()->selectAll();
+        crea->cartella()->impostaCartella(mezzo.path());
+        crea->Comando();
+        ok &= salva(finestra, cartella, QStringLiteral("creadiscosw.png"));
+        finestra.ChiudiPagina(crea);
+    }
+    if (auto *ripri = qobject_cast<PaginaElenchiMappe *>(finestra.apriPagina(IdPagina::RipriMappe))) {
+        ripri->impostaDomanda(siSempre);
+        ripri->cartella()->impostaCartella(mezzo.path());
+        ripri->ScegliSorgente(mezzo.path());
+        ripri->Aggiungi(0);
+        ripri->Comando();
+        ok &= salva(finestra, cartella, QStringLiteral("riprimappe.png"));
+        finestra.ChiudiPagina(ripri);
+    }
+    if (auto *ripri = qobject_cast<PaginaSoftware *>(finestra.apriPagina(IdPagina::RipriDiscoSW))) {
+        ripri->impostaDomanda(siSempre);
+        ripri->cartella()->impostaCartella(mezzo.path());
+        ripri->ScegliSorgente(mezzo.path());
+        ok &= salva(finestra, cartella, QStringLiteral("ripridiscosw.png"));
+        finestra.ChiudiPagina(ripri);
+    }
+    if (auto *cancella = qobject_cast<PaginaElenchiMappe *>(finestra.apriPagina(IdPagina::CancelMappe))) {
+        cancella->Aggiungi(0);
+        ok &= salva(finestra, cartella, QStringLiteral("cancelmappe.png"));
+        finestra.ChiudiPagina(cancella);
+    }
+    if (QWidget *pagina = finestra.apriPagina(IdPagina::CancelSW)) {
+        ok &= salva(finestra, cartella, QStringLiteral("cancelsw.png"));
+        finestra.ChiudiPagina(pagina);
     }
     return ok ? 0 : 1;
 }

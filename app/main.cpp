@@ -7,6 +7,7 @@
 #include "pages/ui/RegistroMessaPunto.h"
 #include "programming/ui/RegistroMappe.h"
 #include "programming/ui/RegistroProgSW.h"
+#include "programming/ui/RegistroScambio.h"
 #include "shell/Avvio.h"
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
@@ -89,6 +90,7 @@ int main(int argc, char *argv[])
     RegistraStrumenti(finestra);
     RegistraPagineMappe(finestra);
     RegistraProgSW(finestra);
+    RegistraPagineScambio(finestra);
 
     Avvio::esegui(programma);
     // Something to flash into the simulated ECU, when the home has no release of its own.

@@ -91,7 +91,11 @@ void AlberoMappe::aggiungiCartelle(const QString &cartellaMappe)
 
 void AlberoMappe::aggiungiCatalogo(Archivio &db)
 {
-    const QList<RigaArchivio> righe = db.Elenca(u"PER_NOME");
+    aggiungiRighe(db.Elenca(u"PER_NOME"));
+}
+
+void AlberoMappe::aggiungiRighe(const QList<RigaArchivio> &righe)
+{
     for (const RigaArchivio &r : righe) {
         const ChiaveMappa k =
             ChiaveMappa{r.Testo(u"TipoImpianto"), r.Testo(u"Marca"), r.Testo(u"Modello"), r.Testo(u"File")}
@@ -106,7 +110,7 @@ void AlberoMappe::aggiungiCatalogo(Archivio &db)
         }
         m_nodi[size_t(id)].nota = r.Campo(u"Note");
     }
-    m_nodi[0].nelCatalogo = !righe.isEmpty();
+    m_nodi[0].nelCatalogo = m_nodi[0].nelCatalogo || !righe.isEmpty();
     ordina(Radice);
 }
 
@@ -180,6 +184,32 @@ QList<int> AlberoMappe::foglie(int id) const
     for (int f : m_nodi[size_t(id)].figli)
         elenco += foglie(f);
     return elenco;
+}
+
+AlberoMappe AlberoMappe::sottoinsieme(const QList<int> &mappe) const
+{
+    AlberoMappe a;
+    a.m_nodi[0] = m_nodi[0];
+    a.m_nodi[0].figli.clear();
+    for (int id : mappe) {
+        if (!valido(id) || nodo(id).livello != Livello::Mappa)
+            continue;
+        QList<int> via;
+        for (int n = id; n != Radice; n = nodo(n).padre)
+            via.prepend(n);
+        int dove = Radice;
+        for (int n : std::as_const(via)) {
+            const Nodo &qui = nodo(n);
+            dove = a.figlioDi(dove, qui.nome, qui.livello);
+            Nodo &copia = a.m_nodi[size_t(dove)];
+            copia.suDisco = qui.suDisco;
+            copia.percorso = qui.percorso;
+            copia.nelCatalogo = qui.nelCatalogo;
+            copia.nota = qui.nota;
+        }
+    }
+    a.ordina(Radice);
+    return a;
 }
 
 } // namespace kv

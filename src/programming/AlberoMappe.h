@@ -53,6 +53,8 @@ public:
     // Every row of an open map catalogue (ARCHMAPPE.MDB or DBTEMP.MDB) whose four key
     // fields have text.
     void aggiungiCatalogo(Archivio &db);
+    // The same for rows read elsewhere (the catalogue of an exchange medium).
+    void aggiungiRighe(const QList<RigaArchivio> &righe);
     // Folders and catalogue of the program's folder; the catalogue is opened and closed
     // again. Without a catalogue the folders are still there, and esito says why.
     static AlberoMappe Carica(const QString &percorsoApp, EsitoArchivio *esito = nullptr);
@@ -71,6 +73,8 @@ public:
     int trova(const ChiaveMappa &chiave) const;
     // The maps below a node, in order (the node itself when it is a map).
     QList<int> foglie(int id) const;
+    // A tree of some maps of this one, with the nodes above them, each as it is here.
+    AlberoMappe sottoinsieme(const QList<int> &mappe) const;
 
 private:
     int figlioDi(int padre, const QString &nome, Livello livello);

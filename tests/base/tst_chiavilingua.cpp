@@ -153,6 +153,32 @@ private slots:
                                         + QStringList{"MENUIMP.0"};
         QTest::newRow("REGISTRAZIONE") << "REGISTRAZIONE" << indici("STATOREG.", 0, 2);
         QTest::newRow("Memorf") << "Memorf" << QStringList{"CAPTION", "SCHEDA"} + indici("LABSCHEDA.", 0, 3);
+        // The exchange and deletion pages, and the lines of what they pass over.
+        QTest::newRow("SCAMBIO") << "SCAMBIO"
+                                 << QStringList{"SFOGLIA",          "SCEGLI",        "MANCANTE",
+                                                "ELENCO",           "ALTRE",         "NOME",
+                                                "IMPIANTO",         "DOPPIO",        "FUORI",
+                                                "FUORI_CANCELLA",   "SENZA_FILE",    "GRANDE",
+                                                "SOLO_RIGA",        "SCRITTURA",     "CANCELLAZIONE",
+                                                "CANCELLA_SW",      "CANCELLATO_SW", "TEMP",
+                                                "LETTURA",          "COPIA",         "PULIZIA",
+                                                "NON_CARTELLA",     "SORGENTE_APP",  "CATALOGO",
+                                                "CATALOGO_ASSENTE", "IN_CORSO"};
+        const QStringList bottoni = indici("AGGIUNGI.", 0, 1) + indici("RIMUOVI.", 0, 1);
+        QTest::newRow("CreaDiscoMappe")
+            << "CreaDiscoMappe" << QStringList{"CAPTION"} + indici("LABCD.", 0, 2) + bottoni;
+        QTest::newRow("RipriMappe") << "RipriMappe"
+                                    << QStringList{"CAPTION"} + indici("LABSALVA.", 0, 2) + bottoni
+                                           + indici("SEGNALAZIONE_", 1, 4);
+        QTest::newRow("CancelMappe") << "CancelMappe"
+                                     << QStringList{"CAPTION"} + indici("LABCD.", 0, 1) + bottoni;
+        const QStringList campiSW = indici("LABSW.", 0, 1);
+        QTest::newRow("CreaDiscoSW") << "CreaDiscoSW"
+                                     << QStringList{"CAPTION", "BOXCREADISCO", "BOXDESTINAZIONE"} + campiSW;
+        QTest::newRow("RipriDiscoSW") << "RipriDiscoSW"
+                                      << QStringList{"CAPTION", "BOXSORGENTE", "BOXRIPRIDISCO"} + campiSW
+                                             + indici("SEGNALAZIONE1.", 1, 4);
+        QTest::newRow("CancelSW") << "CancelSW" << QStringList{"CAPTION", "BOXCANCEL"} + campiSW;
     }
 
     void everyKeyOfAComputedFamilyHasText()

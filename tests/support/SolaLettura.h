@@ -15,10 +15,14 @@ namespace kv {
 class SolaLettura
 {
 public:
-    explicit SolaLettura(QString percorso) : m_percorso(std::move(percorso))
+    // Other permissions than read-only may be asked for: none at all, for a file that
+    // cannot be read.
+    explicit SolaLettura(QString percorso,
+                         QFile::Permissions permessi = QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther)
+        : m_percorso(std::move(percorso))
     {
         m_permessi = QFile::permissions(m_percorso);
-        QFile::setPermissions(m_percorso, QFile::ReadOwner | QFile::ReadGroup | QFile::ReadOther);
+        QFile::setPermissions(m_percorso, permessi);
         if (syscall(SYS_capget, &m_testa, m_capacita) == 0) {
             __user_cap_data_struct ridotte[2] = {m_capacita[0], m_capacita[1]};
             ridotte[0].effective &= ~((1u << CAP_DAC_OVERRIDE) | (1u << CAP_DAC_READ_SEARCH));

@@ -1,0 +1,85 @@
+#include "programming/CancellazioneMappe.h"
+
+#include "archives/Cartelle.h"
+#include "base/Lingua.h"
+#include "programming/ScambioMappe.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace kv {
+
+namespace {
+
+// The question names every map it deletes, up to a screenful.
+constexpr int MappeNellaDomanda = 12;
+
+bool restaUnaMappa(const QString &cartella)
+{
+    const QStringList voci = QDir(cartella).entryList(QDir::Files | QDir::Hidden | QDir::System);
+    for (const QString &v : voci)
+        if (v.endsWith(FileMappa::Estensione, Qt::CaseInsensitive))
+            return true;
+    return false;
+}
+
+} // namespace
+
+EsitoScambio CancellaMappe(const QString &percorsoApp, const Lingua &lingua, const QList<ChiaveMappa> &mappe,
+                           const DomandaScambio &domanda)
+{
+    const QString Scambio = QStringLiteral("SCAMBIO");
+    const QString Segnalazioni = QStringLiteral("SEGNALAZIONI");
+    EsitoScambio esito;
+    if (mappe.isEmpty()) {
+        esito.messaggio = TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_27"));
+        return esito;
+    }
+    QStringList elenco;
+    for (const ChiaveMappa &k : mappe.mid(0, MappeNellaDomanda))
+        elenco << NomeVisibile(TestoChiaveMappa(k.pulita()));
+    if (mappe.size() > MappeNellaDomanda)
+        elenco << TestoScambio(lingua, Scambio, QStringLiteral("ALTRE"),
+                               QString::number(mappe.size() - MappeNellaDomanda));
+    if (!domanda(TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_30"))
+                 + QStringLiteral("\n\n") + elenco.join(u'\n')))
+        return esito;
+
+    const QString radice = CartellaMappe(percorsoApp);
+    Archivio db;
+    if (!ApriArchivioMappe(radice, FileArchivi::FileMappe, db)) {
+        esito.messaggio = TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_28"));
+        esito.avvisi << TestoEsitoArchivio(lingua, db.Esito());
+        return esito;
+    }
+    for (const ChiaveMappa &m : mappe) {
+        const ChiaveMappa k = m.pulita();
+        const QString visibile = NomeVisibile(TestoChiaveMappa(k));
+        if (!db.Cancella(u"PER_NOME", k.elenco()) && !db.Esito().ok())
+            esito.avvisi << visibile + QStringLiteral(": ") + TestoEsitoArchivio(lingua, db.Esito());
+        ++esito.voci;
+        const PercorsoMappa p = PercorsoFileMappa(percorsoApp, k, NomiMappa::Esistenti);
+        if (!p.ok()) {
+            if (k.completa())
+                esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("FUORI_CANCELLA"), visibile);
+            continue;
+        }
+        if (EsisteMappa(p)) {
+            ToglieSolaLettura(p.file, radice);
+            if (!QFile::remove(p.file)) {
+                esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("CANCELLAZIONE"), visibile);
+                continue;
+            }
+        }
+        // The model's folder goes with its last map; the make's and the plant's stay.
+        if (QFileInfo(p.cartella).isDir() && !restaUnaMappa(p.cartella))
+            CancellaCartella(p.cartella, radice);
+    }
+    ChiudiArchivioMappe(db);
+    esito.fatto = true;
+    esito.messaggio = TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_29"));
+    return esito;
+}
+
+} // namespace kv

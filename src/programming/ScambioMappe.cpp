@@ -1,0 +1,246 @@
+#include "programming/ScambioMappe.h"
+
+#include "archives/Cartelle.h"
+#include "archives/PulisciDestinazione.h"
+#include "base/FileSystem.h"
+#include "base/Lingua.h"
+
+#include <QFileInfo>
+#include <QHash>
+#include <QSet>
+
+namespace kv {
+
+namespace {
+
+const QString Scambio = QStringLiteral("SCAMBIO");
+const QString Segnalazioni = QStringLiteral("SEGNALAZIONI");
+const QString Ripri = QStringLiteral("RipriMappe");
+
+// The key of the language file that says why a map's names cannot travel; empty when they can.
+QString difettoNomi(const ChiaveMappa &k)
+{
+    for (int n = 0; n < ChiaveMappa::Campi; ++n)
+        if (!NomeScambioValido(k.campo(n), LunghezzaMassimaNome(n)))
+            return QStringLiteral("NOME");
+    for (const QLatin1String impianto : FileMappa::Impianti)
+        if (k.impianto.compare(impianto, Qt::CaseInsensitive) == 0)
+            return {};
+    return QStringLiteral("IMPIANTO");
+}
+
+QString piegata(const ChiaveMappa &k)
+{
+    QStringList parti;
+    for (const QString &p : k.elenco())
+        parti << ChiavePiegata(p);
+    return parti.join(u'\t');
+}
+
+RigaArchivio rigaMappa(const Archivio &db, const ChiaveMappa &k, const std::optional<QString> &nota)
+{
+    RigaArchivio r = db.NuovaRiga();
+    r.Imposta(u"TipoImpianto", k.impianto);
+    r.Imposta(u"Marca", k.marca);
+    r.Imposta(u"Modello", k.modello);
+    r.Imposta(u"File", k.file);
+    r.Imposta(u"NOTE", nota);
+    return r;
+}
+
+EsitoScambio fine(bool fatto, const QString &messaggio, QStringList avvisi = {})
+{
+    return {fatto, messaggio, std::move(avvisi), 0};
+}
+
+} // namespace
+
+QString TestoChiaveMappa(const ChiaveMappa &chiave)
+{
+    return chiave.elenco().join(u'\\');
+}
+
+EsitoScambio ScriviDiscoMappe(const QString &percorsoApp, const Lingua &lingua,
+                              const QList<ChiaveMappa> &mappe, const QString &destinazione,
+                              const DomandaScambio &domanda)
+{
+    const auto segnalazione = [&lingua](const char *chiave) {
+        return TestoScambio(lingua, Segnalazioni, QString::fromLatin1(chiave));
+    };
+    if (mappe.isEmpty())
+        return fine(false, segnalazione("SEGNALAZIONE_17"));
+    const CartellaScambio meta = ControllaCartellaScambio(destinazione, percorsoApp);
+    switch (meta.esito) {
+    case EsitoCartellaScambio::Valida:
+        break;
+    case EsitoCartellaScambio::Vuota:
+        return fine(false, segnalazione("SEGNALAZIONE_18"));
+    case EsitoCartellaScambio::Programma:
+        return fine(false, segnalazione("SEGNALAZIONE_21"));
+    case EsitoCartellaScambio::NonCartella:
+        return fine(false, TestoScambio(lingua, Scambio, QStringLiteral("NON_CARTELLA"), meta.percorso));
+    }
+    if (!domanda(segnalazione("SEGNALAZIONE_16")))
+        return fine(false, segnalazione("SEGNALAZIONE_19"));
+
+    const QString temp = PreparaTemp(percorsoApp);
+    if (temp.isEmpty())
+        return fine(false, TestoScambio(lingua, Scambio, QStringLiteral("TEMP"),
+                                        PercorsoFile(percorsoApp, FileArchivi::CartellaTemp)));
+    Archivio locale, set;
+    if (!ApriArchivioMappe(CartellaMappe(percorsoApp), FileArchivi::FileMappe, locale)
+        || !ApriArchivioMappe(temp, FileArchivi::FileTempMappe, set)) {
+        const EsitoArchivio e = locale.Aperto() ? set.Esito() : locale.Esito();
+        CancellaTemp(percorsoApp);
+        return fine(false, segnalazione("SEGNALAZIONE_19"), {TestoEsitoArchivio(lingua, e)});
+    }
+    EsitoScambio esito;
+    QSet<QString> fatte;
+    for (const ChiaveMappa &m : mappe) {
+        const ChiaveMappa k = m.pulita();
+        const QString visibile = NomeVisibile(TestoChiaveMappa(k));
+        const auto salta = [&](const QString &chiave) {
+            esito.avvisi << TestoScambio(lingua, Scambio, chiave, visibile);
+        };
+        if (const QString difetto = difettoNomi(k); !difetto.isEmpty()) {
+            salta(difetto);
+            continue;
+        }
+        if (fatte.contains(piegata(k))) {
+            salta(QStringLiteral("DOPPIO"));
+            continue;
+        }
+        fatte.insert(piegata(k));
+        const PercorsoMappa p = PercorsoFileMappa(percorsoApp, k, NomiMappa::Esistenti);
+        if (!p.ok()) {
+            salta(QStringLiteral("FUORI"));
+            continue;
+        }
+        const std::optional<RigaArchivio> qui = locale.Cerca(u"PER_NOME", k.elenco());
+        if (!set.Salva(rigaMappa(set, p.chiave, qui ? qui->Campo(u"NOTE") : std::nullopt))) {
+            esito.avvisi << visibile + QStringLiteral(": ") + TestoEsitoArchivio(lingua, set.Esito());
+            continue;
+        }
+        QString cartella = temp;
+        for (int n = ChiaveMappa::Impianto; n <= ChiaveMappa::Modello; ++n)
+            cartella = PercorsoFile(cartella, p.chiave.campo(n));
+        const bool copiata =
+            EsisteMappa(p) && CreaCartella(cartella) && DentroRadice(cartella, temp)
+            && CopiaFileScambio(p.file, cartella + u'/' + p.chiave.file + FileMappa::Estensione, temp,
+                                MassimoFileScambio)
+                   == EsitoCopia::Fatta;
+        if (!copiata)
+            salta(QStringLiteral("SOLO_RIGA"));
+        ++esito.voci;
+    }
+    ChiudiArchivioMappe(set);
+    ChiudiArchivioMappe(locale);
+
+    const EsitoPulizia pulizia = PulisciDestinazione(meta, temp, TipoScambio::Mappe);
+    CancellaTemp(percorsoApp);
+    if (pulizia == EsitoPulizia::CopiaFallita) {
+        esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("COPIA"), meta.percorso);
+        esito.messaggio = segnalazione("SEGNALAZIONE_19");
+        return esito;
+    }
+    if (pulizia == EsitoPulizia::Parziale)
+        esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("PULIZIA"), meta.percorso);
+    esito.fatto = true;
+    esito.messaggio = segnalazione("SEGNALAZIONE_20");
+    return esito;
+}
+
+SorgenteMappe LeggiDiscoMappe(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente)
+{
+    SorgenteMappe s;
+    const MediumScambio m = LeggiMediumScambio(percorsoApp, lingua, sorgente, TipoScambio::Mappe);
+    s.esito = m.esito;
+    if (!m.esito.fatto)
+        return s;
+    s.albero.aggiungiCartelle(m.temp);
+    s.albero.aggiungiRighe(m.righe);
+    CancellaTemp(percorsoApp);
+    return s;
+}
+
+EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente,
+                             const QList<ChiaveMappa> &mappe, const DomandaScambio &domanda)
+{
+    if (mappe.isEmpty() || sorgente.trimmed().isEmpty())
+        return fine(false, TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_17")));
+    const MediumScambio m = LeggiMediumScambio(percorsoApp, lingua, sorgente, TipoScambio::Mappe);
+    if (!m.esito.fatto)
+        return m.esito;
+    EsitoScambio esito;
+    esito.avvisi = m.esito.avvisi;
+    Archivio locale;
+    const QString radice = CartellaMappe(percorsoApp);
+    if (!ApriArchivioMappe(radice, FileArchivi::FileMappe, locale)) {
+        CancellaTemp(percorsoApp);
+        return fine(false, TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE_4")),
+                    esito.avvisi << TestoEsitoArchivio(lingua, locale.Esito()));
+    }
+    // The notes of the medium by key; the first of a doubled key wins.
+    QHash<QString, std::optional<QString>> note;
+    for (const RigaArchivio &r : m.righe) {
+        const ChiaveMappa k =
+            ChiaveMappa{r.Testo(u"TipoImpianto"), r.Testo(u"Marca"), r.Testo(u"Modello"), r.Testo(u"File")}
+                .pulita();
+        if (!note.contains(piegata(k)))
+            note.insert(piegata(k), r.Campo(u"NOTE"));
+    }
+    QSet<QString> fatte;
+    for (const ChiaveMappa &mappa : mappe) {
+        const ChiaveMappa k = mappa.pulita();
+        const QString visibile = NomeVisibile(TestoChiaveMappa(k));
+        const auto salta = [&](const QString &chiave) {
+            esito.avvisi << TestoScambio(lingua, Scambio, chiave, visibile);
+        };
+        if (const QString difetto = difettoNomi(k); !difetto.isEmpty()) {
+            salta(difetto);
+            continue;
+        }
+        if (fatte.contains(piegata(k))) {
+            salta(QStringLiteral("DOPPIO"));
+            continue;
+        }
+        fatte.insert(piegata(k));
+        const QString origine =
+            FileNelMedium(m, {k.impianto, k.marca, k.modello, k.file + FileMappa::Estensione});
+        if (origine.isEmpty()) {
+            salta(QStringLiteral("SENZA_FILE"));
+            continue;
+        }
+        const PercorsoMappa p = PercorsoFileMappa(percorsoApp, k, NomiMappa::Esistenti);
+        if (!p.ok()) {
+            salta(QStringLiteral("FUORI"));
+            continue;
+        }
+        const std::optional<RigaArchivio> qui = locale.Cerca(u"PER_NOME", k.elenco());
+        if (qui || EsisteMappa(p)) {
+            const QString testo = TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE_1"),
+                                               u' ' + TestoChiaveMappa(p.chiave) + u' ');
+            if (!domanda(testo))
+                continue;
+        }
+        const std::optional<QByteArray> prima = ContenutoPrecedente(p.file, radice);
+        if (!CreaCartellaMappa(percorsoApp, p) || !PosaFile(origine, p.file, radice)) {
+            salta(QStringLiteral("SCRITTURA"));
+            continue;
+        }
+        if (!locale.Salva(rigaMappa(locale, p.chiave, note.value(piegata(k))))) {
+            RimettiFile(p.file, radice, prima);
+            esito.avvisi << visibile + QStringLiteral(": ") + TestoEsitoArchivio(lingua, locale.Esito());
+            continue;
+        }
+        ++esito.voci;
+    }
+    ChiudiArchivioMappe(locale);
+    CancellaTemp(percorsoApp);
+    esito.fatto = true;
+    esito.messaggio =
+        TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE_3"), QString::number(esito.voci));
+    return esito;
+}
+
+} // namespace kv

@@ -1,0 +1,163 @@
+#include "programming/ui/TelaioScambio.h"
+
+#include "programming/DialogoMappe.h"
+#include "programming/ui/SceltaCartella.h"
+#include "shell/Programma.h"
+#include "shell/ui/MsgBox1.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QVBoxLayout>
+
+namespace kv {
+
+namespace {
+
+constexpr int FlagInformazione = 64;
+
+} // namespace
+
+TelaioScambio::Attesa::Attesa()
+{
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+}
+
+TelaioScambio::Attesa::~Attesa()
+{
+    QApplication::restoreOverrideCursor();
+}
+
+TelaioScambio::TelaioScambio(Programma &programma, QString sezione, bool conCartella, QWidget *parent)
+    : QWidget(parent)
+    , m_programma(programma)
+    , m_sezione(std::move(sezione))
+    , m_corpo(new QVBoxLayout)
+    , m_segnalazione(new QLabel(this))
+    , m_avvisi(new QPlainTextEdit(this))
+    , m_comando(new QPushButton(this))
+    , m_esci(new QPushButton(this))
+{
+    setObjectName(m_sezione);
+    const int u = fontMetrics().averageCharWidth();
+    if (conCartella)
+        m_cartella = new SceltaCartella(this);
+
+    m_segnalazione->setObjectName(QStringLiteral("Segnalazione"));
+    m_segnalazione->setFrameShape(QFrame::StyledPanel);
+    m_segnalazione->setFrameShadow(QFrame::Sunken);
+    m_segnalazione->setWordWrap(true);
+    m_segnalazione->setMinimumHeight(2 * m_segnalazione->fontMetrics().height() + 10);
+    m_avvisi->setObjectName(QStringLiteral("Avvisi"));
+    m_avvisi->setReadOnly(true);
+    m_avvisi->setFocusPolicy(Qt::ClickFocus);
+    m_avvisi->setMaximumHeight(6 * m_avvisi->fontMetrics().height());
+    m_avvisi->hide();
+
+    m_esci->setObjectName(QStringLiteral("Esci"));
+    auto *comandi = new QHBoxLayout;
+    comandi->addWidget(m_comando);
+    comandi->addStretch(1);
+    comandi->addWidget(m_esci);
+    for (auto [tasto, chiave] : {std::pair{m_comando, Qt::Key_F2}, std::pair{m_esci, Qt::Key_Escape}}) {
+        tasto->setAutoDefault(false);
+        tasto->setMinimumWidth(18 * u);
+        auto *s = new QShortcut(QKeySequence(chiave), this);
+        s->setContext(Qt::WindowShortcut);
+        connect(s, &QShortcut::activated, this, [this, b = tasto] {
+            if (b->isEnabled() && b->isVisible() && isEnabled())
+                b->click();
+        });
+    }
+    connect(m_comando, &QPushButton::clicked, this, [this] { Comando(); });
+    connect(m_esci, &QPushButton::clicked, this, &TelaioScambio::chiusa);
+
+    auto *principale = new QVBoxLayout(this);
+    principale->addLayout(m_corpo, 1);
+    principale->addWidget(m_segnalazione);
+    principale->addWidget(m_avvisi);
+    principale->addLayout(comandi);
+
+    m_domanda = [this](const QString &t, int flags, const QString &titolo) {
+        return kv::MostraMsg(m_programma.lingua, t, flags, titolo, 0, this);
+    };
+}
+
+void TelaioScambio::mettiCartella(QBoxLayout *dove)
+{
+    if (m_cartella)
+        dove->addWidget(m_cartella);
+}
+
+void TelaioScambio::impostaModale(Modale modale)
+{
+    if (m_cartella)
+        m_cartella->impostaModale(std::move(modale));
+}
+
+QString TelaioScambio::testo(const QString &chiave) const
+{
+    return testo(m_sezione, chiave);
+}
+
+QString TelaioScambio::testo(const QString &sezione, const QString &chiave) const
+{
+    return m_programma.lingua.LeggiTesto(sezione, chiave).trimmed();
+}
+
+void TelaioScambio::caricaTesti(const QString &tastoComando, const QString &etichettaCartella)
+{
+    setWindowTitle(testo(QStringLiteral("CAPTION")));
+    m_comando->setText(QLatin1Char('&') + testo(QStringLiteral("TASTI"), tastoComando)
+                       + QStringLiteral("  (F2)"));
+    m_esci->setText(QLatin1Char('&') + m_programma.lingua.LeggiTesto("TASTI", "ESCI").trimmed()
+                    + QStringLiteral("  (Esc)"));
+    if (m_cartella)
+        m_cartella->caricaTesti(m_programma.lingua, etichettaCartella);
+}
+
+QString TelaioScambio::segnalazione() const
+{
+    return m_segnalazione->text();
+}
+
+QStringList TelaioScambio::avvisi() const
+{
+    const QString t = m_avvisi->toPlainText();
+    return t.isEmpty() ? QStringList() : t.split(u'\n');
+}
+
+void TelaioScambio::mostraSegnalazione(const QString &testo)
+{
+    m_segnalazione->setText(testo);
+    m_segnalazione->repaint();
+}
+
+void TelaioScambio::mostra(const EsitoScambio &esito)
+{
+    m_segnalazione->setText(esito.messaggio);
+    m_avvisi->setPlainText(esito.avvisi.join(u'\n'));
+    m_avvisi->setVisible(!esito.avvisi.isEmpty());
+}
+
+bool TelaioScambio::chiedi(const QString &t)
+{
+    const bool attesa = QApplication::overrideCursor() != nullptr;
+    if (attesa)
+        QApplication::restoreOverrideCursor();
+    const int risposta =
+        m_domanda(t, FlagDomandaMappe, testo(QStringLiteral("SEGNALAZIONI"), QStringLiteral("TITOLO_1")));
+    if (attesa)
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    return risposta == RispostaSiMappe;
+}
+
+void TelaioScambio::avvisa(const QString &t)
+{
+    m_domanda(t, FlagInformazione, testo(QStringLiteral("SEGNALAZIONI"), QStringLiteral("TITOLO_1")));
+}
+
+} // namespace kv

@@ -1,0 +1,345 @@
+// Maps on exchange media and their deletion: the choice of the two trees, a set of maps (and
+// one of software beside it) to a medium and back into an emptied archive, a crafted medium
+// that tries to write outside the archive, a medium that cannot take the set, and the
+// deletion that prunes the model's folder behind its last map.
+
+#include "support/FileDiProva.h"
+#include "support/MezzoDiProva.h"
+#include "support/SolaLettura.h"
+
+#include "archives/ScambioSoftware.h"
+#include "base/Lingua.h"
+#include "programming/AlberoMappe.h"
+#include "programming/CancellazioneMappe.h"
+#include "programming/ScambioMappe.h"
+#include "programming/SelezioneMappe.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+using namespace kv;
+
+namespace {
+
+ChiaveMappa k(const QString &testo)
+{
+    const QStringList parti = testo.split(u'/');
+    return {parti.value(0), parti.value(1), parti.value(2), parti.value(3)};
+}
+
+QStringList testi(const QList<ChiaveMappa> &chiavi)
+{
+    QStringList r;
+    for (const ChiaveMappa &c : chiavi)
+        r << c.elenco().join(u'/');
+    return r;
+}
+
+} // namespace
+
+class TestScambioMappe : public QObject
+{
+    Q_OBJECT
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    QString app;
+    Lingua lingua;
+    QStringList domande;
+
+    QString p(const QString &relativo) const { return m_dir->filePath(relativo); }
+    QString testo(const char *sezione, const char *chiave, const QString &al = {}) const
+    {
+        return TestoScambio(lingua, QString::fromLatin1(sezione), QString::fromLatin1(chiave), al);
+    }
+    DomandaScambio rispondi(QList<bool> risposte)
+    {
+        return [this, risposte](const QString &t) mutable {
+            domande << t;
+            return risposte.isEmpty() || risposte.takeFirst();
+        };
+    }
+    // A map of the archive: its row (unless riga is false) and its file (unless byte is null).
+    void mappa(const QString &chiave, const QByteArray &byte, const QString &nota = {}, bool riga = true)
+    {
+        if (riga)
+            QVERIFY(RegistraMappa(app, k(chiave), nota).ok());
+        if (!byte.isNull()) {
+            QVERIFY(QDir().mkpath(QFileInfo(p("app/MAPPATURE/") + chiave).path()));
+            scrivi(p("app/MAPPATURE/") + chiave + ".LKV", byte);
+        }
+    }
+    // The archive as the fitter knows it: each map's row (with its note) and file.
+    QStringList archivio() const
+    {
+        QStringList r;
+        const AlberoMappe albero = AlberoMappe::Carica(app);
+        for (int f : albero.foglie(AlberoMappe::Radice)) {
+            const AlberoMappe::Nodo &n = albero.nodo(f);
+            r << QStringList{albero.chiave(f).elenco().join(u'/'),
+                             n.nelCatalogo ? n.nota.value_or("NULL") : "-",
+                             n.suDisco ? QString::fromLatin1(leggi(n.percorso)) : "-"}
+                     .join(u'|');
+        }
+        return r;
+    }
+    QList<ChiaveMappa> tutte(const AlberoMappe &albero) const
+    {
+        SelezioneMappe s;
+        s.imposta(albero);
+        s.aggiungiTutti();
+        return s.chiavi();
+    }
+
+private slots:
+    void init()
+    {
+        m_dir = std::make_unique<QTemporaryDir>();
+        QVERIFY(m_dir->isValid());
+        app = p("app");
+        QVERIFY(QDir().mkpath(p("app/MAPPATURE")) && QDir().mkpath(p("fuori")));
+        scrivi(p("fuori/segreto.txt"), "outside");
+        QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), p("app/ENGLISH.LNG")));
+        lingua = Lingua(app);
+        lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+        domande.clear();
+    }
+
+    void sceltaDeiDueAlberi()
+    {
+        mappa("LPG/Fiat/Punto/base", "1");
+        mappa("LPG/Fiat/Punto/tuned", "2");
+        mappa("LPG/Fiat/Panda/eco", "3");
+        mappa("CNG/Opel/Astra/metano", "4");
+        SelezioneMappe s;
+        s.imposta(AlberoMappe::Carica(app));
+        const AlberoMappe &d = s.disponibili();
+        // A map brings its parents; a make brings all below it, once.
+        s.aggiungi(d.trova(k("LPG/Fiat/Punto/tuned")));
+        QCOMPARE(testi(s.chiavi()), QStringList{"LPG/Fiat/Punto/tuned"});
+        s.aggiungi(d.trova(k("LPG/Fiat")));
+        QCOMPARE(testi(s.chiavi()),
+                 QStringList({"LPG/Fiat/Panda/eco", "LPG/Fiat/Punto/base", "LPG/Fiat/Punto/tuned"}));
+        // Removing a model's last map takes the model; removing a make takes all below it.
+        s.rimuovi(s.scelte().trova(k("LPG/Fiat/Panda/eco")));
+        QCOMPARE(s.scelte().trova(k("LPG/Fiat/Panda")), -1);
+        s.aggiungiTutti();
+        s.rimuovi(s.scelte().trova(k("LPG/Fiat")));
+        QCOMPARE(testi(s.chiavi()), QStringList{"CNG/Opel/Astra/metano"});
+        QCOMPARE(s.scelte().trova(k("LPG")), -1);
+        s.rimuoviTutti();
+        QVERIFY(s.vuota() && s.scelte().nodo(AlberoMappe::Radice).figli.isEmpty());
+    }
+
+    void andataERitorno()
+    {
+        mappa("LPG/Fiat/Punto/base", "base map", "as delivered");
+        mappa("LPG/Fiat/Punto/tuned", "tuned map");
+        mappa("CNG/Opel/Astra/eco", "eco map", "for winter");
+        mappa("LPG/Fiat/Panda/solo", QByteArray(), "a row without its file");
+        mappa("LPG/Fiat/Punto/sciolto", "a file without its row", {}, false);
+        Archivio db;
+        QVERIFY(ApriArchivioSoftware(p("app/SOFTWARE"), "SOFTWARE.MDB", db));
+        RigaArchivio sw = db.NuovaRiga();
+        sw.Imposta(u"NomeSW", QStringLiteral("KV2"));
+        sw.Imposta(u"Versione", QStringLiteral("2.01"));
+        QVERIFY(db.Salva(sw));
+        db.Chiudi();
+        QVERIFY(QDir().mkpath(p("app/SOFTWARE/FILES19")));
+        scrivi(p("app/SOFTWARE/FILES19/KV2.S19"), "release");
+        // The stick holds an older set of maps and the fitter's photos.
+        QVERIFY(QDir().mkpath(p("stick/LPG/Vecchia/M")) && QDir().mkpath(p("stick/FOTO")));
+        scrivi(p("stick/LPG/Vecchia/M/old.LKV"), "old");
+        scrivi(p("stick/FOTO/auto.jpg"), "photo");
+        const QStringList prima = archivio();
+        QCOMPARE(prima.size(), 5);
+
+        const EsitoScambio scritto =
+            ScriviDiscoMappe(app, lingua, tutte(AlberoMappe::Carica(app)), p("stick"), rispondi({}));
+        QVERIFY(scritto.fatto);
+        QCOMPARE(scritto.messaggio, testo("SEGNALAZIONI", "SEGNALAZIONE_20"));
+        QCOMPARE(scritto.avvisi, QStringList{testo("SCAMBIO", "SOLO_RIGA", "LPG\\Fiat\\Panda\\solo")});
+        QCOMPARE(domande, QStringList{testo("SEGNALAZIONI", "SEGNALAZIONE_16")});
+        QVERIFY(ScriviDiscoSoftware(app, lingua, {"KV2"}, p("stick"), rispondi({})).fatto);
+        QVERIFY(!QFileInfo::exists(p("stick/LPG/Vecchia")));
+        QCOMPARE(leggi(p("stick/FOTO/auto.jpg")), QByteArray("photo"));
+        QCOMPARE(leggi(p("stick/CNG/Opel/Astra/eco.LKV")), QByteArray("eco map"));
+        QCOMPARE(LeggiCatalogoScambio(p("stick/DBTEMP.MDB"), SchemaMappe()).righe.size(), 5);
+
+        // Another installation: an empty archive, everything on the medium chosen.
+        QVERIFY(QDir(p("app/MAPPATURE")).removeRecursively() && QDir(p("app/SOFTWARE")).removeRecursively());
+        const SorgenteMappe sorgente = LeggiDiscoMappe(app, lingua, p("stick"));
+        QVERIFY(sorgente.esito.fatto);
+        const int solo = sorgente.albero.trova(k("LPG/Fiat/Panda/solo"));
+        QVERIFY(solo > 0 && !sorgente.albero.nodo(solo).suDisco);
+        domande.clear();
+        const EsitoScambio ripreso =
+            RipristinaMappe(app, lingua, p("stick"), tutte(sorgente.albero), rispondi({}));
+        QVERIFY(ripreso.fatto);
+        QCOMPARE(ripreso.messaggio, testo("RipriMappe", "SEGNALAZIONE_3", "4"));
+        QCOMPARE(ripreso.avvisi, QStringList{testo("SCAMBIO", "SENZA_FILE", "LPG\\Fiat\\Panda\\solo")});
+        QVERIFY(domande.isEmpty());
+        QStringList attese = prima;
+        attese.removeIf([](const QString &r) { return r.contains("Panda"); });
+        // A file that had no row comes back with an empty note, as the medium gave it.
+        attese.replaceInStrings("sciolto|-|", "sciolto|NULL|");
+        QCOMPARE(archivio(), attese);
+        QStringList nomi;
+        for (const VoceSoftware &v : LeggiDiscoSoftware(app, lingua, p("stick")).voci)
+            nomi << v.nome;
+        QCOMPARE(RipristinaSoftware(app, lingua, p("stick"), nomi, rispondi({})).voci, 1);
+        QCOMPARE(leggi(p("app/SOFTWARE/FILES19/KV2.S19")), QByteArray("release"));
+        QVERIFY(!QFileInfo::exists(p("app/TEMP")));
+
+        // Once more: a no keeps the fitter's map, row and file; a yes replaces the other.
+        scrivi(p("app/MAPPATURE/LPG/Fiat/Punto/base.LKV"), "tuned here");
+        QVERIFY(RegistraMappa(app, k("LPG/Fiat/Punto/base"), "changed here").ok());
+        scrivi(p("app/MAPPATURE/LPG/Fiat/Punto/tuned.LKV"), "tuned here too");
+        const EsitoScambio due =
+            RipristinaMappe(app, lingua, p("stick"), {k("lpg/FIAT/punto/BASE"), k("LPG/Fiat/Punto/tuned")},
+                            rispondi({false, true}));
+        QCOMPARE(due.voci, 1);
+        QCOMPARE(domande.first(), testo("RipriMappe", "SEGNALAZIONE_1", " LPG\\Fiat\\Punto\\base "));
+        QVERIFY(archivio().contains("LPG/Fiat/Punto/base|changed here|tuned here"));
+        QVERIFY(archivio().contains("LPG/Fiat/Punto/tuned|NULL|tuned map"));
+    }
+
+    void mezzoManomesso()
+    {
+        // The archive here has a make that is a link to elsewhere, and TEMP is a link too.
+        QVERIFY(QDir().mkpath(p("fuori/opel")) && QDir().mkpath(p("fuori/temp"))
+                && QDir().mkpath(p("app/MAPPATURE/CNG")));
+        scrivi(p("fuori/temp/tieni.txt"), "keep");
+        QVERIFY(QFile::link(p("fuori/opel"), p("app/MAPPATURE/CNG/Opel")));
+        QVERIFY(QFile::link(p("fuori/temp"), p("app/TEMP")));
+
+        QVERIFY(QDir().mkpath(p("stick/LPG/Fiat/Punto")) && QDir().mkpath(p("stick/CNG/Fiat/Multipla")));
+        QVERIFY(QDir().mkpath(p("stick/CNG/Opel/Astra")) && QDir().mkpath(p("fuori/M")));
+        scrivi(p("stick/LPG/Fiat/Punto/base.LKV"), "good map");
+        scrivi(p("stick/CNG/Fiat/Multipla/eco.lkv"), "good too");
+        scrivi(p("stick/CNG/Opel/Astra/eco.LKV"), "would land outside");
+        scrivi(p("fuori/M/f.LKV"), "outside map");
+        QVERIFY(QFile::link(p("fuori/segreto.txt"), p("stick/LPG/Fiat/Punto/link.LKV")));
+        QVERIFY(QFile::link(p("stick/LPG"), p("stick/LPG/Fiat/giro")));
+        QVERIFY(QFile::link("/", p("stick/LPG/tutto")));
+        QVERIFY(QFile::link(p("fuori"), p("stick/LPG/Via")));
+        const QList<QStringList> righe = {
+            {"LPG", "..", "..", "evil"},
+            {"LPG", "../../../fuori", "x", "y"},
+            {"/etc", "a", "b", "c"},
+            {"LPG", "Fiat", "Punto", "a\\b"},
+            {"LPG", QString(300, u'x'), "m", "f"},
+            {"LPG", "Fiat", "Punto", "ctl\a"},
+            {"GPL", "Fiat", "Punto", "base"},
+            {"LPG", "Fiat", "Punto", "base"},
+            {"lpg", "FIAT", "punto", "BASE"},
+            {"LPG", "Fiat", "Punto", "manca"},
+            {"LPG", "Fiat", "Punto", "link"},
+            {"LPG", "Via", "M", "f"},
+            {"CNG", "Opel", "Astra", "eco"},
+            {"CNG", "Fiat", "Multipla", "eco"},
+        };
+        QList<QStringList> conNote;
+        QList<ChiaveMappa> chiavi;
+        for (const QStringList &r : righe) {
+            conNote << r + QStringList{"note " + r.last()};
+            chiavi << ChiaveMappa{r.at(0), r.at(1), r.at(2), r.at(3)};
+        }
+        catalogoGrezzo(p("stick/DBTEMP.MDB"), "MAPPE", {"TipoImpianto", "Marca", "Modello", "File", "NOTE"},
+                       conNote);
+        const auto fuori = istantanea(m_dir->path(), app);
+
+        const EsitoScambio esito = RipristinaMappe(app, lingua, p("stick"), chiavi, rispondi({}));
+        QVERIFY(esito.fatto);
+        QCOMPARE(esito.voci, 2);
+        QCOMPARE(archivio(), QStringList({"CNG/Fiat/Multipla/eco|note eco|good too",
+                                          "LPG/Fiat/Punto/base|note base|good map"}));
+        QCOMPARE(istantanea(m_dir->path(), app), fuori);
+        QStringList attesi;
+        for (int i = 0; i < 6; ++i)
+            attesi << testo("SCAMBIO", "NOME", NomeVisibile(TestoChiaveMappa(chiavi.at(i))));
+        attesi << testo("SCAMBIO", "IMPIANTO", "GPL\\Fiat\\Punto\\base")
+               << testo("SCAMBIO", "DOPPIO", "lpg\\FIAT\\punto\\BASE")
+               << testo("SCAMBIO", "SENZA_FILE", "LPG\\Fiat\\Punto\\manca")
+               << testo("SCAMBIO", "SENZA_FILE", "LPG\\Fiat\\Punto\\link")
+               << testo("SCAMBIO", "SENZA_FILE", "LPG\\Via\\M\\f")
+               << testo("SCAMBIO", "FUORI", "CNG\\Opel\\Astra\\eco");
+        QCOMPARE(esito.avvisi, attesi);
+
+        // A catalogue that is no database: a clear word, and nothing changes.
+        scrivi(p("stick/DBTEMP.MDB"), "no database");
+        const QStringList qui = archivio();
+        const EsitoScambio rifiutato = RipristinaMappe(app, lingua, p("stick"), chiavi, rispondi({}));
+        QVERIFY(!rifiutato.fatto);
+        QCOMPARE(rifiutato.messaggio,
+                 testo("SCAMBIO", "CATALOGO", QFileInfo(p("stick")).canonicalFilePath() + "/DBTEMP.MDB"));
+        QCOMPARE(archivio(), qui);
+        QVERIFY(LeggiDiscoMappe(app, lingua, p("stick")).albero.foglie(AlberoMappe::Radice).isEmpty());
+    }
+
+    void mezzoPieno()
+    {
+        mappa("LPG/Fiat/Punto/base", "base map", "as delivered");
+        QVERIFY(QDir().mkpath(p("stick")));
+        const auto archivio = istantanea(app);
+        SolaLettura pieno(p("stick"), QFile::ReadOwner | QFile::ExeOwner);
+        const EsitoScambio esito =
+            ScriviDiscoMappe(app, lingua, {k("LPG/Fiat/Punto/base")}, p("stick"), rispondi({}));
+        QVERIFY(!esito.fatto);
+        QCOMPARE(esito.messaggio, testo("SEGNALAZIONI", "SEGNALAZIONE_19"));
+        QCOMPARE(esito.avvisi,
+                 QStringList{testo("SCAMBIO", "COPIA", QFileInfo(p("stick")).canonicalFilePath())});
+        QCOMPARE(istantanea(app), archivio);
+    }
+
+    void cancellazione()
+    {
+        mappa("LPG/Fiat/Punto/base", "1");
+        mappa("LPG/Fiat/Punto/tuned", "2");
+        mappa("LPG/Fiat/Panda/solo", "3");
+        mappa("LPG/Fiat/Punto/sciolto", "4", {}, false);
+        QVERIFY(QFile::setPermissions(p("app/MAPPATURE/LPG/Fiat/Panda/solo.LKV"), QFile::ReadOwner));
+        QVERIFY(QDir().mkpath(p("fuori/x")));
+        scrivi(p("fuori/x/y.LKV"), "outside");
+        const auto fuori = istantanea(p("fuori"));
+
+        QCOMPARE(CancellaMappe(app, lingua, {k("LPG/Fiat/Panda/solo")}, rispondi({false})).voci, 0);
+        QCOMPARE(domande.first(), testo("SEGNALAZIONI", "SEGNALAZIONE_30") + "\n\nLPG\\Fiat\\Panda\\solo");
+        QVERIFY(QFileInfo::exists(p("app/MAPPATURE/LPG/Fiat/Panda/solo.LKV")));
+
+        // The last map of a model takes the model's folder; a file without its row goes too;
+        // a name that leads out deletes nothing there.
+        const EsitoScambio esito = CancellaMappe(
+            app, lingua,
+            {k("LPG/Fiat/Panda/solo"), k("LPG/Fiat/Punto/sciolto"), {"LPG", "..", "../fuori/x", "y"}},
+            rispondi({true}));
+        QVERIFY(esito.fatto);
+        QCOMPARE(esito.messaggio, testo("SEGNALAZIONI", "SEGNALAZIONE_29"));
+        QCOMPARE(esito.avvisi, QStringList{testo("SCAMBIO", "FUORI_CANCELLA", "LPG\\..\\../fuori/x\\y")});
+        QVERIFY(!QFileInfo::exists(p("app/MAPPATURE/LPG/Fiat/Panda")));
+        QCOMPARE(archivio(), QStringList({"LPG/Fiat/Punto/base|NULL|1", "LPG/Fiat/Punto/tuned|NULL|2"}));
+        QCOMPARE(istantanea(p("fuori")), fuori);
+
+        QVERIFY(CancellaMappe(app, lingua, {k("LPG/Fiat/Punto/base"), k("LPG/Fiat/Punto/tuned")},
+                              rispondi({true}))
+                    .fatto);
+        QVERIFY(!QFileInfo::exists(p("app/MAPPATURE/LPG/Fiat/Punto")));
+        QVERIFY(QFileInfo(p("app/MAPPATURE/LPG/Fiat")).isDir());
+        QVERIFY(archivio().isEmpty());
+
+        // An archive that cannot be opened keeps every file.
+        mappa("LPG/Fiat/Uno/resta", "5");
+        scrivi(p("app/MAPPATURE/ARCHMAPPE.MDB"), "no database");
+        const EsitoScambio rifiutato =
+            CancellaMappe(app, lingua, {k("LPG/Fiat/Uno/resta")}, rispondi({true}));
+        QCOMPARE(rifiutato.messaggio, testo("SEGNALAZIONI", "SEGNALAZIONE_28"));
+        QVERIFY(QFileInfo::exists(p("app/MAPPATURE/LPG/Fiat/Uno/resta.LKV")));
+    }
+};
+
+QTEST_MAIN(TestScambioMappe)
+#include "tst_scambiomappe.moc"
