@@ -1,7 +1,9 @@
 #include "Demo.h"
+#include "MenuOperatore.h"
 
 #include "base/IstanzaUnica.h"
 #include "base/PercorsoApp.h"
+#include "calibration/ui/RegistroTaratura.h"
 #include "link/PortaSeriale.h"
 #include "monitoring/ui/RegistroStrumenti.h"
 #include "pages/ui/RegistroMessaPunto.h"
@@ -63,7 +65,9 @@ int main(int argc, char *argv[])
             std::fprintf(stderr, "korvantine: the simulated ECU cannot start: %s\n", qPrintable(errore));
             return 1;
         }
-        std::fprintf(stderr, "korvantine: demo with the simulated ECU on %s\n",
+        std::fprintf(stderr,
+                     "korvantine: demo with the simulated ECU on %s; Ctrl+Shift+E: the fitter's actions at "
+                     "the car\n",
                      qPrintable(ecuDemo.percorso()));
     }
 
@@ -79,6 +83,9 @@ int main(int argc, char *argv[])
     // in none of them tells the fitter it is not there yet.
     RegistraPagineMessaPunto(finestra);
     RegistraStrumenti(finestra);
+    RegistraPagineTaratura(finestra);
+    if (opzioni.isSet(demo))
+        InstallaMenuOperatore(finestra, ecuDemo);
 
     Avvio::esegui(programma);
     finestra.avvia();
