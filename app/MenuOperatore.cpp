@@ -53,10 +53,9 @@ void InstallaMenuOperatore(Korvantine &frame, Demo &demo)
         }
         m.addSeparator();
         // What the outside rev counter shows, for the true RPM the calibration asks for.
-        QAction *contagiri =
-            m.addAction(lingua.LeggiTesto("DEMO", "CONTAGIRI")
-                            .replace(QLatin1String("XXX"), QString::number(demo.giriContagiri())));
-        contagiri->setEnabled(false);
+        // Left enabled, to be read easily; choosing it just closes the menu.
+        m.addAction(lingua.LeggiTesto("DEMO", "CONTAGIRI")
+                        .replace(QLatin1String("XXX"), QString::number(demo.giriContagiri())));
         m.exec(frame.mapToGlobal(frame.rect().center()));
     });
 }

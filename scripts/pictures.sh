@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Renders the main menu, the ECU version page, the port page, the idle page, the instruments and the charts
-# to docs/pictures/ as a fitter sees them, against the simulated ECU, with the offscreen platform (no display).
+# Renders the main menu, the ECU version page, the port page, the idle page, the instruments, the charts and
+# the calibration pages to docs/pictures/ as a fitter sees them, against the simulated ECU, with the
+# offscreen platform (no display).
 # Usage: scripts/pictures.sh [build-dir]   (default: build)
 set -euo pipefail
 cd "$(dirname "$0")/.."

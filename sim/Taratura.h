@@ -42,7 +42,7 @@ enum : quint8 {
 //        learnt, 220 press fully, 219 following the maximum until it stops rising; then
 //        both points go to EEPROM. In the sequence 207 for a second, then the lambda step;
 //        alone ('A' 4) 218 until 'A' 1.
-//        Lambda step: 206 while the stepper sweeps end to end, then in the sequence 204
+//        Lambda step: 206 while the stepper sweeps end to end twice, then in the sequence 204
 //        for FineSequenzaMs and back to normal running; alone ('A' 5) 29 for
 //        FineSingolaMs, then back to normal running.
 // Any other code is refused with CodiceErrato.
@@ -75,7 +75,7 @@ public:
     static constexpr int TpsMassimoMinMs = 1500;
     static constexpr int TpsMassimoMaxMs = 4000;
     static constexpr int TpsMemorizzatoMs = 1000;
-    static constexpr int LambdaSweepMs = 6000;
+    static constexpr int LambdaSweepMs = 12000; // two sweeps, time for a fitter to watch them
     static constexpr int FineSequenzaMs = 8000;
     static constexpr int FineSingolaMs = 5000;
 

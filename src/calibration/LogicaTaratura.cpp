@@ -186,12 +186,16 @@ void LogicaTaratura::risposta(char lettera, int statoDialogo, const QByteArray &
 
 void LogicaTaratura::fineComando(int statoDialogo)
 {
-    if (statoDialogo != statoUscita())
-        return;
-    if (m_sequenza.domanda(segnalazione("SEGNALAZIONE_56"), SequenzaTaratura::FlagInformazione)
-            == SequenzaTaratura::RispostaOk
-        && m_collegata)
-        m_sequenza.ChiudiPagineTaratura();
+    if (statoDialogo == statoUscita())
+        chiudiDopoAvviso(segnalazione("SEGNALAZIONE_56"));
+}
+
+void LogicaTaratura::chiudiDopoAvviso(const QString &testo)
+{
+    m_sequenza.avvisoDifferito(testo, SequenzaTaratura::FlagInformazione, this, [this](int risposta) {
+        if (risposta == SequenzaTaratura::RispostaOk)
+            m_sequenza.ChiudiPagineTaratura();
+    });
 }
 
 bool LogicaTaratura::rispostaPropria(char lettera, int statoDialogo, const QByteArray &payload)

@@ -80,6 +80,8 @@ protected:
     virtual bool rispostaPropria(char lettera, int stato, const QByteArray &payload);
     // The common end of a single page's 'A' reply, once the queue is empty.
     virtual void fineComando(int stato);
+    // The information box, raised after the handler; an OK closes the calibration pages.
+    void chiudiDopoAvviso(const QString &testo);
     // 'A' codice under stato: page disabled until the reply. False when the port is closed.
     bool inviaComando(int codice, int stato, int intervallo);
 

@@ -5,6 +5,7 @@
 #include "shell/Programma.h"
 #include "variables/Formato.h"
 
+#include <QPointer>
 #include <QScopedValueRollback>
 #include <QTimer>
 
@@ -71,6 +72,25 @@ int SequenzaTaratura::domanda(const QString &testo, int flags)
     return m_telaio.MostraMsg(testo, flags, m_programma.lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
 }
 
+void SequenzaTaratura::avvisoDifferito(const QString &testo, int flags, LogicaTaratura *contesto,
+                                       std::function<void(int)> poi)
+{
+    if (m_inDomanda)
+        return;
+    m_inDomanda = true;
+    const QPointer<LogicaTaratura> pagina(contesto);
+    QTimer::singleShot(0, this, [this, testo, flags, pagina, conPagina = contesto != nullptr, poi] {
+        m_inDomanda = false;
+        if (conPagina ? !pagina || !pagina->collegata() : m_telaio.paginaTaratura() == IdPagina::Nessuna)
+            return;
+        const int risposta = domanda(testo, flags);
+        if (conPagina && (!pagina || !pagina->collegata()))
+            return;
+        if (poi)
+            poi(risposta);
+    });
+}
+
 void SequenzaTaratura::collega(LogicaTaratura *pagina)
 {
     m_pagina = pagina;
@@ -102,7 +122,8 @@ void SequenzaTaratura::apri(IdPagina id)
     if (id == IdPagina::T_Parametri)
         testo = l.LeggiTesto("MainLambda", "TARATURA.3").trimmed() + QStringLiteral("\n\n") + testo;
     ChiudiPagineTaratura();
-    domanda(testo, FlagInformazione);
+    // Said after the handler that got here, so the menu is on view and the stream goes on.
+    QTimer::singleShot(0, this, [this, testo] { domanda(testo, FlagInformazione); });
 }
 
 void SequenzaTaratura::AvviaTaratura(FaseTaratura passo)
@@ -253,8 +274,10 @@ void SequenzaTaratura::marciaNormale(const RecordDati &attuale)
         testo = l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_56");
         break;
     }
-    if (domanda(testo, FlagInformazione) == RispostaOk)
-        ChiudiPagineTaratura();
+    avvisoDifferito(testo, FlagInformazione, nullptr, [this](int risposta) {
+        if (risposta == RispostaOk)
+            ChiudiPagineTaratura();
+    });
 }
 
 void SequenzaTaratura::statoTaratura(int statoEcu, bool sequenza, const RecordDati &attuale)

@@ -7,6 +7,8 @@
 
 #include <QObject>
 
+#include <functional>
+
 namespace kv {
 
 class Lingua;
@@ -69,10 +71,15 @@ public:
     // and the first status always reads as a change.
     void AzzeraDatiLive();
 
-    // The common box with a text of section SEGNALAZIONI and its title. One at a time: a box
-    // asked for while another is up is not shown and answers 0.
+    // The common box with the title of section SEGNALAZIONI, for the fitter's own actions.
+    // One at a time: a box asked for while another is up is not shown and answers 0.
     int domanda(const QString &testo, int flags);
     bool domandaInCorso() const { return m_inDomanda; }
+    // The same box raised by the ECU's frames or replies: it comes up once the handler has
+    // returned, so that the stream goes on under it, and poi gets the answer. Not shown, nor
+    // poi called, if contesto has gone or left the frame by then.
+    void avvisoDifferito(const QString &testo, int flags, LogicaTaratura *contesto,
+                         std::function<void(int)> poi);
 
     // The page whose logic takes the status byte now; a later one replaces it.
     void collega(LogicaTaratura *pagina);

@@ -223,10 +223,7 @@ void TaraturaGiri::fineComando(int statoDialogo)
         m_sequenza.ChiudiPagineTaratura();
         return;
     }
-    if (m_sequenza.domanda(segnalazione("SEGNALAZIONE_60"), SequenzaTaratura::FlagInformazione)
-            == SequenzaTaratura::RispostaOk
-        && collegata())
-        m_sequenza.ChiudiPagineTaratura();
+    chiudiDopoAvviso(segnalazione("SEGNALAZIONE_60"));
 }
 
 } // namespace kv

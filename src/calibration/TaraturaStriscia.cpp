@@ -156,10 +156,7 @@ void TaraturaStriscia::statoLambda(int statoEcu, bool cambiato)
         m_vista.mostraIstruzione(testo(QStringLiteral("MSG_LAMBDA.0")));
     } else if (statoEcu == LambdaFine || statoEcu == LambdaFineSingola) {
         // Asked again with each such frame until the fitter answers OK.
-        if (m_sequenza.domanda(segnalazione("SEGNALAZIONE_58"), SequenzaTaratura::FlagInformazione)
-                == SequenzaTaratura::RispostaOk
-            && collegata())
-            m_sequenza.ChiudiPagineTaratura();
+        chiudiDopoAvviso(segnalazione("SEGNALAZIONE_58"));
     }
 }
 

@@ -8,6 +8,7 @@
 #include "support/PortaFinta.h"
 #include "variables/Conversioni.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -141,7 +142,12 @@ class TstSequenzaTaratura : public QObject
     std::unique_ptr<TelaioFinto> telaio;
     std::unique_ptr<SequenzaTaratura> sequenza;
 
-    void arriva(const QByteArray &payload) { porta->arriva(CreaFrame(payload, 0)); }
+    // One frame, and whatever it leaves for after its handler (the boxes).
+    void arriva(const QByteArray &payload)
+    {
+        porta->arriva(CreaFrame(payload, 0));
+        QCoreApplication::processEvents();
+    }
     QString testo(const char *sezione, const char *chiave) { return p->lingua.LeggiTesto(sezione, chiave); }
     TaraturaStriscia *pagina() { return telaio->pagina.get(); }
 

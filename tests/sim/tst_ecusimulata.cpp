@@ -352,7 +352,7 @@ private slots:
         QVERIFY(fermo);
 
         QCOMPARE(b.esito(CreaFrame(Fine)), 0xFF);
-        b.scorri(30000);
+        b.scorri(40000);
         QCOMPARE(b.stati(), (QList<int>{223, 221, 220, 219, 207, 206, 204, 0}));
         int tpsAl221 = -1, massimo219 = -1;
         for (const FrameLetto &f : b.flusso()) {
@@ -380,7 +380,7 @@ private slots:
         QTest::addColumn<QList<int>>("stati");
         QTest::newRow("rpm") << '\x03' << 4000 << QList<int>{239, 234};
         QTest::newRow("tps") << '\x04' << 20000 << QList<int>{222, 223, 221, 220, 219, 218};
-        QTest::newRow("lambda") << '\x05' << 8000 << QList<int>{206, 29};
+        QTest::newRow("lambda") << '\x05' << 14000 << QList<int>{206, 29};
     }
 
     void taratureSingole()

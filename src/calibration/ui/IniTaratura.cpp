@@ -23,7 +23,11 @@ IniTaratura::IniTaratura(SequenzaTaratura &sequenza, QWidget *parent)
     setWindowTitle(SequenzaTaratura::ComponiPasso(l.LeggiTesto("IniTaratura", "CAPTION"), 1));
     m_segnalazione->setObjectName(QStringLiteral("Segnalazione"));
     m_segnalazione->setText(l.LeggiTesto("IniTaratura", "SEGNALAZIONE.1"));
-    m_segnalazione->setMinimumWidth(640);
+    // A warning to read before starting, at the desk: large, but not the size of an instruction.
+    QFont f = m_segnalazione->font();
+    f.setPixelSize(24);
+    m_segnalazione->setFont(f);
+    m_segnalazione->setMinimumWidth(620);
     m_ok->setText(ConTastoAlt(l.LeggiTesto("TASTI", "OK")));
     m_annulla->setText(ConTastoAlt(l.LeggiTesto("TASTI", "ANNULLA")));
     connect(m_ok, &QPushButton::clicked, this, &IniTaratura::TastoOK);

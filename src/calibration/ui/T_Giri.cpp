@@ -34,7 +34,7 @@ CampoGiri::CampoGiri(QWidget *parent) : QLineEdit(parent)
     f.setBold(true);
     f.setPixelSize(30);
     setFont(f);
-    setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("000000")) + 24);
+    setFixedWidth(fontMetrics().horizontalAdvance(QStringLiteral("0000000")) + 24);
     setAutoFillBackground(true);
     colora(Qt::white, Qt::black);
 }
@@ -114,6 +114,7 @@ T_Giri::T_Giri(SequenzaTaratura &sequenza, bool singola, QWidget *parent)
     m_segnalazione->setObjectName(QStringLiteral("Segnalazione"));
     m_boxGiri->setObjectName(QStringLiteral("BoxGiri"));
     m_giriReali->setObjectName(QStringLiteral("GiriReali"));
+    m_giriReali->setFixedWidth(m_giriTeo->width());
 
     auto *griglia = new QGridLayout(m_boxGiri);
     griglia->setHorizontalSpacing(14);

@@ -185,7 +185,7 @@ private slots:
         QCOMPARE(lambda->windowTitle(), SequenzaTaratura::ComponiPasso(testo("T_Lambda", "CAPTION.1"), 4));
         QCOMPARE(sul(lambda, "Msg_Lambda"), testo("T_Lambda", "MSG_LAMBDA.0"));
         QVERIFY(lambda->sonda(0)->isChecked() && !lambda->sonda(1)->isEnabled());
-        scorri(6000);
+        scorri(Taratura::LambdaSweepMs);
         QCOMPARE(s.TaraturaInCorso, FaseTaratura::Lambda);
         scorri(2500, true);
         QVERIFY(frame->menu());
@@ -230,11 +230,19 @@ private slots:
         QCOMPARE(ricevuti, apertura);
         QCOMPARE(int(p->stato.TaraturaInCorso), 2 + voce);
 
+        // The stream goes on under the closing word: the ECU is seen back in normal running.
+        bool inMarciaSottoBox = false;
+        risponditore->durante = [&](MsgBox1 *) {
+            scorri(80);
+            inMarciaSottoBox = p->stato.EcuInMarcia;
+        };
+        QVERIFY(!p->stato.EcuInMarcia);
         tasto(Qt::Key_Escape);
         QCOMPARE(p->motore.StatoDialogo(), qint16(statoUscita));
         QCOMPARE(p->TimeOutReq.interval(), 30000);
         QVERIFY(!w->isEnabled());
         scorri(80);
+        QCOMPARE(inMarciaSottoBox, domanda);
         QVERIFY(frame->menu());
         QCOMPARE(ricevuti, apertura + QByteArrayList{comando("4101")});
         QCOMPARE(p->stato.TaraturaInCorso, FaseTaratura::Nessuna);
