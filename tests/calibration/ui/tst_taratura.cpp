@@ -206,12 +206,14 @@ private slots:
         QTest::addColumn<int>("voce");
         QTest::addColumn<QString>("sezione");
         QTest::addColumn<QByteArrayList>("apertura");
+        QTest::addColumn<int>("primoStato");
         QTest::addColumn<int>("statoUscita");
         QTest::addColumn<bool>("domanda"); // the closing word after the ECU's answer
         QTest::newRow("rpm") << 0 << "T_Giri_Single" << QByteArrayList{comando("4103"), comando("52010502")}
-                             << 334 << false;
-        QTest::newRow("tps") << 1 << "T_TPS_Single" << QByteArrayList{comando("4104")} << 342 << true;
-        QTest::newRow("lambda") << 2 << "T_Lambda_Single" << QByteArrayList{comando("4105")} << 352 << true;
+                             << 331 << 334 << false;
+        QTest::newRow("tps") << 1 << "T_TPS_Single" << QByteArrayList{comando("4104")} << 341 << 342 << true;
+        QTest::newRow("lambda") << 2 << "T_Lambda_Single" << QByteArrayList{comando("4105")} << 351 << 352
+                                << true;
     }
 
     void singlePagesLeaveWithA1()
@@ -219,10 +221,13 @@ private slots:
         QFETCH(int, voce);
         QFETCH(QString, sezione);
         QFETCH(QByteArrayList, apertura);
+        QFETCH(int, primoStato);
         QFETCH(int, statoUscita);
         QFETCH(bool, domanda);
         tasto(Qt::Key_F4);
         tasto(Qt::Key_F1 + voce, Qt::ShiftModifier);
+        QCOMPARE(p->motore.StatoDialogo(), qint16(primoStato));
+        QCOMPARE(p->TimeOutReq.interval(), 5000);
         scorri(400);
         QWidget *w = frame->paginaAttiva();
         QVERIFY(w && w->objectName() == sezione);
@@ -267,6 +272,24 @@ private slots:
         QVERIFY(frame->menu());
         // A stalled ECU hears nothing: what went out is on the port.
         QCOMPARE(porta->scritti, QByteArrayList{CreaFrame(comando("4104"))});
+    }
+
+    void refusedWriteIsShownOnThePage()
+    {
+        ecu->impostaErroreScrittura(0x0105, ErroreEcu::ScritturaFallita);
+        tasto(Qt::Key_F4);
+        tasto(Qt::Key_F1, Qt::ShiftModifier);
+        scorri(3000);
+        auto *giri = pagina<T_Giri>();
+        QVERIFY(giri && giri->GiriTeo()->hasFocus());
+        tasto(Qt::Key_Space);
+        QTest::keyClicks(giri->GiriTeo(), "900");
+        tasto(Qt::Key_F2);
+        scorri(80);
+        QCOMPARE(sul(giri, "Segnalazione1"), "05H " + testo("ERRORI", "ERR_05"));
+        QVERIFY(giri->isEnabled());
+        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(ricevuti.size(), 3); // 'A' 3, the read, the one write refused
     }
 
     void leavingTpsClosesEverythingWithoutTheEcu()
