@@ -1,5 +1,6 @@
 #include "Demo.h"
 
+#include "ComandiOperatore.h"
 #include "EcuSimulata.h"
 #include "FileS19.h"
 #include "MappaMemoria.h"
@@ -36,6 +37,8 @@ bool Demo::avvia(QString &errore, bool applicazione)
     opzioni.applicazionePresente = applicazione;
     // Bytes at the pace of a real line, so that a flash takes the time it takes in the workshop.
     opzioni.cadenzaReale = true;
+    // The demo is where a fitter learns: the TPS step waits for the pedal worked by hand.
+    opzioni.operatoreManuale = true;
     return avvia(errore, opzioni);
 }
 
@@ -51,12 +54,36 @@ bool Demo::avvia(QString &errore, const OpzioniEcu &opzioni,
     m_percorso = ecu->percorsoDispositivo();
     if (prepara)
         prepara(*ecu);
+    m_ecu = ecu;
     // The line and the timers move with the object; it is deleted in its own thread.
     ecu->moveToThread(&m_thread);
     QObject::connect(&m_thread, &QThread::finished, ecu, &QObject::deleteLater);
     m_thread.start();
     QMetaObject::invokeMethod(ecu, &EcuSimulata::avvia, Qt::QueuedConnection);
     return true;
+}
+
+QString Demo::operatore(const QString &comando)
+{
+    if (!m_ecu || !m_thread.isRunning())
+        return {};
+    QString risposta;
+    EcuSimulata *ecu = m_ecu;
+    QMetaObject::invokeMethod(
+        ecu, [&risposta, ecu, comando] { risposta = EseguiComandoOperatore(*ecu, comando); },
+        Qt::BlockingQueuedConnection);
+    return risposta;
+}
+
+int Demo::giriContagiri()
+{
+    if (!m_ecu || !m_thread.isRunning())
+        return 0;
+    int giri = 0;
+    EcuSimulata *ecu = m_ecu;
+    QMetaObject::invokeMethod(
+        ecu, [&giri, ecu] { giri = qRound(ecu->giriVeri()); }, Qt::BlockingQueuedConnection);
+    return giri;
 }
 
 QString PreparaRilascioDemo(const QString &percorsoApp, const Lingua &lingua)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QString>
 #include <QThread>
 
@@ -34,9 +35,16 @@ public:
     // The device the program opens in place of the port of the settings.
     QString percorso() const { return m_percorso; }
 
+    // One of the fitter's actions at the car ("pedal rest", "probe 1": see ComandiOperatore),
+    // run in the simulator's thread; the answer comes back when it has run.
+    QString operatore(const QString &comando);
+    // What a rev counter at the car reads now, for the true RPM of the RPM calibration.
+    int giriContagiri();
+
 private:
     QThread m_thread;
     QString m_percorso;
+    QPointer<sim::EcuSimulata> m_ecu;
 };
 
 // A release to flash in the demo, made from the simulator's own software with a newer vehicle

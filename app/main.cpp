@@ -1,7 +1,9 @@
 #include "Demo.h"
+#include "MenuOperatore.h"
 
 #include "base/IstanzaUnica.h"
 #include "base/PercorsoApp.h"
+#include "calibration/ui/RegistroTaratura.h"
 #include "link/PortaSeriale.h"
 #include "monitoring/ui/RegistroStrumenti.h"
 #include "pages/ui/RegistroMessaPunto.h"
@@ -72,7 +74,9 @@ int main(int argc, char *argv[])
             std::fprintf(stderr, "korvantine: the simulated ECU cannot start: %s\n", qPrintable(errore));
             return 1;
         }
-        std::fprintf(stderr, "korvantine: demo with the simulated ECU on %s\n",
+        std::fprintf(stderr,
+                     "korvantine: demo with the simulated ECU on %s; Ctrl+Shift+E: the fitter's actions at "
+                     "the car\n",
                      qPrintable(ecuDemo.percorso()));
     }
 
@@ -91,6 +95,9 @@ int main(int argc, char *argv[])
     RegistraPagineMappe(finestra);
     RegistraProgSW(finestra);
     RegistraPagineScambio(finestra);
+    RegistraPagineTaratura(finestra);
+    if (inDemo)
+        InstallaMenuOperatore(finestra, ecuDemo);
 
     Avvio::esegui(programma);
     // Something to flash into the simulated ECU, when the home has no release of its own.

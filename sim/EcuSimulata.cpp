@@ -61,6 +61,7 @@ EcuSimulata::EcuSimulata(const OpzioniEcu &opzioni, QObject *parent)
     , m_timerSalvataggio(new QTimer(this))
 {
     m_iniettore.guasti() = opzioni.guasti;
+    m_taratura.impostaManuale(opzioni.operatoreManuale);
     if (!m_file.carica(m_memoria)) {
         ScriviImmagineIniziale(m_memoria, m_catalogo, opzioni.versione);
         if (m_file.errore().isEmpty())
@@ -678,6 +679,22 @@ void EcuSimulata::impostaCadutaAlBlocco(int blocco, int durataMs)
     Guasti &g = m_iniettore.guasti();
     g.cadutaAlBlocco = qMax(0, blocco);
     g.durataCadutaMs = qMax(0, durataMs);
+}
+
+void EcuSimulata::impostaPedale(bool premuto)
+{
+    m_taratura.impostaManuale(true);
+    m_taratura.pedale(premuto ? Taratura::Pedale::Premuto : Taratura::Pedale::Riposo);
+}
+
+void EcuSimulata::impostaOperatoreManuale(bool manuale)
+{
+    m_taratura.impostaManuale(manuale);
+}
+
+void EcuSimulata::impostaTipoSonda(int tipo)
+{
+    m_opzioni.tipoSonda = tipo != 0 ? 1 : 0;
 }
 
 void EcuSimulata::impostaStallo(bool attivo)

@@ -43,6 +43,7 @@ struct OpzioniEcu
     bool cadenzaReale = false;        // bytes leave at baud / 10 per second, queued like a UART
     bool applicazionePresente = true; // false: only the boot loader, 'g' frames
     int tipoSonda = 0;                // TIPOLAMBDA; non-zero sends lambda ready on 0..255
+    bool operatoreManuale = false;    // the TPS step waits for the fitter's pedal (see Taratura)
     QString fileMemoria;              // programmable area kept here between runs
     StringheVersione versione;        // used when no memory file supplies an image
     quint32 seme = 1;
@@ -95,6 +96,10 @@ public:
     quint8 statoTaratura() const { return m_taratura.stato(); }
     Taratura::Fase faseTaratura() const { return m_taratura.fase(); }
     const CampioneMotore &ultimoCampione() const { return m_ultimoCampione; }
+    // What an outside rev counter reads at the car.
+    double giriVeri() const { return m_motore.giriVeri(); }
+    Taratura::Pedale pedale() const { return m_taratura.pedaleAttuale(); }
+    bool operatoreManuale() const { return m_taratura.manuale(); }
     const Guasti &guasti() const { return m_iniettore.guasti(); }
     const OpzioniEcu &opzioni() const { return m_opzioni; }
 
@@ -125,6 +130,12 @@ public slots:
     bool riapriLinea();
     void impostaCadenzaReale(bool attiva);
     void impostaFrequenzaFlusso(int frameAlSecondo);
+
+    // The fitter at the car: the pedal (a word from the fitter puts the TPS step in manual),
+    // who works it, and the kind of lambda probe fitted (0 or 1, as TIPOLAMBDA reports it).
+    void impostaPedale(bool premuto);
+    void impostaOperatoreManuale(bool manuale);
+    void impostaTipoSonda(int tipo);
 
 signals:
     // Exactly what goes onto the line, piece by piece.

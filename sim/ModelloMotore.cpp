@@ -166,6 +166,7 @@ CampioneMotore ModelloMotore::passo(int dtMs, const SoglieMotore &s, ModoMotore 
     m_accesoMs = acceso ? std::min(m_accesoMs + dtMs, RiscaldamentoMs) : 0;
 
     CampioneMotore c;
+    c.acceso = acceso;
     const double giriVisti = acceso ? m_giriVeri + rumore(12) : m_giriVeri;
     c.giri = int(std::clamp(std::lround(giriVisti * s.costanteGiri / ScalaVeraGiri), 0L, 65535L));
     const bool aRiposo = std::abs(m_tps - TpsRiposo) < 1;

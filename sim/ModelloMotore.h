@@ -32,7 +32,8 @@ struct CampioneMotore
     int ricmag = 85; // 0 lean, 85 in the band, 255 rich
     int zona = Zona::Minimo;
     int pompata = 0;
-    int tipalim = 0; // 0 petrol, 1 gas
+    int tipalim = 0;     // 0 petrol, 1 gas
+    bool acceso = false; // the engine fires, whatever the ECU's scale makes of its speed
 };
 
 // A small engine with a narrow-band lambda probe and the firmware's stepper loop around it.

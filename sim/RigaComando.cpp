@@ -5,17 +5,21 @@
 namespace kv::sim {
 
 namespace {
-const QString TestoAiuto =
-    QStringLiteral("Simulated Korvantine ECU. It opens a pseudo-terminal (or a serial device) and behaves\n"
-                   "there like the ECU of a gas kit: it streams live data, answers the tester's commands,\n"
-                   "runs the calibration programs and takes new software and maps.\n"
-                   "\n"
-                   "Point the workshop program's serial port at the device printed on the first line,\n"
-                   "\"ECU simulator ready on /dev/pts/N\", or at the fixed path given with --link.\n"
-                   "Stop it with Ctrl-C. While it runs: kill -USR1 <pid> switches a stall on and off,\n"
-                   "kill -USR2 <pid> hangs up the line.\n"
-                   "\n"
-                   "Addresses take 0x for hexadecimal (0xC110), plain digits are decimal.");
+const QString TestoAiuto = QStringLiteral(
+    "Simulated Korvantine ECU. It opens a pseudo-terminal (or a serial device) and behaves\n"
+    "there like the ECU of a gas kit: it streams live data, answers the tester's commands,\n"
+    "runs the calibration programs and takes new software and maps.\n"
+    "\n"
+    "Point the workshop program's serial port at the device printed on the first line,\n"
+    "\"ECU simulator ready on /dev/pts/N\", or at the fixed path given with --link.\n"
+    "Stop it with Ctrl-C. While it runs: kill -USR1 <pid> switches a stall on and off,\n"
+    "kill -USR2 <pid> hangs up the line.\n"
+    "\n"
+    "The fitter's actions at the car go on standard input, one a line: \"pedal rest\",\n"
+    "\"pedal full\", \"probe 0\", \"probe 1\", \"manual\", \"auto\", \"status\" (with the rev\n"
+    "counter's reading for the RPM calibration), \"help\".\n"
+    "\n"
+    "Addresses take 0x for hexadecimal (0xC110), plain digits are decimal.");
 
 bool intero(const QCommandLineParser &p, const QString &nome, int minimo, int massimo, int &valore,
             QString &errore)
@@ -111,6 +115,11 @@ void PreparaRigaComando(QCommandLineParser &parser)
          QStringLiteral(
              "Lambda probe type reported in the live data, 0 or 1 (1 sends lambda on 0..255). Default 0."),
          QStringLiteral("type")},
+        {QStringLiteral("manual-pedal"),
+         QStringLiteral(
+             "The fitter works the pedal: the TPS calibration waits for \"pedal rest\" and \"pedal "
+             "full\" on standard input. Without it a simulated fitter does both on cue, until the "
+             "first pedal command.")},
         {QStringLiteral("cycle"),
          QStringLiteral("Length in seconds of the drive cycle idle - acceleration - cruise - full load - "
                         "over-run. Default 36."),
@@ -177,6 +186,7 @@ bool InterpretaRigaComando(const QCommandLineParser &p, ImpostazioniProgramma &i
     o.cadenzaReale = p.isSet(QStringLiteral("pace"));
     o.applicazionePresente = !p.isSet(QStringLiteral("no-application"));
     o.fileMemoria = p.value(QStringLiteral("memory"));
+    o.operatoreManuale = p.isSet(QStringLiteral("manual-pedal"));
     if (!intero(p, QStringLiteral("lambda-type"), 0, 1, o.tipoSonda, errore))
         return false;
     int ciclo = o.durataCicloMs / 1000;

@@ -20,6 +20,23 @@ void Taratura::entra(Fase fase)
     m_tpsMinimo = 0;
     m_tpsMassimo = 0;
     m_ultimoAumentoMs = 0;
+    m_rilascioDetto = false;
+    // Outside the TPS step nobody holds the pedal down.
+    if (fase != Fase::TpsSequenza && fase != Fase::TpsSingola)
+        m_pedale = Pedale::Riposo;
+}
+
+void Taratura::pedale(Pedale p)
+{
+    m_pedale = p;
+    if (p == Pedale::Riposo && (m_fase == Fase::TpsSequenza || m_fase == Fase::TpsSingola)
+        && m_passoTps == PassoTps::Riposo && !m_rilascioDetto) {
+        m_rilascioDetto = true;
+        // The rest point is taken over the second that follows the fitter's word.
+        m_tempoPassoMs = 0;
+        m_sommaRiposo = 0;
+        m_campioniRiposo = 0;
+    }
 }
 
 int Taratura::comando(int codice, quint8 codiceErrato)
@@ -58,27 +75,33 @@ std::optional<std::pair<int, int>> Taratura::prendiPuntiTps()
 void Taratura::passoTps(const CampioneMotore &c)
 {
     switch (m_passoTps) {
-    case PassoTps::Riposo:
+    case PassoTps::Riposo: {
         // The rest point is the mean of the last second at rest, when the pedal has settled.
-        if (m_tempoPassoMs >= TpsRiposoMs - 1000) {
+        const int fine = m_manuale ? 1000 : TpsRiposoMs;
+        if (m_manuale && (!m_rilascioDetto || m_pedale != Pedale::Riposo))
+            break;
+        if (m_tempoPassoMs >= fine - 1000) {
             m_sommaRiposo += c.tps;
             ++m_campioniRiposo;
         }
-        if (m_tempoPassoMs >= TpsRiposoMs) {
+        if (m_tempoPassoMs >= fine) {
             m_tpsMinimo =
                 m_campioniRiposo > 0 ? int((m_sommaRiposo + m_campioniRiposo / 2) / m_campioniRiposo) : c.tps;
             m_passoTps = PassoTps::Minimo;
             m_tempoPassoMs = 0;
         }
         break;
+    }
     case PassoTps::Minimo:
         if (m_tempoPassoMs >= TpsMinimoMs) {
             m_passoTps = PassoTps::Premi;
             m_tempoPassoMs = 0;
+            if (!m_manuale)
+                m_pedale = Pedale::Premuto;
         }
         break;
     case PassoTps::Premi:
-        if (m_tempoPassoMs >= TpsPremiMs) {
+        if (m_tempoPassoMs >= TpsPremiMs && m_pedale == Pedale::Premuto) {
             m_passoTps = PassoTps::Massimo;
             m_tempoPassoMs = 0;
             m_tpsMassimo = c.tps;
@@ -93,6 +116,8 @@ void Taratura::passoTps(const CampioneMotore &c)
             m_passoTps = PassoTps::Appreso;
             m_tempoPassoMs = 0;
             m_puntiTps = std::make_pair(m_tpsMinimo, m_tpsMassimo);
+            if (!m_manuale)
+                m_pedale = Pedale::Riposo;
         } else if (c.tps > m_tpsMassimo) {
             m_tpsMassimo = c.tps;
             m_ultimoAumentoMs = m_tempoPassoMs;
@@ -118,7 +143,8 @@ void Taratura::passo(int dtMs, const CampioneMotore &c)
         break;
     case Fase::GiriSequenza:
     case Fase::GiriSingola:
-        if (m_tempoMs >= MotoreFermoMs && c.giri > 300)
+        // Pulses from a running engine, however wrong the RPM coefficient still is.
+        if (m_tempoMs >= MotoreFermoMs && c.acceso)
             m_giriVisti = true;
         break;
     case Fase::TpsSequenza:
@@ -130,6 +156,8 @@ void Taratura::passo(int dtMs, const CampioneMotore &c)
             entra(Fase::FineSequenza);
         break;
     case Fase::LambdaSingola:
+        if (m_tempoMs >= LambdaSweepMs + FineSingolaMs)
+            entra(Fase::Nessuna);
         break;
     case Fase::FineSequenza:
         if (m_tempoMs >= FineSequenzaMs)
@@ -152,8 +180,8 @@ quint8 Taratura::stato() const
     case Fase::TpsSingola:
         switch (m_passoTps) {
         case PassoTps::Riposo:
-            return m_fase == Fase::TpsSingola && m_tempoPassoMs < 1000 ? StatoEcu::TpsAttesaSingola
-                                                                       : StatoEcu::TpsAttesa;
+            return m_fase == Fase::TpsSingola && m_tempoMs < 1000 ? StatoEcu::TpsAttesaSingola
+                                                                  : StatoEcu::TpsAttesa;
         case PassoTps::Minimo:
             return StatoEcu::TpsMinimo;
         case PassoTps::Premi:
@@ -184,8 +212,7 @@ ModoMotore Taratura::modoMotore() const
         return m_tempoMs < MotoreFermoMs ? ModoMotore::Spento : ModoMotore::Minimo;
     case Fase::TpsSequenza:
     case Fase::TpsSingola:
-        return m_passoTps == PassoTps::Premi || m_passoTps == PassoTps::Massimo ? ModoMotore::PedalePremuto
-                                                                                : ModoMotore::Minimo;
+        return m_pedale == Pedale::Premuto ? ModoMotore::PedalePremuto : ModoMotore::Minimo;
     case Fase::LambdaSequenza:
         return ModoMotore::Sweep;
     case Fase::LambdaSingola:

@@ -42,9 +42,14 @@ enum : quint8 {
 //        learnt, 220 press fully, 219 following the maximum until it stops rising; then
 //        both points go to EEPROM. In the sequence 207 for a second, then the lambda step;
 //        alone ('A' 4) 218 until 'A' 1.
-//        Lambda step: 206 while the stepper sweeps end to end, then in the sequence 204
-//        for FineSequenzaMs and back to normal running; alone ('A' 5) 29 until 'A' 1.
+//        Lambda step: 206 while the stepper sweeps end to end twice, then in the sequence 204
+//        for FineSequenzaMs and back to normal running; alone ('A' 5) 29 for
+//        FineSingolaMs, then back to normal running.
 // Any other code is refused with CodiceErrato.
+//
+// The fitter at the car: the pedal. Left to itself (automatic) a simulated fitter lets the
+// pedal rest and presses it on cue. Manual, the TPS step waits for the fitter's word that
+// the pedal is released (at 223) and for the pedal pressed fully (at 220).
 class Taratura
 {
 public:
@@ -70,8 +75,14 @@ public:
     static constexpr int TpsMassimoMinMs = 1500;
     static constexpr int TpsMassimoMaxMs = 4000;
     static constexpr int TpsMemorizzatoMs = 1000;
-    static constexpr int LambdaSweepMs = 6000;
+    static constexpr int LambdaSweepMs = 12000; // two sweeps, time for a fitter to watch them
     static constexpr int FineSequenzaMs = 8000;
+    static constexpr int FineSingolaMs = 5000;
+
+    enum class Pedale {
+        Riposo,
+        Premuto
+    };
 
     // Status of the 'e' reply to 'A' codice, or NessunaRisposta.
     int comando(int codice, quint8 codiceErrato);
@@ -81,6 +92,12 @@ public:
     quint8 stato() const;
     ModoMotore modoMotore() const;
     Fase fase() const { return m_fase; }
+
+    // The fitter's side.
+    void impostaManuale(bool manuale) { m_manuale = manuale; }
+    bool manuale() const { return m_manuale; }
+    void pedale(Pedale p);
+    Pedale pedaleAttuale() const { return m_pedale; }
 
     // The two TPS points once the ECU has learnt them; handed out once.
     std::optional<std::pair<int, int>> prendiPuntiTps();
@@ -108,6 +125,9 @@ private:
     int m_tpsMassimo = 0;
     int m_ultimoAumentoMs = 0;
     std::optional<std::pair<int, int>> m_puntiTps;
+    bool m_manuale = false;
+    Pedale m_pedale = Pedale::Riposo;
+    bool m_rilascioDetto = false; // the fitter has said so in this TPS step
 };
 
 } // namespace kv::sim

@@ -1,5 +1,6 @@
 // korvantine-ecu: the simulated ECU on a pseudo-terminal or a serial device.
 
+#include "ComandiOperatore.h"
 #include "EcuSimulata.h"
 #include "RigaComando.h"
 
@@ -62,6 +63,46 @@ public:
 
 private:
     int m_fd = -1;
+};
+
+// The fitter's actions, one a line on standard input; the end of the input just stops the
+// listening (a simulator started with </dev/null or in the background runs on as before).
+class IngressoOperatore : public QObject
+{
+public:
+    IngressoOperatore(EcuSimulata &ecu, QObject *parent) : QObject(parent), m_ecu(ecu)
+    {
+        m_notificatore = new QSocketNotifier(qintptr(STDIN_FILENO), QSocketNotifier::Read, this);
+        connect(m_notificatore, &QSocketNotifier::activated, this, &IngressoOperatore::leggi);
+    }
+
+private:
+    void leggi()
+    {
+        char blocco[256];
+        const ssize_t letti = ::read(STDIN_FILENO, blocco, sizeof blocco);
+        if (letti <= 0) {
+            m_notificatore->setEnabled(false);
+            return;
+        }
+        m_riga.append(blocco, qsizetype(letti));
+        qsizetype fine;
+        while ((fine = m_riga.indexOf('\n')) >= 0) {
+            const QString riga = QString::fromLocal8Bit(m_riga.left(fine));
+            m_riga.remove(0, fine + 1);
+            const QString risposta = EseguiComandoOperatore(m_ecu, riga);
+            if (!risposta.isEmpty()) {
+                std::printf("%s\n", qPrintable(risposta));
+                std::fflush(stdout);
+            }
+        }
+        if (m_riga.size() > 4096)
+            m_riga.clear(); // not a line of ours
+    }
+
+    EcuSimulata &m_ecu;
+    QSocketNotifier *m_notificatore;
+    QByteArray m_riga;
 };
 
 void registra(const QElapsedTimer &orologio, const char *verso, const QByteArray &bytes)
@@ -147,6 +188,7 @@ int main(int argc, char *argv[])
         QTimer::singleShot(imp.riagganciaDopoMs, &ecu, [&] { ecu.riaggancia(); });
 
     SegnaliProcesso segnali(ecu, &app);
+    IngressoOperatore operatore(ecu, &app);
     ecu.avvia();
 
     std::printf("ECU simulator ready on %s\n", qPrintable(ecu.percorsoDispositivo()));

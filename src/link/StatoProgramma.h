@@ -46,8 +46,10 @@ struct StatoProgramma
     bool EcuInMarcia = true; // the ECU reports normal running (status byte 0)
     bool EcuNormale = true;  // the ECU runs its application; false after a 'g' frame
     FaseTaratura TaraturaInCorso = FaseTaratura::Nessuna;
-    qint16 PassoTaratura = -1;     // counter within the calibration step, -1 none
-    bool TaraturaCompleta = false; // the guided sequence runs, not a single page
+    qint16 PassoTaratura = -1;      // counter within the calibration step, -1 none
+    bool TaraturaCompleta = false;  // the guided sequence runs, not a single page
+    bool AttesaIniTaratura = false; // the warning page is up: the ECU's normal running is expected
+    bool UscitaTaratura = false;    // the 'A' 2 under way ends a calibration instead of starting one
 
     bool TpsPresente = true; // the throttle sensor has been calibrated
     bool TipoTpsPresente = false;
@@ -85,6 +87,8 @@ struct StatoProgramma
         TaraturaInCorso = FaseTaratura::Nessuna;
         PassoTaratura = -1;
         TaraturaCompleta = false;
+        AttesaIniTaratura = false;
+        UscitaTaratura = false;
     }
 };
 

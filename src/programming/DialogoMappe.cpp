@@ -39,15 +39,6 @@ QString testoPercorso(const Lingua &l, const PercorsoMappa &p)
 
 } // namespace
 
-QString TestoErroreEcu(const Lingua &lingua, const QByteArray &payload)
-{
-    const auto b = static_cast<quint8>(payload.size() >= 2 ? payload.at(1) : 0);
-    const QString codice = esadecimale(b, 2);
-    const QString messaggio = b >= 1 && b <= 7 ? lingua.LeggiTesto("ERRORI", "ERR_" + codice)
-                                               : lingua.LeggiTesto("ERRORI", "ERR_99");
-    return codice + QStringLiteral("H ") + messaggio;
-}
-
 // ---- ReadMappe -------------------------------------------------------------------------
 
 LetturaMappe::LetturaMappe(Programma &programma, VistaMappe &vista) : m_programma(programma), m_vista(vista)

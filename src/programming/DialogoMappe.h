@@ -1,5 +1,6 @@
 #pragma once
 
+#include "link/ErroreEcu.h"
 #include "link/MotoreDialogo.h"
 #include "programming/FileMappa.h"
 
@@ -38,9 +39,6 @@ public:
 // Codes of the message box and the question's flags: yes and no with the question mark.
 inline constexpr int RispostaSiMappe = 6;
 inline constexpr int FlagDomandaMappe = 0x24;
-
-// An 'e' fault as the message line shows it: the code in hex, "H " and the text of its key.
-QString TestoErroreEcu(const Lingua &lingua, const QByteArray &payload);
 
 // The ECU side of ReadMappe: the map is read in blocks of 64 bytes from 0xC100 into
 // KVMAPPA.TMP, and only after the last block is the file put in place (replacing one of the

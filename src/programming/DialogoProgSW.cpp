@@ -1,4 +1,5 @@
 #include "programming/DialogoProgSW.h"
+#include "link/ErroreEcu.h"
 
 #include "archives/Archivio.h"
 #include "archives/Cartelle.h"
@@ -212,11 +213,7 @@ void DialogoProgSW::bloccoIlleggibile()
 
 void DialogoProgSW::erroreEcu(const QByteArray &payload)
 {
-    const auto b = static_cast<quint8>(payload.size() >= 2 ? payload.at(1) : 0);
-    const QString codice = QStringLiteral("%1").arg(b, 2, 16, QLatin1Char('0')).toUpper();
-    const QString messaggio = b >= 1 && b <= 7 ? m_lingua.LeggiTesto("ERRORI", "ERR_" + codice)
-                                               : m_lingua.LeggiTesto("ERRORI", "ERR_99");
-    m_vista.mostraSegnalazione(codice + QStringLiteral("H ") + messaggio);
+    m_vista.mostraSegnalazione(TestoErroreEcu(m_lingua, payload));
     m_vista.mostraBarra(false);
     m_vista.abilitaPagina(true);
 }

@@ -179,6 +179,22 @@ private slots:
                                       << QStringList{"CAPTION", "BOXSORGENTE", "BOXRIPRIDISCO"} + campiSW
                                              + indici("SEGNALAZIONE1.", 1, 4);
         QTest::newRow("CancelSW") << "CancelSW" << QStringList{"CAPTION", "BOXCANCEL"} + campiSW;
+        // The calibration pages look up their own section, the form's name.
+        QTest::newRow("IniTaratura") << "IniTaratura" << QStringList{"CAPTION", "SEGNALAZIONE.1"};
+        const QStringList giri = QStringList{"CAPTION.0"} + indici("SEGNALAZIONE.", 0, 1)
+                                 + indici("LABPARAMETRO.", 0, 1) + indici("MISURA.", 0, 1);
+        QTest::newRow("T_Giri") << "T_Giri" << giri + QStringList{"CAPTION.1"};
+        QTest::newRow("T_Giri_Single") << "T_Giri_Single" << giri;
+        const QStringList tps = QStringList{"CAPTION.0", "BOXTPS.CAPTION", "GRAFICO.ASSEX"}
+                                + indici("LABTARTPS.", 0, 3) + indici("MSG_TPS.", 0, 1);
+        QTest::newRow("T_TPS") << "T_TPS" << tps + QStringList{"CAPTION.1"};
+        QTest::newRow("T_TPS_Single") << "T_TPS_Single" << tps;
+        const QStringList lambda = QStringList{"CAPTION.0",       "CAPTION.1",     "BOXSONDA.CAPTION",
+                                               "BOXDATI.CAPTION", "GRAFICO.ASSEX", "MSG_LAMBDA.0"}
+                                   + indici("LABTARLAMBDA.", 0, 2) + indici("TENSSONDA.", 0, 1);
+        QTest::newRow("T_Lambda") << "T_Lambda" << lambda + QStringList{"CAPTION.2"};
+        QTest::newRow("T_Lambda_Single") << "T_Lambda_Single" << lambda;
+        QTest::newRow("DEMO") << "DEMO" << QStringList{"CAPTION", "CONTAGIRI"} + indici("OPERATORE.", 0, 3);
     }
 
     void everyKeyOfAComputedFamilyHasText()

@@ -1,5 +1,6 @@
 // The simulated ECU driven directly: bytes in, frames out, time moved by hand.
 
+#include "ComandiOperatore.h"
 #include "EcuSimulata.h"
 #include "FileS19.h"
 #include "RigaComando.h"
@@ -347,12 +348,12 @@ private slots:
         for (const FrameLetto &f : b.flusso()) {
             const Dati d(f.payload);
             fermo = fermo || (d.stato == 239 && d.giri == 0);
-            QVERIFY(d.stato != 234 || d.giri > 300);
+            QVERIFY(d.stato != 234 || d.giri > 200);
         }
         QVERIFY(fermo);
 
         QCOMPARE(b.esito(CreaFrame(Fine)), 0xFF);
-        b.scorri(30000);
+        b.scorri(40000);
         QCOMPARE(b.stati(), (QList<int>{223, 221, 220, 219, 207, 206, 204, 0}));
         int tpsAl221 = -1, massimo219 = -1;
         for (const FrameLetto &f : b.flusso()) {
@@ -380,7 +381,7 @@ private slots:
         QTest::addColumn<QList<int>>("stati");
         QTest::newRow("rpm") << '\x03' << 4000 << QList<int>{239, 234};
         QTest::newRow("tps") << '\x04' << 20000 << QList<int>{222, 223, 221, 220, 219, 218};
-        QTest::newRow("lambda") << '\x05' << 20000 << QList<int>{206, 29};
+        QTest::newRow("lambda") << '\x05' << 14000 << QList<int>{206, 29};
     }
 
     void taratureSingole()
@@ -396,6 +397,33 @@ private slots:
         QCOMPARE(b.esito(CreaFrame(Fine)), 0xFF);
         b.ecu.avanzaTempo(40);
         QCOMPARE(b.stati(), QList<int>{0});
+    }
+
+    void pedaleDelTecnico()
+    {
+        OpzioniEcu o = OpzioniManuali();
+        o.operatoreManuale = true;
+        Banco b(o);
+        QCOMPARE(b.esito(CreaFrame(QByteArray::fromHex("4104"))), 0xFF);
+        b.scorri(6000);
+        QCOMPARE(b.stati(), (QList<int>{222, 223})); // nobody has said the pedal is released
+        QCOMPARE(EseguiComandoOperatore(b.ecu, " Pedal  REST "), QStringLiteral("pedal released"));
+        b.svuota();
+        b.scorri(6000);
+        QCOMPARE(b.stati(), (QList<int>{223, 221, 220})); // and nobody presses it
+        QVERIFY(EseguiComandoOperatore(b.ecu, "status").startsWith("status 220, rev counter "));
+        EseguiComandoOperatore(b.ecu, "pedal full");
+        b.svuota();
+        b.scorri(8000);
+        QCOMPARE(b.stati(), (QList<int>{219, 218}));
+        QVERIFY(Dati(b.flusso().constLast().payload).tps > 900);
+
+        QCOMPARE(Dati(b.flusso().constLast().payload).tipolambda, 0);
+        EseguiComandoOperatore(b.ecu, "probe 1");
+        b.svuota();
+        b.scorri(40);
+        QCOMPARE(Dati(b.flusso().constLast().payload).tipolambda, 1);
+        QVERIFY(EseguiComandoOperatore(b.ecu, "pedal half").startsWith("unknown command"));
     }
 
     void programmazione()

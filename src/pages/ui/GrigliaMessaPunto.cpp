@@ -59,14 +59,16 @@ protected:
         auto *editor = qobject_cast<QWidget *>(oggetto);
         if (!editor)
             return QStyledItemDelegate::eventFilter(oggetto, evento);
+        if (evento->type() != QEvent::ShortcutOverride && evento->type() != QEvent::KeyPress)
+            return QStyledItemDelegate::eventFilter(oggetto, evento);
         const auto *tasto = static_cast<QKeyEvent *>(evento);
         // Esc belongs to the field while it is open: it drops the edit, not the page.
-        if (evento->type() == QEvent::ShortcutOverride && tasto->key() == Qt::Key_Escape) {
+        if (evento->type() == QEvent::ShortcutOverride) {
+            if (tasto->key() != Qt::Key_Escape)
+                return QStyledItemDelegate::eventFilter(oggetto, evento);
             evento->accept();
             return true;
         }
-        if (evento->type() != QEvent::KeyPress)
-            return QStyledItemDelegate::eventFilter(oggetto, evento);
         switch (tasto->key()) {
         case Qt::Key_Return:
         case Qt::Key_Enter:

@@ -93,6 +93,9 @@ public:
     // Keys reach the widget with the focus: after anything that may have taken it away
     // (a disabled page, a closed box), the page on view gets it back.
     void riportaFuoco();
+    // The pages' area, menu included, while a dialogue of the frame's own holds the link
+    // (identification, the calibration handshake); the strip stays usable.
+    void abilitaArea(bool abilitata);
 
     // The end of the program: the frame closes and uscita() is emitted.
     void Uscita();
@@ -128,7 +131,6 @@ private:
     void eliminaPiuTardi(QWidget *pagina);
     void eliminaSospese();
     void cursoreAttesa(bool attesa);
-    void abilitaArea(bool abilitata);
     void riprendiTastiera(QWidget *finestra);
     void mostraAvvisi();
     int mostraMsg(const QString &testo, int flags, const QString &titolo, int predefinito,

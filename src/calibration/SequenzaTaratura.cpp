@@ -1,0 +1,302 @@
+#include "calibration/SequenzaTaratura.h"
+
+#include "calibration/LogicaTaratura.h"
+#include "calibration/TelaioTaratura.h"
+#include "shell/Programma.h"
+#include "variables/Formato.h"
+
+#include <QPointer>
+#include <QScopedValueRollback>
+#include <QTimer>
+
+namespace kv {
+
+SequenzaTaratura::SequenzaTaratura(Programma &programma, TelaioTaratura &telaio, QObject *parent)
+    : QObject(parent)
+    , m_programma(programma)
+    , m_telaio(telaio)
+{
+    m_programma.motore.registra(StatoIngresso, this);
+    m_programma.datiLive.impostaGestoreTaratura(this);
+}
+
+SequenzaTaratura::~SequenzaTaratura()
+{
+    m_programma.motore.rimuovi(this);
+    m_programma.datiLive.impostaGestoreTaratura(nullptr);
+}
+
+StatoProgramma &SequenzaTaratura::stato()
+{
+    return m_programma.stato;
+}
+
+MotoreDialogo &SequenzaTaratura::motore()
+{
+    return m_programma.motore;
+}
+
+QString SequenzaTaratura::ComponiPasso(const QString &testo, int passo)
+{
+    QString t = testo;
+    const qsizetype xx = t.indexOf(QLatin1String("xx"));
+    if (xx >= 0)
+        t.replace(xx, 2, FormattaNumero(passo, QStringLiteral("#0")));
+    const qsizetype yy = t.indexOf(QLatin1String("yy"));
+    if (yy >= 0)
+        t.replace(yy, 2, FormattaNumero(PassiSequenza, QStringLiteral("#0")));
+    return t;
+}
+
+void SequenzaTaratura::AzzeraDatiLive()
+{
+    StatoProgramma &s = stato();
+    s.DatiAttuali[0].Progressivo = -1;
+    s.DatiAttuali[1].Valore.fill(-1.0);
+}
+
+int SequenzaTaratura::domanda(const QString &testo, int flags)
+{
+    if (m_inDomanda)
+        return 0;
+    QScopedValueRollback inDomanda(m_inDomanda, true);
+    return m_telaio.MostraMsg(testo, flags, m_programma.lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
+}
+
+void SequenzaTaratura::avvisoDifferito(const QString &testo, int flags, LogicaTaratura *contesto,
+                                       std::function<void(int)> poi)
+{
+    if (m_inDomanda)
+        return;
+    m_inDomanda = true;
+    const QPointer<LogicaTaratura> pagina(contesto);
+    QTimer::singleShot(0, this, [this, testo, flags, pagina, conPagina = contesto != nullptr, poi] {
+        m_inDomanda = false;
+        if (conPagina ? !pagina || !pagina->collegata() : m_telaio.paginaTaratura() == IdPagina::Nessuna)
+            return;
+        const int risposta = domanda(testo, flags);
+        if (conPagina && (!pagina || !pagina->collegata()))
+            return;
+        if (poi)
+            poi(risposta);
+    });
+}
+
+void SequenzaTaratura::collega(LogicaTaratura *pagina)
+{
+    m_pagina = pagina;
+}
+
+void SequenzaTaratura::scollega(LogicaTaratura *pagina)
+{
+    if (m_pagina == pagina)
+        m_pagina = nullptr;
+}
+
+void SequenzaTaratura::ChiudiPagineTaratura()
+{
+    m_telaio.ChiudiPagineTaratura();
+}
+
+void SequenzaTaratura::chiudiPagina(IdPagina id, bool prosegui)
+{
+    m_telaio.chiudiPagina(id, prosegui);
+}
+
+void SequenzaTaratura::apri(IdPagina id)
+{
+    if (m_telaio.apriPagina(id))
+        return;
+    // A step whose page this build lacks ends the calibration where it stands.
+    const Lingua &l = m_programma.lingua;
+    QString testo = l.LeggiTesto("KORVANTINE", "NON_DISPONIBILE");
+    if (id == IdPagina::T_Parametri)
+        testo = l.LeggiTesto("MainLambda", "TARATURA.3").trimmed() + QStringLiteral("\n\n") + testo;
+    ChiudiPagineTaratura();
+    // Said after the handler that got here, so the menu is on view and the stream goes on.
+    QTimer::singleShot(0, this, [this, testo] { domanda(testo, FlagInformazione); });
+}
+
+void SequenzaTaratura::AvviaTaratura(FaseTaratura passo)
+{
+    StatoProgramma &s = stato();
+    switch (passo) {
+    case FaseTaratura::Avviso:
+        s.AttesaIniTaratura = true;
+        apri(IdPagina::IniTaratura);
+        break;
+    case FaseTaratura::AttesaEcu:
+        if (s.PassoTaratura == 0)
+            inviaIngresso();
+        break;
+    case FaseTaratura::Giri:
+        apri(IdPagina::T_Giri);
+        break;
+    case FaseTaratura::Tps:
+        apri(IdPagina::T_TPS);
+        break;
+    case FaseTaratura::Lambda:
+        apri(IdPagina::T_Lambda);
+        break;
+    case FaseTaratura::Parametri:
+        apri(IdPagina::T_Parametri);
+        break;
+    case FaseTaratura::Nessuna:
+        break;
+    }
+}
+
+void SequenzaTaratura::TastoOK()
+{
+    StatoProgramma &s = stato();
+    s.TaraturaInCorso = FaseTaratura::AttesaEcu;
+    s.PassoTaratura = 0;
+    s.UscitaTaratura = false;
+    AvviaTaratura(FaseTaratura::AttesaEcu);
+}
+
+void SequenzaTaratura::TastoAnnulla()
+{
+    StatoProgramma &s = stato();
+    s.AttesaIniTaratura = false;
+    s.TaraturaCompleta = false;
+    s.TaraturaInCorso = FaseTaratura::Nessuna;
+    s.PassoTaratura = -1;
+    m_telaio.abilitaMenu(true);
+}
+
+void SequenzaTaratura::inviaIngresso()
+{
+    MotoreDialogo &m = motore();
+    m.svuotaCoda();
+    m.accoda(QByteArray("A\x02", 2));
+    // With the port closed nothing is asked and the menu stays as it is.
+    if (m.avvia(StatoIngresso, IntervalloIngresso))
+        m_telaio.abilitaFrame(false);
+}
+
+void SequenzaTaratura::inviaUscita()
+{
+    stato().UscitaTaratura = true;
+    inviaIngresso();
+}
+
+void SequenzaTaratura::ingresso()
+{
+    MotoreDialogo &m = motore();
+    // The stream, not a reply, ends this dialogue: nothing else is queued behind the 'A' 2.
+    m.svuotaCoda();
+    (void)m.prosegui();
+    m_telaio.abilitaFrame(true);
+    StatoProgramma &s = stato();
+    if (s.UscitaTaratura) {
+        s.UscitaTaratura = false;
+        return;
+    }
+    // From here TaraturaCompleta keeps the warnings of a leaving ECU away.
+    s.AttesaIniTaratura = false;
+    s.TaraturaCompleta = true;
+    s.TaraturaInCorso = FaseTaratura::Giri;
+    s.PassoTaratura = 0;
+    AvviaTaratura(FaseTaratura::Giri);
+}
+
+void SequenzaTaratura::passoSuccessivo(LogicaTaratura &pagina, FaseTaratura passo)
+{
+    if (pagina.inUscita())
+        return;
+    pagina.impostaInUscita();
+    QTimer::singleShot(AttesaPassoMs, &pagina, [this, &pagina, passo] {
+        if (!pagina.collegata())
+            return;
+        StatoProgramma &s = stato();
+        s.TaraturaInCorso = passo;
+        s.PassoTaratura = 0;
+        chiudiPagina(pagina.id(), true);
+    });
+}
+
+void SequenzaTaratura::risposta(char lettera, int statoDialogo, const QByteArray &payload)
+{
+    if (statoDialogo != StatoMemorizzazione || lettera != 'e')
+        return;
+    if (payload.size() < 2 || static_cast<quint8>(payload.at(1)) != 0xFF) {
+        m_programma.impostaSegnalazione1(TestoErroreEcu(m_programma.lingua, payload));
+        m_telaio.abilitaFrame(true);
+        return;
+    }
+    if (motore().prosegui() != MotoreDialogo::Seguito::Concluso)
+        return;
+    m_telaio.abilitaFrame(true);
+    StatoProgramma &s = stato();
+    s.TaraturaCompleta = true;
+    s.TaraturaInCorso = FaseTaratura::Giri;
+    s.PassoTaratura = 0;
+    AvviaTaratura(FaseTaratura::Giri);
+}
+
+void SequenzaTaratura::scadenza(int statoDialogo)
+{
+    Q_UNUSED(statoDialogo);
+    // TaraturaInCorso stays at 1: the fitter starts again from the menu.
+    stato().AttesaIniTaratura = false;
+    m_telaio.abilitaMenu(true);
+    m_telaio.abilitaFrame(true);
+}
+
+void SequenzaTaratura::marciaNormale(const RecordDati &attuale)
+{
+    Q_UNUSED(attuale);
+    const StatoProgramma &s = stato();
+    if (s.TaraturaCompleta || s.AttesaIniTaratura || motore().StatoDialogo() != -1 || m_inDomanda
+        || m_telaio.paginaTaratura() == IdPagina::Nessuna)
+        return;
+    const Lingua &l = m_programma.lingua;
+    QString testo;
+    switch (s.TaraturaInCorso) {
+    case FaseTaratura::Giri:
+    case FaseTaratura::Tps:
+    case FaseTaratura::Lambda:
+        testo = l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_60");
+        break;
+    case FaseTaratura::Nessuna:
+        return;
+    default:
+        testo = l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_56");
+        break;
+    }
+    avvisoDifferito(testo, FlagInformazione, nullptr, [this](int risposta) {
+        if (risposta == RispostaOk)
+            ChiudiPagineTaratura();
+    });
+}
+
+void SequenzaTaratura::statoTaratura(int statoEcu, bool sequenza, const RecordDati &attuale)
+{
+    StatoProgramma &s = stato();
+    if (!sequenza && statoEcu == StatoEntrata && motore().StatoDialogo() == StatoIngresso) {
+        ingresso();
+        return;
+    }
+    switch (s.TaraturaInCorso) {
+    case FaseTaratura::Giri:
+    case FaseTaratura::Tps:
+    case FaseTaratura::Lambda:
+        if (m_pagina && m_pagina->collegata() && m_pagina->fase() == s.TaraturaInCorso
+            && m_pagina->singola() != sequenza && !m_pagina->inUscita())
+            m_pagina->frame(statoEcu, attuale);
+        break;
+    default:
+        // The ECU may start the RPM calibration by itself; a page in the middle of an
+        // exchange is left to finish it first.
+        if (!sequenza && statoEcu == StatoGiriPronto && motore().StatoDialogo() == -1) {
+            s.TaraturaInCorso = FaseTaratura::Giri;
+            apri(IdPagina::T_Giri_Single);
+        }
+        break;
+    }
+    if (sequenza)
+        s.DatiAttuali[1] = s.DatiAttuali[0];
+}
+
+} // namespace kv

@@ -1,0 +1,89 @@
+#include "calibration/ui/RegistroTaratura.h"
+
+#include "calibration/SequenzaTaratura.h"
+#include "calibration/TelaioTaratura.h"
+#include "calibration/ui/IniTaratura.h"
+#include "calibration/ui/PagineStriscia.h"
+#include "calibration/ui/T_Giri.h"
+#include "shell/ui/Korvantine.h"
+#include "shell/ui/MainLambda.h"
+
+namespace kv {
+
+namespace {
+
+// The main frame as calibration sees it.
+class TelaioKorvantine : public QObject, public TelaioTaratura
+{
+public:
+    explicit TelaioKorvantine(Korvantine &frame) : QObject(&frame), m_frame(frame) {}
+
+    bool apriPagina(IdPagina id) override { return m_frame.apriPagina(id) != nullptr; }
+
+    void chiudiPagina(IdPagina id, bool prosegui) override
+    {
+        QWidget *pagina = m_frame.idPaginaSopra() == id    ? m_frame.paginaSopra()
+                          : m_frame.idPaginaAttiva() == id ? m_frame.paginaAttiva()
+                                                           : nullptr;
+        if (pagina)
+            m_frame.ChiudiPagina(pagina, prosegui ? -1 : 0);
+    }
+
+    void ChiudiPagineTaratura() override { m_frame.ChiudiPagineTaratura(); }
+
+    IdPagina paginaTaratura() const override
+    {
+        if (m_frame.paginaSopra() && PaginaTaratura(m_frame.idPaginaSopra()))
+            return m_frame.idPaginaSopra();
+        if (m_frame.paginaAttiva() && PaginaTaratura(m_frame.idPaginaAttiva()))
+            return m_frame.idPaginaAttiva();
+        return IdPagina::Nessuna;
+    }
+
+    void abilitaFrame(bool abilitato) override { m_frame.abilitaArea(abilitato); }
+
+    void abilitaMenu(bool abilitato) override
+    {
+        if (MainLambda *m = m_frame.menu())
+            m->setEnabled(abilitato);
+    }
+
+    int MostraMsg(const QString &testo, int flags, const QString &titolo) override
+    {
+        return m_frame.MostraMsg(testo, flags, titolo);
+    }
+
+private:
+    Korvantine &m_frame;
+};
+
+} // namespace
+
+SequenzaTaratura &RegistraPagineTaratura(Korvantine &frame)
+{
+    auto *telaio = new TelaioKorvantine(frame);
+    auto *sequenza = new SequenzaTaratura(frame.programma(), *telaio, telaio);
+    frame.impostaAvviaTaratura([sequenza](FaseTaratura passo) { sequenza->AvviaTaratura(passo); });
+    frame.registraPagina(
+        IdPagina::IniTaratura, [sequenza](Korvantine &) { return new IniTaratura(*sequenza); },
+        Korvantine::Apertura::SopraIlMenu);
+    for (const auto &[id, singola] :
+         {std::pair{IdPagina::T_Giri, false}, std::pair{IdPagina::T_Giri_Single, true}}) {
+        frame.registraPagina(id, [sequenza, singola](Korvantine &) {
+            auto *pagina = new T_Giri(*sequenza, singola);
+            pagina->carica();
+            return pagina;
+        });
+    }
+    for (IdPagina id :
+         {IdPagina::T_TPS, IdPagina::T_TPS_Single, IdPagina::T_Lambda, IdPagina::T_Lambda_Single}) {
+        frame.registraPagina(id, [sequenza, id](Korvantine &) {
+            auto *pagina = new PaginaStriscia(*sequenza, id);
+            pagina->carica();
+            return pagina;
+        });
+    }
+    return *sequenza;
+}
+
+} // namespace kv
