@@ -52,6 +52,12 @@ void CampoGiri::segnaErrato()
     colora(Rosso, Qt::white);
 }
 
+void CampoGiri::segui(const QString &misura)
+{
+    setText(misura);
+    m_segue = true;
+}
+
 void CampoGiri::keyPressEvent(QKeyEvent *evento)
 {
     const int tasto = evento->key();
@@ -65,10 +71,15 @@ void CampoGiri::keyPressEvent(QKeyEvent *evento)
         return;
     if (tasto == Qt::Key_Space) {
         clear();
+        m_segue = false;
         emit digitato();
         return;
     }
     if (tasto == Qt::Key_Backspace || (tasto >= Qt::Key_0 && tasto <= Qt::Key_9)) {
+        // Typed after the followed measurement, a digit would make 7812 out of 781 and 2.
+        if (m_segue)
+            clear();
+        m_segue = false;
         QLineEdit::keyPressEvent(evento);
         colora(Blu, Qt::white);
         emit digitato();
@@ -262,7 +273,7 @@ bool T_Giri::giriTeoAttivo() const
 
 void T_Giri::mostraGiriTeo(const QString &testo)
 {
-    m_giriTeo->setText(testo);
+    m_giriTeo->segui(testo);
 }
 
 void T_Giri::mostraBoxGiri(bool mostra)

@@ -23,6 +23,8 @@ public:
     explicit CampoGiri(QWidget *parent = nullptr);
     // Marked red by Conferma until it is left again.
     void segnaErrato();
+    // The measurement shown while the fitter has typed nothing: his first key replaces it.
+    void segui(const QString &misura);
 
 signals:
     // A key that changes the text: the fitter is typing into it.
@@ -36,6 +38,7 @@ protected:
 
 private:
     void colora(const QColor &sfondo, const QColor &testo);
+    bool m_segue = false;
 };
 
 // T_Giri (step 2 of the sequence) and T_Giri_Single.

@@ -144,10 +144,10 @@ private slots:
         QCOMPARE(s.PassoTaratura, 2);
         QVERIFY(giri->GiriTeo()->hasFocus());
         QCOMPARE(giri->GiriTeo()->text(), sul(giri, "GiriReali")); // it follows the reading
-        tasto(Qt::Key_Space);
+        // The first digit replaces the followed reading; the field then keeps digits only.
         QTest::keyClicks(giri->GiriTeo(), "99.,x");
         scorri(80);
-        QCOMPARE(giri->GiriTeo()->text(), QStringLiteral("99")); // until typed into, digits only
+        QCOMPARE(giri->GiriTeo()->text(), QStringLiteral("99"));
         // Twice the reading, confirmed before another frame comes: the coefficient doubles.
         const double letti = ValNumero(sul(giri, "GiriReali"));
         QVERIFY(letti > 50 && letti < 120);
