@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace kv {
 
 // The folder of an exchange medium, as the fitter names it, and what may be done with it.
@@ -46,5 +48,21 @@ enum class EsitoPulizia {
 // a link (a link in their place is removed, not followed); then the
 // folder is made and temp copied over it. Other folders on the medium stay as they are.
 EsitoPulizia PulisciDestinazione(const CartellaScambio &destinazione, const QString &temp, TipoScambio tipo);
+
+// The start of every copy to a medium: the target checked, the fitter's word taken, temp
+// made empty. On a refusal `errore` holds what to tell; chiaveVuota is the word for no target.
+struct AvvioCopiaSet
+{
+    CartellaScambio destinazione;
+    QString temp;
+    std::optional<EsitoScambio> errore;
+};
+AvvioCopiaSet AvviaCopiaSet(const QString &destinazione, const QString &percorsoApp, const Lingua &lingua,
+                            const DomandaScambio &domanda, const QString &chiaveVuota);
+
+// The end of every copy to a medium: the set in temp put on the target, temp emptied, and
+// the outcome told with what could not be cleaned or copied.
+EsitoScambio ConsegnaSet(EsitoScambio esito, const CartellaScambio &destinazione, const QString &temp,
+                         const QString &percorsoApp, const Lingua &lingua, TipoScambio tipo);
 
 } // namespace kv

@@ -107,24 +107,12 @@ EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const Lingua &lingu
         return fine(false, segnalazione("SEGNALAZIONE_31"));
     if (nomi.isEmpty())
         return fine(false, segnalazione("SEGNALAZIONE_23"));
-    const CartellaScambio meta = ControllaCartellaScambio(destinazione, percorsoApp);
-    switch (meta.esito) {
-    case EsitoCartellaScambio::Valida:
-        break;
-    case EsitoCartellaScambio::Vuota:
-        return fine(false, segnalazione("SEGNALAZIONE_32"));
-    case EsitoCartellaScambio::Programma:
-        return fine(false, segnalazione("SEGNALAZIONE_21"));
-    case EsitoCartellaScambio::NonCartella:
-        return fine(false, TestoScambio(lingua, Scambio, QStringLiteral("NON_CARTELLA"), meta.percorso));
-    }
-    if (!domanda(segnalazione("SEGNALAZIONE_16")))
-        return fine(false, segnalazione("SEGNALAZIONE_19"));
-
-    const QString temp = PreparaTemp(percorsoApp);
-    if (temp.isEmpty())
-        return fine(false, TestoScambio(lingua, Scambio, QStringLiteral("TEMP"),
-                                        PercorsoFile(percorsoApp, FileArchivi::CartellaTemp)));
+    const AvvioCopiaSet avvio =
+        AvviaCopiaSet(destinazione, percorsoApp, lingua, domanda, QStringLiteral("SEGNALAZIONE_32"));
+    if (avvio.errore)
+        return *avvio.errore;
+    const CartellaScambio &meta = avvio.destinazione;
+    const QString &temp = avvio.temp;
     EsitoScambio esito;
     Archivio locale, set;
     if (!ApriArchivioSoftware(cartellaSoftware(percorsoApp), FileArchivi::FileSoftware, locale)
@@ -169,18 +157,7 @@ EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const Lingua &lingu
     ChiudiArchivioSoftware(set);
     ChiudiArchivioSoftware(locale);
 
-    const EsitoPulizia pulizia = PulisciDestinazione(meta, temp, TipoScambio::Software);
-    CancellaTemp(percorsoApp);
-    if (pulizia == EsitoPulizia::CopiaFallita) {
-        esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("COPIA"), meta.percorso);
-        esito.messaggio = segnalazione("SEGNALAZIONE_19");
-        return esito;
-    }
-    if (pulizia == EsitoPulizia::Parziale)
-        esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("PULIZIA"), meta.percorso);
-    esito.fatto = true;
-    esito.messaggio = segnalazione("SEGNALAZIONE_20");
-    return esito;
+    return ConsegnaSet(esito, meta, temp, percorsoApp, lingua, TipoScambio::Software);
 }
 
 SorgenteSoftware LeggiDiscoSoftware(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente)

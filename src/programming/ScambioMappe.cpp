@@ -48,6 +48,18 @@ RigaArchivio rigaMappa(const Archivio &db, const ChiaveMappa &k, const std::opti
     return r;
 }
 
+// Why an entry of a list is passed over (a name that cannot be a file here, or one already
+// done in other case); empty when it goes ahead, and then it counts as done.
+QString scarto(const ChiaveMappa &k, QSet<QString> &fatte)
+{
+    if (QString difetto = difettoNomi(k); !difetto.isEmpty())
+        return difetto;
+    if (fatte.contains(piegata(k)))
+        return QStringLiteral("DOPPIO");
+    fatte.insert(piegata(k));
+    return {};
+}
+
 EsitoScambio fine(bool fatto, const QString &messaggio, QStringList avvisi = {})
 {
     return {fatto, messaggio, std::move(avvisi), 0};
@@ -69,24 +81,12 @@ EsitoScambio ScriviDiscoMappe(const QString &percorsoApp, const Lingua &lingua,
     };
     if (mappe.isEmpty())
         return fine(false, segnalazione("SEGNALAZIONE_17"));
-    const CartellaScambio meta = ControllaCartellaScambio(destinazione, percorsoApp);
-    switch (meta.esito) {
-    case EsitoCartellaScambio::Valida:
-        break;
-    case EsitoCartellaScambio::Vuota:
-        return fine(false, segnalazione("SEGNALAZIONE_18"));
-    case EsitoCartellaScambio::Programma:
-        return fine(false, segnalazione("SEGNALAZIONE_21"));
-    case EsitoCartellaScambio::NonCartella:
-        return fine(false, TestoScambio(lingua, Scambio, QStringLiteral("NON_CARTELLA"), meta.percorso));
-    }
-    if (!domanda(segnalazione("SEGNALAZIONE_16")))
-        return fine(false, segnalazione("SEGNALAZIONE_19"));
-
-    const QString temp = PreparaTemp(percorsoApp);
-    if (temp.isEmpty())
-        return fine(false, TestoScambio(lingua, Scambio, QStringLiteral("TEMP"),
-                                        PercorsoFile(percorsoApp, FileArchivi::CartellaTemp)));
+    const AvvioCopiaSet avvio =
+        AvviaCopiaSet(destinazione, percorsoApp, lingua, domanda, QStringLiteral("SEGNALAZIONE_18"));
+    if (avvio.errore)
+        return *avvio.errore;
+    const CartellaScambio &meta = avvio.destinazione;
+    const QString &temp = avvio.temp;
     Archivio locale, set;
     if (!ApriArchivioMappe(CartellaMappe(percorsoApp), FileArchivi::FileMappe, locale)
         || !ApriArchivioMappe(temp, FileArchivi::FileTempMappe, set)) {
@@ -102,15 +102,10 @@ EsitoScambio ScriviDiscoMappe(const QString &percorsoApp, const Lingua &lingua,
         const auto salta = [&](const QString &chiave) {
             esito.avvisi << TestoScambio(lingua, Scambio, chiave, visibile);
         };
-        if (const QString difetto = difettoNomi(k); !difetto.isEmpty()) {
+        if (const QString difetto = scarto(k, fatte); !difetto.isEmpty()) {
             salta(difetto);
             continue;
         }
-        if (fatte.contains(piegata(k))) {
-            salta(QStringLiteral("DOPPIO"));
-            continue;
-        }
-        fatte.insert(piegata(k));
         const PercorsoMappa p = PercorsoFileMappa(percorsoApp, k, NomiMappa::Esistenti);
         if (!p.ok()) {
             salta(QStringLiteral("FUORI"));
@@ -136,18 +131,7 @@ EsitoScambio ScriviDiscoMappe(const QString &percorsoApp, const Lingua &lingua,
     ChiudiArchivioMappe(set);
     ChiudiArchivioMappe(locale);
 
-    const EsitoPulizia pulizia = PulisciDestinazione(meta, temp, TipoScambio::Mappe);
-    CancellaTemp(percorsoApp);
-    if (pulizia == EsitoPulizia::CopiaFallita) {
-        esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("COPIA"), meta.percorso);
-        esito.messaggio = segnalazione("SEGNALAZIONE_19");
-        return esito;
-    }
-    if (pulizia == EsitoPulizia::Parziale)
-        esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("PULIZIA"), meta.percorso);
-    esito.fatto = true;
-    esito.messaggio = segnalazione("SEGNALAZIONE_20");
-    return esito;
+    return ConsegnaSet(esito, meta, temp, percorsoApp, lingua, TipoScambio::Mappe);
 }
 
 SorgenteMappe LeggiDiscoMappe(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente)
@@ -196,15 +180,10 @@ EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, c
         const auto salta = [&](const QString &chiave) {
             esito.avvisi << TestoScambio(lingua, Scambio, chiave, visibile);
         };
-        if (const QString difetto = difettoNomi(k); !difetto.isEmpty()) {
+        if (const QString difetto = scarto(k, fatte); !difetto.isEmpty()) {
             salta(difetto);
             continue;
         }
-        if (fatte.contains(piegata(k))) {
-            salta(QStringLiteral("DOPPIO"));
-            continue;
-        }
-        fatte.insert(piegata(k));
         const QString origine =
             FileNelMedium(m, {k.impianto, k.marca, k.modello, k.file + FileMappa::Estensione});
         if (origine.isEmpty()) {
