@@ -94,14 +94,4 @@ void ScorciatoiaPagina(QWidget *pagina, const QKeySequence &tasto, std::initiali
     });
 }
 
-QString ConTastoAlt(const QString &testo)
-{
-    if (testo.contains(QLatin1Char('&')))
-        return testo;
-    for (qsizetype i = 0; i < testo.size(); ++i)
-        if (testo.at(i).isLetterOrNumber())
-            return QString(testo).insert(i, QLatin1Char('&'));
-    return testo;
-}
-
 } // namespace kv

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "shell/ui/Stile.h"
+
 #include <QString>
 
 #include <functional>
@@ -26,7 +28,5 @@ QPushButton *CreaTasto(QWidget *parent, const QString &nome);
 // that is enabled and in view, if any.
 void ScorciatoiaPagina(QWidget *pagina, const QKeySequence &tasto,
                        std::initializer_list<QPushButton *> tasti);
-// A caption with its Alt key on the first letter or digit, unless it marks one already.
-QString ConTastoAlt(const QString &testo);
 
 } // namespace kv

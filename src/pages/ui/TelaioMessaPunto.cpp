@@ -31,18 +31,6 @@ QString numero(int n)
     return FormattaNumero(n, QStringLiteral("#0"));
 }
 
-// A command's caption with its Alt key on the first letter, as the design-time "&APPLICA";
-// a caption that marks its own key keeps it.
-QString conTastoAlt(const QString &testo)
-{
-    if (testo.contains(QLatin1Char('&')))
-        return testo;
-    for (qsizetype i = 0; i < testo.size(); ++i)
-        if (testo.at(i).isLetterOrNumber())
-            return QString(testo).insert(i, QLatin1Char('&'));
-    return testo;
-}
-
 } // namespace
 
 TelaioMessaPunto::TelaioMessaPunto(Programma &programma, const DescrizionePagina &descrizione,
@@ -342,7 +330,7 @@ QString TelaioMessaPunto::testo(const QString &chiave) const
 
 QString TelaioMessaPunto::testoComando(const QString &caption, const QString &tasto)
 {
-    return conTastoAlt(caption.trimmed()) + QStringLiteral("  (") + tasto + QLatin1Char(')');
+    return ConTastoAlt(caption.trimmed()) + QStringLiteral("  (") + tasto + QLatin1Char(')');
 }
 
 void TelaioMessaPunto::aggiungiGriglia(GrigliaMessaPunto *griglia)
@@ -384,7 +372,7 @@ void TelaioMessaPunto::caricaTesti()
     m_memorizza->setText(testoComando(l.LeggiTesto("TASTI", "MEMORIZZA"), QStringLiteral("F5")));
     m_ripristina->setText(testoComando(l.LeggiTesto("TASTI", "RIPRISTINA"), QStringLiteral("F8")));
     m_esci->setText(testoComando(l.LeggiTesto("TASTI", "ESCI"), QStringLiteral("Esc")));
-    m_esciOut->setText(conTastoAlt(l.LeggiTesto("TASTI", "ESCI").trimmed()));
+    m_esciOut->setText(ConTastoAlt(l.LeggiTesto("TASTI", "ESCI").trimmed()));
     caricaTestiAltrove();
 }
 

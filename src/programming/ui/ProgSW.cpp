@@ -3,6 +3,7 @@
 #include "programming/ImmagineS19.h"
 #include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
+#include "shell/ui/Stile.h"
 
 #include <QApplication>
 #include <QFocusEvent>
@@ -37,17 +38,6 @@ protected:
             selectionModel()->clearCurrentIndex();
     }
 };
-
-// A caption with its Alt key on the first letter, unless it marks its own.
-QString conTastoAlt(const QString &testo)
-{
-    if (testo.contains(QLatin1Char('&')))
-        return testo;
-    for (qsizetype i = 0; i < testo.size(); ++i)
-        if (testo.at(i).isLetterOrNumber())
-            return QString(testo).insert(i, QLatin1Char('&'));
-    return testo;
-}
 
 QLabel *campo(QWidget *parent, const char *nome)
 {
@@ -158,9 +148,9 @@ void ProgSW::caricaTesti()
     m_boxProg->setTitle(l.LeggiTesto("ProgSW", "BOXPROG.CAPTION"));
     m_labVersione->setText(l.LeggiTesto("ProgSW", "LABVERSIONE").trimmed());
     m_labNote->setText(l.LeggiTesto("ProgSW", "LABNOTE").trimmed());
-    m_tastoProgramma->setText(conTastoAlt(l.LeggiTesto("TASTI", "PROGRAMMA").trimmed())
+    m_tastoProgramma->setText(ConTastoAlt(l.LeggiTesto("TASTI", "PROGRAMMA").trimmed())
                               + QStringLiteral("  (F2)"));
-    m_tastoEsci->setText(conTastoAlt(l.LeggiTesto("TASTI", "ESCI").trimmed()) + QStringLiteral("  (Esc)"));
+    m_tastoEsci->setText(ConTastoAlt(l.LeggiTesto("TASTI", "ESCI").trimmed()) + QStringLiteral("  (Esc)"));
 }
 
 void ProgSW::carica()

@@ -41,4 +41,14 @@ QColor Sfumatura(const QColor &a, const QColor &b, double t)
 
 } // namespace Tavolozza
 
+QString ConTastoAlt(const QString &testo)
+{
+    if (testo.contains(QLatin1Char('&')))
+        return testo;
+    for (qsizetype i = 0; i < testo.size(); ++i)
+        if (testo.at(i).isLetterOrNumber())
+            return QString(testo).insert(i, QLatin1Char('&'));
+    return testo;
+}
+
 } // namespace kv

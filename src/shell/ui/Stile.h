@@ -19,6 +19,10 @@ QLabel *CreaIntestazione(const QString &testo, QWidget *parent);
 void DimensionaElenco(QListWidget *elenco, int righe);
 
 // The colours of the tuning pages, by what they tell the fitter.
+// A command's caption with its Alt key on the first letter, as the design-time "&APPLICA";
+// a caption that marks its own key keeps it.
+QString ConTastoAlt(const QString &testo);
+
 namespace Tavolozza {
 // Fields and grid cells: at rest, with the focus, wrong, locked because the ECU adapts them.
 inline constexpr QColor SfondoCampo(255, 255, 255);
