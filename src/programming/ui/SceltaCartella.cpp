@@ -1,6 +1,7 @@
 #include "programming/ui/SceltaCartella.h"
 
 #include "base/Lingua.h"
+#include "shell/ui/Stile.h"
 
 #include <QCompleter>
 #include <QDir>
@@ -78,7 +79,8 @@ SceltaCartella::SceltaCartella(QWidget *parent)
 
 void SceltaCartella::caricaTesti(const Lingua &lingua, const QString &etichetta)
 {
-    m_etichetta->setText(etichetta);
+    // Alt and the first letter reach the field from anywhere on the page.
+    m_etichetta->setText(ConTastoAlt(etichetta.trimmed()));
     m_etichetta->setVisible(!etichetta.isEmpty());
     m_sfoglia->setText(lingua.LeggiTesto(QStringLiteral("SCAMBIO"), QStringLiteral("SFOGLIA")).trimmed());
     m_titolo = lingua.LeggiTesto(QStringLiteral("SCAMBIO"), QStringLiteral("SCEGLI")).trimmed();
