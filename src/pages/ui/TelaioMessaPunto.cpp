@@ -521,12 +521,17 @@ void TelaioMessaPunto::abilitaPagina(bool abilitata)
     if (!abilitata)
         return;
     if (!m_fuoco) {
-        // After the opening read: the first field that can be edited, else the first grid.
+        // After the opening read: the first field that can be edited, else the first list,
+        // else the first grid.
         for (const Riga &r : m_righe) {
             if (r.campo && r.inUso && r.campo->isVisible() && !r.campo->bloccato()) {
                 m_fuoco = r.campo;
                 break;
             }
+        }
+        for (const Riga &r : m_righe) {
+            if (!m_fuoco && r.lista && r.inUso && r.lista->isVisible())
+                m_fuoco = r.lista;
         }
         for (GrigliaMessaPunto *g : m_griglie)
             if (!m_fuoco && g->isVisible())

@@ -300,6 +300,7 @@ private slots:
         Korvantine finestra(*p);
         RegistraPagineMessaPunto(finestra);
         finestra.avvia();
+        QApplication::setActiveWindow(&finestra);
         const std::vector<Menu::Voce> voci = Menu::Opzioni(2, p->stato, p->lingua);
         int aperte = 0;
         for (int i = 0; i < Menu::NumeroOpzioni; ++i) {
@@ -311,6 +312,9 @@ private slots:
             QVERIFY(attendi());
             QCOMPARE(finestra.idPaginaAttiva(), v.pagina);
             QVERIFY2(finestra.paginaAttiva()->isEnabled(), qPrintable(v.caption));
+            // Read, the page has the keys at once.
+            QVERIFY2(finestra.paginaAttiva()->isAncestorOf(QApplication::focusWidget()),
+                     qPrintable(v.caption));
             QTest::keyClick(finestra.paginaAttiva(), Qt::Key_Escape);
             QTRY_VERIFY(finestra.menu());
             ++aperte;
