@@ -13,6 +13,7 @@
 #include "calibration/ui/PagineStriscia.h"
 #include "calibration/ui/RegistroTaratura.h"
 #include "calibration/ui/T_Giri.h"
+#include "calibration/ui/T_Parametri.h"
 #include "link/PortaSeriale.h"
 #include "monitoring/ui/BarraRegistrazione.h"
 #include "monitoring/ui/Grafici.h"
@@ -195,7 +196,7 @@ int main(int argc, char *argv[])
         {IdPagina::MP_PienoCarico, "mp_pienocarico.png"}, {IdPagina::MP_CutOff, "mp_cutoff.png"},
         {IdPagina::MP_Pompata, "mp_pompata.png"},         {IdPagina::MP_Lavoro, "mp_lavoro.png"},
         {IdPagina::MP_Stechio, "mp_stechio.png"},         {IdPagina::MP_InibizPC, "mp_inibizpc.png"},
-        {IdPagina::MP_RientroCO, "mp_rientroco.png"}};
+        {IdPagina::MP_RientroCO, "mp_rientroco.png"},     {IdPagina::MP_TPS, "mp_tps.png"}};
     for (const auto &[id, nome] : pagine) {
         // The map shows best with the engine out on it, away from idle.
         if (id == IdPagina::MP_Normale)
@@ -406,8 +407,14 @@ int main(int argc, char *argv[])
         pausa(7000);
         ok &= salva(finestra, cartella, QStringLiteral("t-lambda.png"));
     }
-    // The sequence ends at a step this build lacks, with a word that is answered.
+    // The last step: the parameters as read, then kept in the ECU, and the closing word
+    // answered as it comes.
     risposte.start(200);
+    if (attendi([&] { return paginaAperta(IdPagina::T_Parametri) && linkLibero(); }, 20000)) {
+        pausa(600);
+        ok &= salva(finestra, cartella, QStringLiteral("t-parametri.png"));
+        static_cast<T_Parametri *>(finestra.paginaAttiva())->EsciTar();
+    }
     attendi(inMarcia, 30000);
 
     // Each single calibration is left by its own key, which tells the ECU.

@@ -108,10 +108,7 @@ void SequenzaTaratura::apri(IdPagina id)
     if (m_telaio.apriPagina(id))
         return;
     // A step whose page this build lacks ends the calibration where it stands.
-    const Lingua &l = m_programma.lingua;
-    QString testo = l.LeggiTesto("KORVANTINE", "NON_DISPONIBILE");
-    if (id == IdPagina::T_Parametri)
-        testo = l.LeggiTesto("MainLambda", "TARATURA.3").trimmed() + QStringLiteral("\n\n") + testo;
+    const QString testo = m_programma.lingua.LeggiTesto("KORVANTINE", "NON_DISPONIBILE");
     ChiudiPagineTaratura();
     // Said after the handler that got here, so the menu is on view and the stream goes on.
     QTimer::singleShot(0, this, [this, testo] { domanda(testo, FlagInformazione); });

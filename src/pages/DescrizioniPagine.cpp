@@ -28,6 +28,14 @@ RigaPagina lista(int indice, int parametro, const char *sezione)
     return {indice, parametro, QString::fromLatin1(sezione)};
 }
 
+// The ECU reads these bytes as zero or not, whatever the list holds.
+RigaPagina listaBinaria(int indice, int parametro, const char *sezione)
+{
+    RigaPagina r = lista(indice, parametro, sezione);
+    r.binaria = true;
+    return r;
+}
+
 BoxParametri box(const char *nome, std::vector<RigaPagina> righe)
 {
     return {QString::fromLatin1(nome), std::move(righe)};
@@ -317,6 +325,18 @@ DescrizionePagina piccola(IdPagina id, const char *sezione, int primoStato, BoxP
     return d;
 }
 
+DescrizionePagina paginaTps()
+{
+    DescrizionePagina d = piccola(
+        IdPagina::MP_TPS, "MP_TPS", 211,
+        box("BOXTPS", {listaBinaria(0, TipoTps, "TIPOTPS"), listaBinaria(1, TpsAutoadattante, "TPSAUTO")}));
+    // The group is the parameter calibration page's, and so are its messages: a time-out
+    // leaves this page as it stands.
+    d.gruppoCondiviso = true;
+    d.scadenza = Scadenza::Muta;
+    return d;
+}
+
 std::vector<DescrizionePagina> costruisci()
 {
     return {
@@ -333,6 +353,7 @@ std::vector<DescrizionePagina> costruisci()
                 box("BOXINIBIZIONEPC", campi({InizioInibizionePC, DurataInibizionePC})), true),
         piccola(IdPagina::MP_RientroCO, "MP_RientroCO", 201,
                 box("BOXRIENTROCO", {lista(0, TipoRIENTRO, "TipoRIENTRO")})),
+        paginaTps(),
     };
 }
 

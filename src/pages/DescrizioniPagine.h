@@ -16,6 +16,9 @@ struct RigaPagina
     int indice;    // the number of its captions in the page's section
     int parametro; // the entry it edits
     QString lista; // a list: the language section of its items (lista + "." + n); empty for a field
+    // A list of two items over a byte the ECU takes as zero or not: 0 shows the first item,
+    // any other value the second, and the second goes back as 255.
+    bool binaria = false;
 };
 
 // A frame of rows on the page, captioned by nome + ".CAPTION".
@@ -28,14 +31,16 @@ struct BoxParametri
     bool soloAssistenza = false;
 };
 
-// An entry the page works out from another when it applies: bersaglio = sorgente * fattore
-// + scarto, whatever limits say.
+// An entry the page works out from others: bersaglio = sorgente * fattore + scarto, plus
+// altra * fattoreAltra when it hangs on a second entry, whatever limits say.
 struct Derivato
 {
     int bersaglio;
     int sorgente;
     double fattore;
     double scarto;
+    int altra = -1;
+    double fattoreAltra = 0;
 };
 
 // What the page shows when TimeOutReq fires in its group.
@@ -65,7 +70,11 @@ struct DescrizionePagina
     // last row of its read, and locks its TPS thresholds when the ECU adapts them itself.
     std::vector<int> righeTps;
     std::vector<Derivato> derivati; // worked out by Applica, in this order
-    bool zonaLavoro = false;        // a work-zone box, refreshed on every reply of the read
+    // Worked out as soon as the row that reads their sorgente is in, and kept as read.
+    std::vector<Derivato> derivatiLettura;
+    // Entries that travel in sign and magnitude on this page, whatever the catalogue says.
+    std::vector<int> segnoModulo;
+    bool zonaLavoro = false; // a work-zone box, refreshed on every reply of the read
     Scadenza scadenza = Scadenza::UscitaEmergenza;
 
     // 'r' for the first state, 'e' for the two saves, 0 for any other.

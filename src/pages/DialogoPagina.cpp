@@ -12,6 +12,8 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+
 namespace kv {
 
 namespace {
@@ -71,7 +73,7 @@ void DialogoPagina::ApplicaValori(int origine, int stato, bool ram, bool eeprom)
     for (int p : m_voci) {
         const Parametro &par = m_catalogo.Parametri[static_cast<size_t>(p)];
         const ValoreParametro &v = m_catalogo.Valori[static_cast<size_t>(p)];
-        const double grezzo = m_catalogo.aGrezzo(p, origine == 0 ? v.Corrente : v.Letto);
+        const double grezzo = aGrezzo(p, origine == 0 ? v.Corrente : v.Letto);
         const QByteArray dati = char(par.Dimensione) + ByteBE(grezzo, par.Dimensione);
         // RAM frame and EEPROM frame of one entry side by side: a failure half-way leaves
         // the earlier entries written in both and the later ones in neither.
@@ -124,13 +126,29 @@ void DialogoPagina::impostaCorrente(int parametro, double valore)
         m_catalogo.Valori[static_cast<size_t>(parametro)].Corrente = valore;
 }
 
+namespace {
+
+double deriva(const Derivato &d, const Catalogo &c, double ValoreParametro::*campo)
+{
+    const auto valore = [&](int p) { return c.Valori[static_cast<size_t>(p)].*campo; };
+    double v = valore(d.sorgente) * d.fattore + d.scarto;
+    if (d.altra >= 0)
+        v += valore(d.altra) * d.fattoreAltra;
+    return v;
+}
+
+} // namespace
+
+void DialogoPagina::calcolaDerivati()
+{
+    for (const Derivato &d : m_descrizione.derivati)
+        m_catalogo.Valori[static_cast<size_t>(d.bersaglio)].Corrente =
+            deriva(d, m_catalogo, &ValoreParametro::Corrente);
+}
+
 void DialogoPagina::Applica()
 {
-    for (const Derivato &d : m_descrizione.derivati) {
-        auto &valori = m_catalogo.Valori;
-        valori[static_cast<size_t>(d.bersaglio)].Corrente =
-            valori[static_cast<size_t>(d.sorgente)].Corrente * d.fattore + d.scarto;
-    }
+    calcolaDerivati();
     ApplicaValori(0, primoStato() + 1, true, false);
 }
 
@@ -210,6 +228,8 @@ void DialogoPagina::scadenza(int stato)
         m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_5"));
         m_vista.uscitaEmergenza();
     }
+    if (stato != primoStato())
+        m_vista.scritturaConclusa(stato, false);
 }
 
 void DialogoPagina::erroreEcu(int stato, const QByteArray &payload)
@@ -218,6 +238,8 @@ void DialogoPagina::erroreEcu(int stato, const QByteArray &payload)
     m_vista.abilitaPagina(true);
     if (stato == primoStato())
         m_vista.uscitaEmergenza();
+    else
+        m_vista.scritturaConclusa(stato, false);
 }
 
 void DialogoPagina::rispostaLettura(const QByteArray &payload)
@@ -226,8 +248,10 @@ void DialogoPagina::rispostaLettura(const QByteArray &payload)
         m_vista.mostraZonaLavoro(TestoZona(m_lingua, m_stato.DatiAttuali[0].Valore[Canale::MZonAct]));
     const int passo = m_motore.PassoDialogo();
     const auto &piano = m_descrizione.piano;
-    if (passo >= 0 && passo < static_cast<int>(piano.size()))
+    if (passo >= 0 && passo < static_cast<int>(piano.size())) {
         gestisciRiga(piano[static_cast<size_t>(passo)], payload);
+        derivaLettura(piano[static_cast<size_t>(passo)]);
+    }
     if (m_motore.prosegui() == MotoreDialogo::Seguito::Concluso)
         fineLettura();
 }
@@ -275,9 +299,40 @@ void DialogoPagina::gestisciRiga(const RigaLettura &riga, const QByteArray &payl
     }
 }
 
+double DialogoPagina::daGrezzo(int parametro, double grezzo) const
+{
+    const auto &s = m_descrizione.segnoModulo;
+    if (std::find(s.begin(), s.end(), parametro) != s.end())
+        return SegnoModulo(grezzo);
+    return m_catalogo.daGrezzo(parametro, grezzo);
+}
+
+double DialogoPagina::aGrezzo(int parametro, double valore) const
+{
+    const auto &s = m_descrizione.segnoModulo;
+    if (std::find(s.begin(), s.end(), parametro) != s.end())
+        return CodificaSegnoModulo(valore);
+    if (const RigaPagina *r = m_descrizione.riga(parametro); r && r->binaria)
+        return valore != 0 ? 255 : 0;
+    return m_catalogo.aGrezzo(parametro, valore);
+}
+
+void DialogoPagina::derivaLettura(const RigaLettura &riga)
+{
+    const std::vector<int> letti = VociRiga(riga);
+    for (const Derivato &d : m_descrizione.derivatiLettura) {
+        if (std::find(letti.begin(), letti.end(), d.sorgente) == letti.end())
+            continue;
+        const double v = deriva(d, m_catalogo, &ValoreParametro::Letto);
+        m_catalogo.registraLettura(d.bersaglio, v);
+        m_vista.mostraValore(d.bersaglio, v);
+        mostraSuggerimento(d.bersaglio);
+    }
+}
+
 void DialogoPagina::leggiVoce(int parametro, const QByteArray &byte)
 {
-    const double v = m_catalogo.daGrezzo(parametro, NumeroBE(byte));
+    const double v = daGrezzo(parametro, NumeroBE(byte));
     m_catalogo.registraLettura(parametro, v);
     m_vista.mostraValore(parametro, v);
     mostraSuggerimento(parametro);
@@ -314,6 +369,7 @@ void DialogoPagina::fineScrittura(int stato)
 {
     m_vista.mostraSegnalazione({});
     m_vista.abilitaPagina(true);
+    m_vista.scritturaConclusa(stato, true);
     // Last: closing may take the page, and this object with it, away.
     if (stato == primoStato() + 2)
         m_vista.chiudiPagina();

@@ -55,6 +55,9 @@ public:
     // What Applica takes from a field (or a list's selection index).
     void impostaCorrente(int parametro, double valore);
 
+    // The entries the page works out from others, from their Corrente.
+    void calcolaDerivati();
+
     // The commands. Applica expects Corrente already taken from the fields; it works out the
     // derived entries, then sends.
     void Applica();
@@ -76,6 +79,10 @@ private:
     void erroreEcu(int stato, const QByteArray &payload);
     void gestisciRiga(const RigaLettura &riga, const QByteArray &payload);
     void leggiVoce(int parametro, const QByteArray &byte);
+    void derivaLettura(const RigaLettura &riga);
+    // Raw ECU number to the value the page keeps, and back, by the page's own rules first.
+    double daGrezzo(int parametro, double grezzo) const;
+    double aGrezzo(int parametro, double valore) const;
     void aggiornaLimiti(int parametro, double valore, Occasione occasione);
     void mostraSuggerimento(int parametro);
     // The page's side of an ended read or save; the engine has freed the link already.

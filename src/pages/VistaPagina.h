@@ -29,6 +29,13 @@ public:
     virtual void uscitaEmergenza() = 0;
     // The page ends. Called last in a handler; the page may go away after it returns.
     virtual void chiudiPagina() = 0;
+    // A save (first state + 1 or + 2) is over: every frame acknowledged, or cut short by a
+    // refusal or a time-out. Before chiudiPagina() when the save closes the page.
+    virtual void scritturaConclusa(int stato, bool riuscita)
+    {
+        (void)stato;
+        (void)riuscita;
+    }
 };
 
 } // namespace kv

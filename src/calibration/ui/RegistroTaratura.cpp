@@ -5,6 +5,7 @@
 #include "calibration/ui/IniTaratura.h"
 #include "calibration/ui/PagineStriscia.h"
 #include "calibration/ui/T_Giri.h"
+#include "calibration/ui/T_Parametri.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/MainLambda.h"
 
@@ -83,6 +84,18 @@ SequenzaTaratura &RegistraPagineTaratura(Korvantine &frame)
             return pagina;
         });
     }
+    frame.registraPagina(IdPagina::T_Parametri, [sequenza](Korvantine &f) -> QWidget * {
+        auto *pagina = new T_Parametri(*sequenza);
+        pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
+            return f.MostraMsg(testo, flags, titolo);
+        });
+        // However it ends, in the sequence or alone, the calibration is over and the menu
+        // comes back.
+        QObject::connect(pagina, &TelaioMessaPunto::chiusa, sequenza,
+                         [sequenza] { sequenza->ChiudiPagineTaratura(); });
+        pagina->carica();
+        return pagina;
+    });
     return *sequenza;
 }
 

@@ -127,8 +127,14 @@ void CampoDato::focusOutEvent(QFocusEvent *evento)
     QLineEdit::focusOutEvent(evento);
     if (m_bloccato)
         return;
-    m_errato = false;
-    colora(Aspetto::Normale);
+    // A box over the page is not the fitter leaving the field: a red mark stays for him to
+    // mend when he comes back.
+    const bool sopra =
+        evento->reason() == Qt::ActiveWindowFocusReason || evento->reason() == Qt::PopupFocusReason;
+    if (!sopra || !m_errato) {
+        m_errato = false;
+        colora(Aspetto::Normale);
+    }
     if (!TestoNumerico(text()))
         return;
     const double valore = ValNumero(text());

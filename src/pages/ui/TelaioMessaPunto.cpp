@@ -94,14 +94,14 @@ TelaioMessaPunto::TelaioMessaPunto(Programma &programma, const DescrizionePagina
     m_segnalazione->setWordWrap(true);
     principale->addWidget(m_segnalazione);
     costruisciComandi();
-    auto *comandi = new QHBoxLayout;
-    comandi->addWidget(m_applica);
-    comandi->addWidget(m_memorizza);
-    comandi->addWidget(m_ripristina);
-    comandi->addStretch(1);
-    comandi->addWidget(m_esci);
-    comandi->addWidget(m_esciOut);
-    principale->addLayout(comandi);
+    m_comandi = new QHBoxLayout;
+    m_comandi->addWidget(m_applica);
+    m_comandi->addWidget(m_memorizza);
+    m_comandi->addWidget(m_ripristina);
+    m_comandi->addStretch(1);
+    m_comandi->addWidget(m_esci);
+    m_comandi->addWidget(m_esciOut);
+    principale->addLayout(m_comandi);
 
     m_domanda = [this](const QString &testo, int flags, const QString &titolo) {
         return kv::MostraMsg(m_programma.lingua, testo, flags, titolo, 0, this);
@@ -123,26 +123,40 @@ TelaioMessaPunto::~TelaioMessaPunto()
 
 void TelaioMessaPunto::costruisciComandi()
 {
-    const auto crea = [this](const char *nome, void (TelaioMessaPunto::*comando)(), Qt::Key tasto) {
+    // The page sees these keys before its fields do; a command that is not enabled ignores
+    // its key.
+    const auto tasto = [this](Qt::Key k, std::function<void()> azione) {
+        auto *s = new QShortcut(QKeySequence(k), this);
+        s->setContext(Qt::WindowShortcut);
+        connect(s, &QShortcut::activated, this, std::move(azione));
+    };
+    const auto crea = [this, &tasto](const char *nome, void (TelaioMessaPunto::*comando)(), Qt::Key k) {
         auto *b = new QPushButton(this);
         b->setObjectName(QString::fromLatin1(nome));
         b->setAutoDefault(false);
         b->setMinimumWidth(120);
         connect(b, &QPushButton::clicked, this, comando);
-        // The page sees these keys before its fields do; a command that is not enabled
-        // ignores its key.
-        auto *s = new QShortcut(QKeySequence(tasto), this);
-        s->setContext(Qt::WindowShortcut);
-        connect(s, &QShortcut::activated, this, [b] {
-            if (b->isEnabled() && b->isVisible())
-                b->click();
-        });
+        if (k != Qt::Key_unknown) {
+            tasto(k, [b] {
+                if (b->isEnabled() && b->isVisible())
+                    b->click();
+            });
+        }
         return b;
     };
     m_applica = crea("Applica", &TelaioMessaPunto::Applica, Qt::Key_F2);
     m_memorizza = crea("Memorizza", &TelaioMessaPunto::Memorizza, Qt::Key_F5);
     m_ripristina = crea("Ripristina", &TelaioMessaPunto::Ripristina, Qt::Key_F8);
-    m_esci = crea("Esci", &TelaioMessaPunto::Esci, Qt::Key_Escape);
+    m_esci = crea("Esci", &TelaioMessaPunto::Esci, Qt::Key_unknown);
+    m_tastiEsc = {m_esci};
+    tasto(Qt::Key_Escape, [this] {
+        for (const QPointer<QPushButton> &b : m_tastiEsc) {
+            if (b && b->isEnabled() && b->isVisible()) {
+                b->click();
+                return;
+            }
+        }
+    });
     m_esciOut = new QPushButton(this);
     m_esciOut->setObjectName(QStringLiteral("Esci_Out"));
     m_esciOut->setAutoDefault(false);
@@ -248,6 +262,9 @@ TelaioMessaPunto::Riga &TelaioMessaPunto::nuovaRiga(QGroupBox *box, QGridLayout 
         const QString &sezione = descrizione.lista;
         r.lista = new QComboBox(box);
         r.lista->setObjectName(sezione);
+        r.binaria = descrizione.binaria;
+        // The fitter's choice puts right what ControlloValori marked.
+        connect(r.lista, &QComboBox::activated, this, [l = r.lista] { l->setPalette(QPalette()); });
         for (int n = 0;; ++n) {
             const QString voce =
                 m_programma.lingua.LeggiTesto(sezione, sezione + QLatin1Char('.') + numero(n)).trimmed();
@@ -338,6 +355,20 @@ void TelaioMessaPunto::aggiungiGriglia(GrigliaMessaPunto *griglia)
     m_griglie.push_back(griglia);
 }
 
+void TelaioMessaPunto::aggiungiComando(QPushButton *tasto)
+{
+    tasto->setParent(this);
+    tasto->setAutoDefault(false);
+    tasto->setMinimumWidth(120);
+    m_comandi->addWidget(tasto);
+    m_comandiPagina.push_back(tasto);
+}
+
+void TelaioMessaPunto::tastiEsc(std::initializer_list<QPushButton *> tasti)
+{
+    m_tastiEsc.assign(tasti.begin(), tasti.end());
+}
+
 void TelaioMessaPunto::mostraRiga(int indice, bool visibile)
 {
     Riga *r = rigaIndice(indice);
@@ -405,6 +436,8 @@ void TelaioMessaPunto::carica()
         segue(g);
     for (QWidget *w : {m_applica, m_memorizza, m_ripristina, m_esci, m_esciOut})
         segue(w);
+    for (QPushButton *b : m_comandiPagina)
+        segue(b);
     for (const Riga &r : m_righe) {
         if (r.inUso) {
             r.editore()->setFocus(Qt::OtherFocusReason);
@@ -419,6 +452,8 @@ void TelaioMessaPunto::mostraValore(int parametro, double valore)
     if (Riga *r = rigaParametro(parametro)) {
         if (r->campo) {
             r->campo->mostra(valore, formato(r->indice));
+        } else if (r->lista && r->binaria) {
+            r->lista->setCurrentIndex(valore == 0 ? 0 : valore > 0 ? 1 : -1);
         } else if (r->lista) {
             const bool valido =
                 valore >= 0 && valore < r->lista->count() && valore == static_cast<int>(valore);
@@ -474,12 +509,17 @@ void TelaioMessaPunto::abilitaPagina(bool abilitata)
     if (!abilitata)
         return;
     if (!m_fuoco) {
-        // After the opening read: the first field that can be edited, else the first grid.
+        // After the opening read: the first field that can be edited, else the first list,
+        // else the first grid.
         for (const Riga &r : m_righe) {
             if (r.campo && r.inUso && r.campo->isVisible() && !r.campo->bloccato()) {
                 m_fuoco = r.campo;
                 break;
             }
+        }
+        for (const Riga &r : m_righe) {
+            if (!m_fuoco && r.lista && r.inUso && r.lista->isVisible())
+                m_fuoco = r.lista;
         }
         for (GrigliaMessaPunto *g : m_griglie)
             if (!m_fuoco && g->isVisible())
@@ -525,6 +565,24 @@ void TelaioMessaPunto::confermaGriglie()
 bool TelaioMessaPunto::ControlloValori()
 {
     confermaGriglie();
+    // A list on none of its items has nothing to send: it is put right before anything else.
+    for (Riga &r : m_righe) {
+        if (!r.lista || !r.inUso)
+            continue;
+        const int i = r.lista->currentIndex();
+        if (i >= 0 && i < r.lista->count()) {
+            r.lista->setPalette(QPalette());
+            continue;
+        }
+        QPalette p = r.lista->palette();
+        for (QPalette::ColorRole ruolo : {QPalette::Button, QPalette::Base})
+            p.setColor(ruolo, Tavolozza::SfondoErrato);
+        for (QPalette::ColorRole ruolo : {QPalette::ButtonText, QPalette::Text})
+            p.setColor(ruolo, Tavolozza::TestoChiaro);
+        r.lista->setPalette(p);
+        r.lista->setFocus(Qt::OtherFocusReason);
+        return false;
+    }
     QWidget *primo = nullptr;
     bool validi = true;
     for (Riga &r : m_righe) {
@@ -554,10 +612,10 @@ bool TelaioMessaPunto::ControlloValori()
     return validi;
 }
 
-void TelaioMessaPunto::Applica()
+bool TelaioMessaPunto::prendiValori()
 {
     if (!ControlloValori())
-        return;
+        return false;
     for (const Riga &r : m_righe) {
         if (!r.inUso)
             continue;
@@ -566,7 +624,13 @@ void TelaioMessaPunto::Applica()
         else if (r.lista)
             m_dialogo->impostaCorrente(r.parametro, r.lista->currentIndex());
     }
-    m_dialogo->Applica();
+    return true;
+}
+
+void TelaioMessaPunto::Applica()
+{
+    if (prendiValori())
+        m_dialogo->Applica();
 }
 
 void TelaioMessaPunto::Memorizza()

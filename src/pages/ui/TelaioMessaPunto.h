@@ -15,6 +15,7 @@
 class QComboBox;
 class QGridLayout;
 class QGroupBox;
+class QHBoxLayout;
 class QLabel;
 class QPushButton;
 class QVBoxLayout;
@@ -53,14 +54,17 @@ public:
     void carica();
 
     // The commands, as the buttons and F2, F5, F8 and Esc click them.
-    void Applica();
+    virtual void Applica();
     void Memorizza();
     void Ripristina();
     void Esci();
     void Esci_Out();
-    // All fields and grid cells numeric and within limits; the bad ones red, the first
-    // gets the focus.
+    // Every list on one of its items, then all fields and grid cells numeric and within
+    // limits; the bad ones red, the first gets the focus. A bad list stops the check there.
     bool ControlloValori();
+    // ControlloValori, and when it passes every field's number and list's item taken into
+    // Corrente, as Applica takes them.
+    bool prendiValori();
 
     // Mask of field i (FormatoMinimo and its kin): the Formato of its entry, empty for an
     // index the page does not have.
@@ -91,6 +95,16 @@ protected:
     void mostraRiga(int indice, bool visibile);
     QPushButton *tastoApplica() const { return m_applica; }
     QPushButton *tastoMemorizza() const { return m_memorizza; }
+    QPushButton *tastoRipristina() const { return m_ripristina; }
+    QPushButton *tastoEsci() const { return m_esci; }
+    QPushButton *tastoEsciOut() const { return m_esciOut; }
+    // The live panel on the right, for a page that has no use for it.
+    QGroupBox *pannelloLive() const { return m_boxDati; }
+    // A command of the page's own, at the end of the row and of the Tab order.
+    void aggiungiComando(QPushButton *tasto);
+    // What Esc presses: the first of these that is enabled and in view. Esci alone unless
+    // a page says otherwise.
+    void tastiEsc(std::initializer_list<QPushButton *> tasti);
     void mostraMessaggio(const QString &testo) { mostraSegnalazione(testo); }
     QString testo(const QString &chiave) const;
     // A command's caption with its Alt key and its function key: "&Apply  (F2)".
@@ -124,6 +138,7 @@ private:
         QLabel *duePunti = nullptr;
         CampoDato *campo = nullptr;
         QComboBox *lista = nullptr;
+        bool binaria = false;
         QLabel *misura = nullptr;
         QLabel *intervallo = nullptr;
         QWidget *editore() const;
@@ -168,6 +183,9 @@ private:
     QPushButton *m_ripristina = nullptr;
     QPushButton *m_esci = nullptr;
     QPushButton *m_esciOut = nullptr;
+    QHBoxLayout *m_comandi = nullptr;
+    std::vector<QPushButton *> m_comandiPagina;
+    std::vector<QPointer<QPushButton>> m_tastiEsc;
     QPointer<QWidget> m_fuoco;
     bool m_ascolta = false;
 };

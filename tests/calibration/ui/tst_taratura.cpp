@@ -9,10 +9,13 @@
 #include "calibration/ui/PagineStriscia.h"
 #include "calibration/ui/RegistroTaratura.h"
 #include "calibration/ui/T_Giri.h"
+#include "calibration/ui/T_Parametri.h"
+#include "pages/ui/CampoDato.h"
 #include "shell/ui/AiutoUi.h"
 #include "support/PortaEcu.h"
 #include "variables/Formato.h"
 
+#include <QComboBox>
 #include <QLabel>
 #include <QRadioButton>
 
@@ -26,9 +29,27 @@ QByteArray comando(const char *hex)
     return QByteArray::fromHex(hex);
 }
 
-QByteArray scrittura(quint16 indirizzo, quint16 valore)
+QByteArray scrittura(quint16 indirizzo, quint16 valore, int byte = 2)
 {
-    return 'W' + ByteBE(indirizzo, 2) + char(2) + ByteBE(valore, 2);
+    return 'W' + ByteBE(indirizzo, 2) + char(byte) + ByteBE(valore, byte);
+}
+
+// The parameter page's opening read, in its order.
+const QByteArrayList LetturaParametri = {comando("5200B802"), comando("52C16201"), comando("52010801"),
+                                         comando("52010901"), comando("52C16401"), comando("52C16602")};
+
+// What the parameter page keeps in the ECU on the way out: emulation value, TPS kind and
+// self-adaptation to RAM and EEPROM, the two times to EEPROM.
+QByteArrayList scrittureParametri(int valore, int tipo, int auto_, int disabilitazione, int anomalia)
+{
+    return {scrittura(0x015C, quint16(valore), 1),
+            scrittura(0xC162, quint16(valore), 1),
+            scrittura(0x0108, quint16(tipo), 1),
+            scrittura(0xC108, quint16(tipo), 1),
+            scrittura(0x0109, quint16(auto_), 1),
+            scrittura(0xC109, quint16(auto_), 1),
+            scrittura(0xC164, quint16(disabilitazione), 1),
+            scrittura(0xC166, quint16(anomalia))};
 }
 
 } // namespace
@@ -179,7 +200,7 @@ private slots:
         ecu->impostaPedale(false);
         scorri(2500, true);
 
-        // Lambda, then the parameters, which this build does not have yet.
+        // Lambda, then the parameters.
         auto *lambda = pagina<PaginaStriscia>();
         QVERIFY(lambda && lambda->objectName() == "T_Lambda");
         QCOMPARE(lambda->windowTitle(), SequenzaTaratura::ComponiPasso(testo("T_Lambda", "CAPTION.1"), 4));
@@ -188,17 +209,174 @@ private slots:
         scorri(Taratura::LambdaSweepMs);
         QCOMPARE(s.TaraturaInCorso, FaseTaratura::Lambda);
         scorri(2500, true);
+        auto *parametri = pagina<T_Parametri>();
+        QVERIFY(parametri);
+        QCOMPARE(parametri->windowTitle(),
+                 SequenzaTaratura::ComponiPasso(testo("T_Parametri", "CAPTION.1"), 5));
+        scorri(200);
+        // 512 of 1023 on a range of 80, the ECU's -5 (0x85), from 10: 45.
+        QCOMPARE(parametri->D_Parametri(0)->text().trimmed(), QStringLiteral("45"));
+        QVERIFY(parametri->D_Parametri(0)->hasFocus());
+        tasto(Qt::Key_Space);
+        QTest::keyClicks(QApplication::focusWidget(), "60");
+        tasto(Qt::Key_Tab);
+        tasto(Qt::Key_Down); // the other TPS kind
+        QCOMPARE(parametri->TipoTps()->currentIndex(), 1);
+        // Esc ends the calibration; the closing word comes while the frames go out.
+        tasto(Qt::Key_Escape);
+        scorri(200);
+        QVERIFY(frame->menu() && frame->menu()->isAncestorOf(QApplication::focusWidget()));
+        QCOMPARE(s.TaraturaInCorso, FaseTaratura::Nessuna);
+        QVERIFY(!s.TaraturaCompleta);
+        QCOMPARE(risponditore->visti.size(), 1);
+        QCOMPARE(risponditore->visti[0].testo, testo("SEGNALAZIONI", "SEGNALAZIONE_56"));
+
+        const QByteArrayList attesi =
+            QByteArrayList{comando("4102"),         comando("4100"),         comando("52010502"),
+                           scrittura(0x0105, 1000), scrittura(0x00A0, 1100), scrittura(0x00A2, 1200),
+                           scrittura(0x0098, 2000), scrittura(0x009A, 1800), scrittura(0x00AC, 2000),
+                           scrittura(0x00AE, 1800), comando("4101")}
+            + LetturaParametri
+            // 60 less 50.04: 10 to the ECU; the TPS kind as 255.
+            + scrittureParametri(10, 0xFF, 0xFF, 30, 600);
+        QCOMPARE(ricevuti, attesi);
+        QCOMPARE(CellaEcu(*ecu, catalogo, Par::ValoreEmulazione, true), 10);
+    }
+
+    void parametersAlone_data()
+    {
+        QTest::addColumn<int>("base");
+        QTest::addColumn<int>("valore");    // raw, sign and magnitude
+        QTest::addColumn<int>("tipo");      // TipoTps, raw
+        QTest::addColumn<QString>("letta"); // the percentage shown
+        QTest::addColumn<QString>("nuova"); // typed over it; empty: a time changed instead
+        QTest::addColumn<int>("scritto");   // the emulation value that goes back
+        QTest::newRow("as the simulator has it") << 512 << 0x85 << 0 << "45" << QString() << 0x85;
+        QTest::newRow("nothing at all") << 0 << 0 << 0 << "10" << QString() << 0x00;
+        QTest::newRow("minus nought") << 0 << 0x80 << 0 << "10" << QString() << 0x00;
+        QTest::newRow("nought on a high base") << 1023 << 0 << 0 << "90"
+                                               << "0" << 0xDA; // -90
+        QTest::newRow("any TPS kind but 0") << 512 << 0x85 << 7 << "45" << QString() << 0x85;
+    }
+
+    void parametersAlone()
+    {
+        QFETCH(int, base);
+        QFETCH(int, valore);
+        QFETCH(int, tipo);
+        QFETCH(QString, letta);
+        QFETCH(QString, nuova);
+        QFETCH(int, scritto);
+        ImpostaVoceEcu(*ecu, catalogo, Par::BaseEmulazione, base);
+        ImpostaVoceEcu(*ecu, catalogo, Par::ValoreEmulazione, valore);
+        ImpostaVoceEcu(*ecu, catalogo, Par::TipoTps, tipo);
+        tasto(Qt::Key_F4);
+        tasto(Qt::Key_F4, Qt::ShiftModifier);
+        scorri(400);
+        auto *w = pagina<T_Parametri>();
+        QVERIFY(w);
+        QCOMPARE(w->windowTitle(), testo("T_Parametri", "CAPTION.0"));
+        QVERIFY(w->findChild<QPushButton *>("EsciTar")->isHidden());
+        QCOMPARE(ricevuti, LetturaParametri);
+        QCOMPARE(w->D_Parametri(0)->text().trimmed(), letta);
+        QCOMPARE(w->TipoTps()->currentIndex(), tipo != 0 ? 1 : 0);
+        auto *applica = w->findChild<QPushButton *>("Applica");
+        QVERIFY(!applica->isEnabled());
+
+        // F2 tries what changed in RAM; a time has no RAM copy and waits for the way out.
+        if (nuova.isEmpty())
+            w->D_Parametri(1)->setFocus();
+        tasto(Qt::Key_Space);
+        QTest::keyClicks(QApplication::focusWidget(), nuova.isEmpty() ? QString("40") : nuova);
+        QVERIFY(applica->isEnabled());
+        ricevuti.clear();
+        tasto(Qt::Key_F2);
+        scorri(200);
+        const int tpsKind = tipo != 0 ? 0xFF : 0;
+        QCOMPARE(ricevuti,
+                 (QByteArrayList{scrittura(0x015C, quint16(scritto), 1),
+                                 scrittura(0x0108, quint16(tpsKind), 1), scrittura(0x0109, 0xFF, 1)}));
+        QVERIFY(!applica->isEnabled() && w->findChild<QPushButton *>("Memorizza")->isEnabled());
+
+        // Esc asks; Yes keeps it all, the time with it.
+        ricevuti.clear();
+        tasto(Qt::Key_Escape);
+        scorri(200);
+        const int tempo = nuova.isEmpty() ? 40 : 30;
+        QCOMPARE(ricevuti, scrittureParametri(scritto, tpsKind, 0xFF, tempo, 600));
+        QCOMPARE(risponditore->visti.size(), 1);
+        QCOMPARE(risponditore->visti[0].testo, testo("SEGNALAZIONI", "SEGNALAZIONE_6"));
+        QVERIFY(frame->menu());
+    }
+
+    void parametersStepLeftByEsciTar_data()
+    {
+        QTest::addColumn<QString>("digitato"); // over the percentage; empty: left as read
+        QTest::addColumn<int>("tastoBox");     // pressed in the box that comes
+        QTest::addColumn<bool>("rifiuto");     // the ECU refuses the TPS kind
+        QTest::addColumn<QString>("parola");   // the box's
+        QTest::addColumn<int>("scritture");    // frames that went out
+        QTest::addColumn<bool>("resta");
+        QTest::newRow("bad value, mend it") << "150" << 0 << false << "SEGNALAZIONE_57" << 0 << true;
+        QTest::newRow("bad value, leave") << "150" << 1 << false << "SEGNALAZIONE_57" << 0 << false;
+        QTest::newRow("write refused") << QString() << 0 << true << "SEGNALAZIONE_56" << 3 << true;
+    }
+
+    void parametersStepLeftByEsciTar()
+    {
+        QFETCH(QString, digitato);
+        QFETCH(int, tastoBox);
+        QFETCH(bool, rifiuto);
+        QFETCH(QString, parola);
+        QFETCH(int, scritture);
+        QFETCH(bool, resta);
+        StatoProgramma &s = p->stato;
+        if (rifiuto)
+            ecu->impostaErroreScrittura(0x0108, ErroreEcu::ScritturaFallita);
+        risponditore->rispondi(tastoBox);
+        s.TaraturaCompleta = true;
+        s.TaraturaInCorso = FaseTaratura::Parametri;
+        s.PassoTaratura = 0;
+        frame->AvviaTaratura(FaseTaratura::Parametri);
+        scorri(400);
+        auto *w = pagina<T_Parametri>();
+        QVERIFY(w && w->isEnabled());
+        if (!digitato.isEmpty()) {
+            tasto(Qt::Key_Space);
+            QTest::keyClicks(QApplication::focusWidget(), digitato);
+        }
+        ricevuti.clear();
+        tasto(Qt::Key_Escape);
+        scorri(200);
+        QCOMPARE(risponditore->visti.size(), 1);
+        QCOMPARE(risponditore->visti[0].testo, p->lingua.LeggiTesto("SEGNALAZIONI", parola));
+        QCOMPARE(ricevuti.size(), scritture);
+        // Mended or refused, the page stays with the step; left, the calibration is over.
+        QCOMPARE(pagina<T_Parametri>() == w, resta);
+        QCOMPARE(s.TaraturaInCorso, resta ? FaseTaratura::Parametri : FaseTaratura::Nessuna);
+        if (rifiuto)
+            QCOMPARE(sul(w, "Segnalazione"), "05H " + testo("ERRORI", "ERR_05"));
+        else if (resta)
+            QVERIFY(w->D_Parametri(0)->hasFocus() && w->D_Parametri(0)->errato());
+    }
+
+    void parametersReadWithoutAnswer()
+    {
+        StatoProgramma &s = p->stato;
+        ecu->impostaStallo(true);
+        s.TaraturaCompleta = true;
+        s.TaraturaInCorso = FaseTaratura::Parametri;
+        s.PassoTaratura = 0;
+        frame->AvviaTaratura(FaseTaratura::Parametri);
+        auto *w = pagina<T_Parametri>();
+        QVERIFY(w && req->scatta());
+        QCOMPARE(sul(w, "Segnalazione"), testo("SEGNALAZIONI", "SEGNALAZIONE_2"));
+        // Esci_Out alone: Esc leaves without a word to the ECU, and the calibration is over.
+        QVERIFY(w->findChild<QPushButton *>("EsciTar")->isHidden());
+        tasto(Qt::Key_Escape);
         QVERIFY(frame->menu());
         QCOMPARE(s.TaraturaInCorso, FaseTaratura::Nessuna);
-        QCOMPARE(risponditore->visti.size(), 1);
-        QVERIFY(risponditore->visti[0].testo.endsWith(testo("KORVANTINE", "NON_DISPONIBILE")));
-
-        const QByteArrayList attesi = {
-            comando("4102"),         comando("4100"),         comando("52010502"),
-            scrittura(0x0105, 1000), scrittura(0x00A0, 1100), scrittura(0x00A2, 1200),
-            scrittura(0x0098, 2000), scrittura(0x009A, 1800), scrittura(0x00AC, 2000),
-            scrittura(0x00AE, 1800), comando("4101")};
-        QCOMPARE(ricevuti, attesi);
+        QVERIFY(risponditore->visti.isEmpty());
     }
 
     void singlePagesLeaveWithA1_data()

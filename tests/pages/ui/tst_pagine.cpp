@@ -83,6 +83,8 @@ class TstPagine : public QObject, ProgrammaSimulato
                     eeprom = riga.eeprom;
         const double mostrato = p->catalogo.daGrezzo(v, eeprom ? this->eeprom(v) : ram(v));
         const RigaPagina *r = d.riga(v);
+        if (r && r->binaria)
+            return QString::number(mostrato != 0);
         return r && !r->lista.isEmpty() ? QString::number(mostrato) : p->catalogo.formatta(v, mostrato);
     }
 
@@ -119,6 +121,7 @@ private slots:
         // No RAM copies: Applica sends nothing at all.
         QTest::newRow("inhibition") << IdPagina::MP_InibizPC << false << 2 << 0 << 2;
         QTest::newRow("return from cut-off") << IdPagina::MP_RientroCO << false << 1 << 1 << 2;
+        QTest::newRow("throttle sensor") << IdPagina::MP_TPS << false << 2 << 2 << 4;
     }
 
     void everyPageReadsShowsAndWritesInItsOrder()
@@ -297,23 +300,26 @@ private slots:
         Korvantine finestra(*p);
         RegistraPagineMessaPunto(finestra);
         finestra.avvia();
+        QApplication::setActiveWindow(&finestra);
         const std::vector<Menu::Voce> voci = Menu::Opzioni(2, p->stato, p->lingua);
         int aperte = 0;
         for (int i = 0; i < Menu::NumeroOpzioni; ++i) {
             const Menu::Voce &v = voci[static_cast<size_t>(i)];
-            // The TPS page comes with calibration.
-            if (!v.abilitata || v.pagina == IdPagina::MP_TPS)
+            if (!v.abilitata)
                 continue;
             finestra.menu()->ScegliFunzione(2);
             QTest::keyClick(finestra.menu(), Qt::Key(Qt::Key_F1 + i), Qt::ShiftModifier);
             QVERIFY(attendi());
             QCOMPARE(finestra.idPaginaAttiva(), v.pagina);
             QVERIFY2(finestra.paginaAttiva()->isEnabled(), qPrintable(v.caption));
+            // Read, the page has the keys at once.
+            QVERIFY2(finestra.paginaAttiva()->isAncestorOf(QApplication::focusWidget()),
+                     qPrintable(v.caption));
             QTest::keyClick(finestra.paginaAttiva(), Qt::Key_Escape);
             QTRY_VERIFY(finestra.menu());
             ++aperte;
         }
-        QCOMPARE(aperte, assistenza ? 8 : 2);
+        QCOMPARE(aperte, assistenza ? 9 : 2);
     }
 };
 
