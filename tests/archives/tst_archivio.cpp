@@ -79,18 +79,16 @@ private slots:
         QTest::addColumn<QStringList>("indici");
         QTest::addColumn<QString>("campoLungo");
         QTest::addColumn<int>("dimensione");
-        QTest::newRow("recordings") << "DATI"
-                                    << "ARCHDATI.MDB" << 0 << QStringList{"PER_FILE", "PER_MARCAMOD"}
-                                    << "FILE" << 20;
-        QTest::newRow("software") << "SOFTWARE"
-                                  << "SOFTWARE.MDB" << 1 << QStringList{"PER_NOME"} << "NomeSW" << 30;
-        QTest::newRow("maps") << "MAPPATURE"
-                              << "ARCHMAPPE.MDB" << 2 << QStringList{"PER_NOME"} << "TipoImpianto" << 3;
-        QTest::newRow("exchange maps") << "TEMP"
-                                       << "DBTEMP.MDB" << 2 << QStringList{"PER_NOME"} << "Marca" << 50;
-        QTest::newRow("exchange software")
-            << "TEMP"
-            << "SOFTRIPR.MDB" << 1 << QStringList{"PER_NOME"} << "Versione" << 20;
+        const auto riga = [](const char *nome, const char *cartella, const char *file, int quale,
+                             const QStringList &indici, const char *campo, int dimensione) {
+            QTest::newRow(nome) << QString(cartella) << QString(file) << quale << indici << QString(campo)
+                                << dimensione;
+        };
+        riga("recordings", "DATI", "ARCHDATI.MDB", 0, {"PER_FILE", "PER_MARCAMOD"}, "FILE", 20);
+        riga("software", "SOFTWARE", "SOFTWARE.MDB", 1, {"PER_NOME"}, "NomeSW", 30);
+        riga("maps", "MAPPATURE", "ARCHMAPPE.MDB", 2, {"PER_NOME"}, "TipoImpianto", 3);
+        riga("exchange maps", "TEMP", "DBTEMP.MDB", 2, {"PER_NOME"}, "Marca", 50);
+        riga("exchange software", "TEMP", "SOFTRIPR.MDB", 1, {"PER_NOME"}, "Versione", 20);
     }
 
     void apreOCreaConLoSchema()
@@ -141,18 +139,15 @@ private slots:
         QTest::addColumn<QString>("scritta");
         QTest::addColumn<QString>("cercata");
         QTest::addColumn<bool>("stessa");
-        QTest::newRow("plain") << "FIAT"
-                               << "Fiat" << true;
-        QTest::newRow("umlaut") << "CITROËN"
-                                << "Citroën" << true;
-        QTest::newRow("caron") << "ŠKODA"
-                               << "škoda" << true;
-        QTest::newRow("ligature and y diaeresis") << "ŒŸ"
-                                                  << "œÿ" << true;
-        QTest::newRow("accent is no case") << "CITROËN"
-                                           << "CITROEN" << false;
-        QTest::newRow("blank is a character") << "FIAT"
-                                              << "FIAT " << false;
+        const auto riga = [](const char *nome, const char *scritta, const char *cercata, bool stessa) {
+            QTest::newRow(nome) << QString::fromUtf8(scritta) << QString::fromUtf8(cercata) << stessa;
+        };
+        riga("plain", "FIAT", "Fiat", true);
+        riga("umlaut", "CITROËN", "Citroën", true);
+        riga("caron", "ŠKODA", "škoda", true);
+        riga("ligature and y diaeresis", "ŒŸ", "œÿ", true);
+        riga("accent is no case", "CITROËN", "CITROEN", false);
+        riga("blank is a character", "FIAT", "FIAT ", false);
     }
 
     void chiaviCiecheAlleMaiuscole()

@@ -93,28 +93,24 @@ private slots:
         QTest::addColumn<QString>("sezione");
         QTest::addColumn<QString>("chiave");
         QTest::addColumn<QByteArray>("dopo");
-        QTest::newRow("value of a key") << Completo << "SERIALE"
-                                        << "Baudrate" << cambiato(Completo, "BaudRate=9600", "BaudRate=v");
-        QTest::newRow("trailing blanks go") << Completo << "seriale"
-                                            << "PORTA" << cambiato(Completo, "Porta = COM1   ", "Porta = v");
+        const auto riga = [](const char *nome, const QByteArray &prima, const char *sezione,
+                             const char *chiave, const QByteArray &dopo) {
+            QTest::newRow(nome) << prima << QString(sezione) << QString(chiave) << dopo;
+        };
+        riga("value of a key", Completo, "SERIALE", "Baudrate",
+             cambiato(Completo, "BaudRate=9600", "BaudRate=v"));
+        riga("trailing blanks go", Completo, "seriale", "PORTA",
+             cambiato(Completo, "Porta = COM1   ", "Porta = v"));
         // After the section's last full line: the blank lines and the comment of B stay with B.
-        QTest::newRow("new key") << QByteArray("[A]\r\nx=1\r\n; nota\r\n\r\n; la B\r\n[B]\r\ny=2\r\n") << "a"
-                                 << "k"
-                                 << QByteArray("[A]\r\nx=1\r\nk=v\r\n; nota\r\n\r\n; la B\r\n[B]\r\ny=2\r\n");
-        QTest::newRow("header-only section") << QByteArray("[A]\n\n[B]\n") << "A"
-                                             << "k" << QByteArray("[A]\nk=v\n\n[B]\n");
-        QTest::newRow("new section, LF") << QByteArray("[A]\nx=1\n") << "B"
-                                         << "k" << QByteArray("[A]\nx=1\n\n[B]\nk=v\n");
-        QTest::newRow("new section after a blank") << QByteArray("[A]\r\nx=1\r\n\r\n") << "B"
-                                                   << "k" << QByteArray("[A]\r\nx=1\r\n\r\n[B]\r\nk=v\r\n");
-        QTest::newRow("empty file") << QByteArray() << "B"
-                                    << "k" << QByteArray("[B]\r\nk=v\r\n");
-        QTest::newRow("no final end, key") << QByteArray("[A]\nx=1") << "A"
-                                           << "x" << QByteArray("[A]\nx=v");
-        QTest::newRow("no final end, new key") << QByteArray("[A]\nx=1") << "A"
-                                               << "k" << QByteArray("[A]\nx=1\nk=v");
-        QTest::newRow("no final end, new section") << QByteArray("[A]\nx=1") << "B"
-                                                   << "k" << QByteArray("[A]\nx=1\n\n[B]\nk=v\n");
+        riga("new key", "[A]\r\nx=1\r\n; nota\r\n\r\n; la B\r\n[B]\r\ny=2\r\n", "a", "k",
+             "[A]\r\nx=1\r\nk=v\r\n; nota\r\n\r\n; la B\r\n[B]\r\ny=2\r\n");
+        riga("header-only section", "[A]\n\n[B]\n", "A", "k", "[A]\nk=v\n\n[B]\n");
+        riga("new section, LF", "[A]\nx=1\n", "B", "k", "[A]\nx=1\n\n[B]\nk=v\n");
+        riga("new section after a blank", "[A]\r\nx=1\r\n\r\n", "B", "k", "[A]\r\nx=1\r\n\r\n[B]\r\nk=v\r\n");
+        riga("empty file", QByteArray(), "B", "k", "[B]\r\nk=v\r\n");
+        riga("no final end, key", "[A]\nx=1", "A", "x", "[A]\nx=v");
+        riga("no final end, new key", "[A]\nx=1", "A", "k", "[A]\nx=1\nk=v");
+        riga("no final end, new section", "[A]\nx=1", "B", "k", "[A]\nx=1\n\n[B]\nk=v\n");
     }
 
     void writeChangesOnlyWhatItMust()
@@ -150,11 +146,11 @@ private slots:
         QTest::addColumn<QByteArray>("aggiunta");
         const QString testo = QString::fromUtf8("città 90° €");
         const QByteArray utf8 = testo.toUtf8();
-        QTest::newRow("windows-1252")
-            << QByteArray("[A]\r\nx=citt\xE0 90\xB0 \x80\r\n") << FileIni::Codifica::Windows1252 << testo
-            << QByteArray("k=\xE8 \x80\r\n");
+        const QByteArray w1252 = "k=\xE8 \x80\r\n";
+        QTest::newRow("windows-1252") << QByteArray("[A]\r\nx=citt\xE0 90\xB0 \x80\r\n")
+                                      << FileIni::Codifica::Windows1252 << testo << w1252;
         QTest::newRow("plain ascii") << QByteArray("[A]\r\nx=1\r\n") << FileIni::Codifica::Windows1252 << "1"
-                                     << QByteArray("k=\xE8 \x80\r\n");
+                                     << w1252;
         QTest::newRow("utf-8") << "[A]\nx=" + utf8 + "\n"
                                << FileIni::Codifica::Utf8 << testo << QByteArray("k=\xC3\xA8 \xE2\x82\xAC\n");
         QTest::newRow("utf-8 with bom")

@@ -216,20 +216,28 @@ private slots:
         QCOMPARE(richiesteVersione, 2);
     }
 
-    void erasedTpsCellsMeanNoTps()
+    void whatIdentificationFinds_data()
     {
-        avvia({}, [](EcuSimulata &e) { e.scriviMemoria(0xC110, QByteArray::fromHex("03FF03FF")); });
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
-        QCOMPARE(p->stato.TpsPresente, false);
+        QTest::addColumn<bool>("applicazione");
+        QTest::addColumn<QByteArray>("celleTps"); // written at 0xC110 before the start
+        QTest::addColumn<bool>("tps");
+        QTest::newRow("erased TPS cells mean no TPS") << true << QByteArray::fromHex("03FF03FF") << false;
+        QTest::newRow("an ECU without application is seen as such") << false << QByteArray() << true;
     }
 
-    void ecuWithoutApplicationIsSeenAsSuch()
+    void whatIdentificationFinds()
     {
+        QFETCH(bool, applicazione);
+        QFETCH(QByteArray, celleTps);
+        QFETCH(bool, tps);
         OpzioniEcu o;
-        o.applicazionePresente = false;
-        avvia(o);
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuNormale, false, 2000);
-        QCOMPARE(p->stato.EcuDaIdentificare, true);
+        o.applicazionePresente = applicazione;
+        avvia(o, [&](EcuSimulata &e) { e.scriviMemoria(0xC110, celleTps); });
+        QTRY_VERIFY_WITH_TIMEOUT(!p->stato.EcuDaIdentificare || !p->stato.EcuNormale, 3000);
+        QTest::qWait(100);
+        QCOMPARE(p->stato.EcuNormale, applicazione);
+        QCOMPARE(p->stato.EcuDaIdentificare, !applicazione);
+        QCOMPARE(p->stato.TpsPresente, tps);
         QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
     }
 

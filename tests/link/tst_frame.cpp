@@ -39,122 +39,70 @@ private slots:
     }
     void cleanupTestCase() { delete r; }
 
-    void versionRequestIsTheKnownSevenBytes()
+    void framesOnTheWire()
     {
         QCOMPARE(CreaFrame("V"), hex("02873AF1560803"));
-        QCOMPARE(SommaByte(hex("873AF156")), quint8(0x08));
-    }
-
-    void framesFromTheEcuHaveTheAddressesReversed()
-    {
-        const QByteArray f = daEcu("e\xFF");
-        QCOMPARE(f.size(), 8);
-        QCOMPARE(quint8(f.at(1)), quint8(0x88));
-        QCOMPARE(quint8(f.at(2)), quint8(0xF1));
-        QCOMPARE(quint8(f.at(3)), quint8(0x3A));
-        QCOMPARE(quint8(f.at(6)), SommaByte(f.mid(1, 5)));
-    }
-
-    void wordsAreHighByteFirst()
-    {
-        QCOMPARE(ParolaInByte(0xC112), hex("C112"));
-        QCOMPARE(ParolaInByte(0x0090), hex("0090"));
-    }
-
-    void queueGivesFramesInOrderAndDropsLeadingNoise()
-    {
+        // From the ECU the addresses are the other way round.
+        QCOMPARE(daEcu("e\xFF"), hex("0288F13A65FF") + char(SommaByte(hex("88F13A65FF"))) + '\x03');
+        // The queue gives its frames in order, past any noise before them.
         QByteArray coda = "xx" + CreaFrame("V") + CreaFrame(QByteArray("R\xC1\x12\x02", 4));
-        FrameUscita a = InviaProssimo(coda);
-        QCOMPARE(a.Valido, qint16(-1));
-        QCOMPARE(a.Byte, CreaFrame("V"));
-        FrameUscita b = InviaProssimo(coda);
+        QCOMPARE(InviaProssimo(coda).Byte, CreaFrame("V"));
+        const FrameUscita b = InviaProssimo(coda);
+        QCOMPARE(b.Valido, qint16(-1));
         QCOMPARE(b.Byte, CreaFrame(QByteArray("R\xC1\x12\x02", 4)));
-        FrameUscita c = InviaProssimo(coda);
-        QCOMPARE(c.Valido, qint16(0));
-        QVERIFY(c.Byte.isEmpty());
-        QVERIFY(coda.isEmpty());
+        const FrameUscita c = InviaProssimo(coda);
+        QVERIFY(c.Valido == 0 && c.Byte.isEmpty() && coda.isEmpty());
     }
 
-    void twoFramesInOneArrivalAreBothDispatchedInOrder()
+    void receiverPassesOnWholeGoodFramesOnly_data()
     {
-        r->ricevi(daEcu("v123") + daEcu("r\x01"));
-        QCOMPARE(ricevuti, (QByteArrayList{"v123", "r\x01"}));
-        QCOMPARE(r->inAttesa(), 0);
-    }
-
-    void noiseBeforeAFrameIsDropped()
-    {
-        r->ricevi(hex("FFEE00") + daEcu("g"));
-        QCOMPARE(ricevuti, QByteArrayList{"g"});
-    }
-
-    void noiseWithoutStxWaitsForTheNextStx()
-    {
-        r->ricevi(hex("FFEE00"));
-        QCOMPARE(r->inAttesa(), 3);
-        r->ricevi(daEcu("g"));
-        QCOMPARE(ricevuti, QByteArrayList{"g"});
-        QCOMPARE(r->inAttesa(), 0);
-    }
-
-    void wrongAddressesLoseTheWholeBuffer()
-    {
-        r->ricevi(hex("0288AABB") + daEcu("g"));
-        QVERIFY(ricevuti.isEmpty());
-        QCOMPARE(r->inAttesa(), 0);
-    }
-
-    void aFrameInTwoHalvesWaitsForTheSecond()
-    {
-        const QByteArray f = daEcu("r\x12\x34");
-        r->ricevi(f.left(5));
-        QVERIFY(ricevuti.isEmpty());
-        r->ricevi(f.mid(5));
-        QCOMPARE(ricevuti, QByteArrayList{"r\x12\x34"});
-    }
-
-    void badChecksumHoldsBackTheGoodFrameUntilTheNextArrival()
-    {
+        QTest::addColumn<QByteArrayList>("arrivi");
+        QTest::addColumn<QList<int>>("dopoOgni"); // payloads handed on after each arrival, -1 any
+        QTest::addColumn<QByteArrayList>("attesi");
+        QTest::addColumn<QByteArray>("resto"); // left in the buffer at the end
+        const QByteArray g = daEcu("g");
+        const QByteArray meta = daEcu("r\x12\x34");
         QByteArray cattivo = daEcu("r\x01");
         cattivo[cattivo.size() - 2] = char(cattivo.at(cattivo.size() - 2) + 1);
-        r->ricevi(cattivo + daEcu("g"));
-        QVERIFY(ricevuti.isEmpty());
-        r->ricevi({});
-        QCOMPARE(ricevuti, QByteArrayList{"g"});
+        QByteArray fineErrata = daEcu("r\x01\x02");
+        fineErrata[fineErrata.size() - 1] = 0x55;
+        using L = QByteArrayList;
+        const auto riga = [](const char *nome, const L &arrivi, const QList<int> &dopo, const L &attesi,
+                             const QByteArray &resto = {}) {
+            QTest::newRow(nome) << arrivi << dopo << attesi << resto;
+        };
+        riga("two frames in one arrival", {daEcu("v123") + daEcu("r\x01")}, {2}, {"v123", "r\x01"});
+        riga("noise before a frame", {hex("FFEE00") + g}, {1}, {"g"});
+        riga("noise waits for the next STX", {hex("FFEE00"), g}, {0, 1}, {"g"});
+        riga("wrong addresses lose the whole buffer", {hex("0288AABB") + g}, {0}, {});
+        riga("a frame in two halves", {meta.left(5), meta.mid(5)}, {0, 1}, {"r\x12\x34"});
+        riga("a bad checksum holds the next frame until the next arrival", {cattivo + g, {}}, {0, 1}, {"g"});
+        riga("a wrong end byte drops exactly LEN bytes", {fineErrata + hex("AABB")}, {0}, {}, hex("AABB"));
+        riga("LEN 2 drops two bytes like a bad end", {hex("0282F13A") + g, {}}, {0, 1}, {"g"});
+        // LEN 0 must not stall the receiver on the same bytes forever.
+        riga("LEN 0", {hex("0280F13A"), g, {}}, {0, -1, 1}, {"g"});
+        riga("an empty payload is not handed on", {daEcu({})}, {0}, {});
     }
 
-    void wrongEndByteDropsExactlyLenBytes()
+    void receiverPassesOnWholeGoodFramesOnly()
     {
-        QByteArray f = daEcu("r\x01\x02");
-        f[f.size() - 1] = 0x55;
-        const QByteArray resto = hex("AABB");
-        r->ricevi(f + resto);
-        QVERIFY(ricevuti.isEmpty());
+        QFETCH(QByteArrayList, arrivi);
+        QFETCH(QList<int>, dopoOgni);
+        QFETCH(QByteArrayList, attesi);
+        QFETCH(QByteArray, resto);
+        for (qsizetype i = 0; i < arrivi.size(); ++i) {
+            r->ricevi(arrivi[i]);
+            QVERIFY(dopoOgni[i] < 0 || ricevuti.size() == dopoOgni[i]);
+        }
+        QCOMPARE(ricevuti, attesi);
         QCOMPARE(r->BufferRx(), resto);
     }
 
-    void lenBelowSixIsDroppedLikeABadEnd()
-    {
-        // LEN 2: two bytes go, the rest waits for the next arrival.
-        r->ricevi(hex("0282F13A") + daEcu("g"));
-        QVERIFY(ricevuti.isEmpty());
-        r->ricevi({});
-        QCOMPARE(ricevuti, QByteArrayList{"g"});
-
-        init();
-        // LEN 0 must not stall the receiver on the same bytes forever.
-        r->ricevi(hex("0280F13A"));
-        r->ricevi(daEcu("g"));
-        r->ricevi({});
-        QVERIFY(ricevuti.contains("g"));
-    }
-
-    void emptyPayloadIsNotDispatchedButShown()
+    void theStripShowsEveryGoodPayloadEvenEmpty()
     {
         QByteArray shown = "unset";
         r->impostaSegnalazione([&](const QByteArray &h) { shown = h; });
         r->ricevi(daEcu({}));
-        QVERIFY(ricevuti.isEmpty());
         QCOMPARE(shown, QByteArray());
         r->ricevi(daEcu(QByteArray("d\x00\x0A", 3)));
         QCOMPARE(shown, QByteArray("64000A"));
@@ -185,21 +133,13 @@ private slots:
         QByteArray coda = CreaFrame("V");
         InviaProssimo(coda, &registro);
         rr.ricevi(daEcu("e\xFF"));
-        QFile f(registro.percorso());
-        QVERIFY(f.open(QIODevice::ReadOnly));
-        QCOMPARE(f.readAll(), "02873AF1560803\r\n" + HexFrame(daEcu("e\xFF")) + "\r\n");
-    }
-
-    void emptyQueueLogsAnEmptyLine()
-    {
-        QTemporaryDir dir;
-        RegistroFrame registro(dir.filePath("MESSAGGI.TXT"));
-        QByteArray coda = "noise";
+        // An empty queue logs an empty line and leaves what it holds.
+        coda = "noise";
         QCOMPARE(InviaProssimo(coda, &registro).Valido, qint16(0));
         QCOMPARE(coda, QByteArray("noise"));
         QFile f(registro.percorso());
         QVERIFY(f.open(QIODevice::ReadOnly));
-        QCOMPARE(f.readAll(), QByteArray("\r\n"));
+        QCOMPARE(f.readAll(), "02873AF1560803\r\n" + HexFrame(daEcu("e\xFF")) + "\r\n\r\n");
     }
 
     void largeBacklogIsServedCompletely()

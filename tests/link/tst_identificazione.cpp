@@ -1,49 +1,11 @@
-#include "shell/Programma.h"
-#include "support/PortaFinta.h"
+#include "support/ProgrammaFinto.h"
 
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace kv;
 
 namespace {
-
-QByteArray daEcu(const QByteArray &dati)
-{
-    return CreaFrame(dati, 0);
-}
-
-QByteArray datiLive(quint8 stato, quint16 giri, quint16 tps, quint16 lambda, quint8 zona, quint8 tipoLambda)
-{
-    QByteArray p("d");
-    p += char(stato);
-    p += char(giri >> 8);
-    p += char(giri & 0xFF);
-    p += char(tps >> 8);
-    p += char(tps & 0xFF);
-    p += char(lambda >> 8);
-    p += char(lambda & 0xFF);
-    p += char(90); // stepper
-    p += char(1);  // rich/lean
-    p += char(zona);
-    p += char(0); // pump
-    p += char(1); // TPS type
-    p += char(2); // supply
-    p += char(tipoLambda);
-    return p;
-}
-
-QByteArray versione()
-{
-    return "v" + QByteArray("VEICOLO-01") + QByteArray("2026-11-01") + QByteArray("KV-CODE-000042")
-           + QByteArray("DATO-A-123") + QByteArray("B-77");
-}
-
-QByteArray parola(quint16 v)
-{
-    return QByteArray(1, char(v >> 8)) + char(v & 0xFF);
-}
 
 // The calibration as the stream calls it: each call with its status, the speed of the record
 // it was handed and EcuInMarcia as it stood then.
@@ -74,44 +36,17 @@ private:
 
 } // namespace
 
-class TstIdentificazione : public QObject
+class TstIdentificazione : public QObject, ProgrammaFinto
 {
     Q_OBJECT
 
-    QTemporaryDir cartella;
-    std::unique_ptr<Programma> p;
-    PortaFinta *porta = nullptr;
-    TemporizzatoreManuale *req = nullptr;
-    TemporizzatoreManuale *dati = nullptr;
-
-    void arriva(const QByteArray &payload) { porta->arriva(daEcu(payload)); }
-
-    void identifica(quint16 tpsMax = 900, quint16 tpsMin = 60, quint8 tipoTps = 7, quint8 auto_ = 0)
-    {
-        arriva(datiLive(0, 800, 100, 500, 1, 0));
-        arriva(versione());
-        arriva("r" + parola(tpsMax));
-        arriva("r" + parola(tpsMin));
-        arriva(QByteArray("r") + char(tipoTps));
-        arriva(QByteArray("r") + char(auto_));
-    }
-
 private slots:
-    void init()
-    {
-        auto pf = std::make_unique<PortaFinta>();
-        auto r = std::make_unique<TemporizzatoreManuale>();
-        auto d = std::make_unique<TemporizzatoreManuale>();
-        porta = pf.get();
-        req = r.get();
-        dati = d.get();
-        p = std::make_unique<Programma>(cartella.path(), std::move(pf), std::move(r), std::move(d));
-    }
+    void init() { creaProgramma(); }
 
     void firstLiveFrameAsksForVersionAndTheFourCells()
     {
         QSignalSpy frame(&p->identificazione, &Identificazione::frameAbilitato);
-        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        arriva(datiLive(0));
         QCOMPARE(p->motore.StatoDialogo(), qint16(111));
         QCOMPARE(porta->scritti, QByteArrayList{CreaFrame("V")});
         QCOMPARE(req->interval(), 5000);
@@ -119,14 +54,12 @@ private slots:
         QCOMPARE(frame.size(), 1);
         QCOMPARE(frame.at(0).at(0).toBool(), false);
 
-        arriva(versione());
+        arriva(rispostaVersione());
         QCOMPARE(p->motore.StatoDialogo(), qint16(112));
         QCOMPARE(porta->scritti.last(), CreaFrame(QByteArray("R\xC1\x12\x02", 4)));
-        QCOMPARE(p->stato.InfVeicolo, QString("VEICOLO-01"));
-        QCOMPARE(p->stato.InfData, QString("2026-11-01"));
-        QCOMPARE(p->stato.InfCodice, QString("KV-CODE-000042"));
-        QCOMPARE(p->stato.InfDatoA, QString("DATO-A-123"));
-        QCOMPARE(p->stato.InfDatoB, QString("B-77"));
+        const StatoProgramma &s = p->stato;
+        QCOMPARE(QStringList({s.InfVeicolo, s.InfData, s.InfCodice, s.InfDatoA, s.InfDatoB}),
+                 QStringList({"VEICOLO-01", "2026-11-01", "KV-CODE-000042", "DATO-A-123", "B-77"}));
 
         arriva("r" + parola(900));
         QCOMPARE(porta->scritti.last(), CreaFrame(QByteArray("R\xC1\x10\x02", 4)));
@@ -180,7 +113,7 @@ private slots:
     {
         p->motore.accoda("V");
         QVERIFY(p->motore.avvia(1, 5000));
-        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        arriva(datiLive(0));
         QCOMPARE(p->motore.StatoDialogo(), qint16(1));
         QCOMPARE(porta->scritti.size(), 1);
         QCOMPARE(p->stato.EcuDaIdentificare, true);
@@ -188,16 +121,16 @@ private slots:
 
     void timeOutDuringIdentificationRetriesOnTheNextLiveFrame()
     {
-        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        arriva(datiLive(0));
         QSignalSpy frame(&p->identificazione, &Identificazione::frameAbilitato);
         QVERIFY(req->scatta());
         QCOMPARE(frame.size(), 1);
         QCOMPARE(frame.at(0).at(0).toBool(), true);
         QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
         QCOMPARE(p->stato.EcuDaIdentificare, true);
-        arriva(versione()); // too late: dropped
+        arriva(rispostaVersione()); // too late: dropped
         QCOMPARE(porta->scritti.size(), 1);
-        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        arriva(datiLive(0));
         QCOMPARE(porta->scritti.size(), 2);
         QCOMPARE(porta->scritti.last(), CreaFrame("V"));
     }
@@ -214,7 +147,7 @@ private slots:
         QCOMPARE(p->stato.EcuNormale, true);
         QCOMPARE(p->stato.EcuInMarcia, true);
         QVERIFY(!dati->isEnabled());
-        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        arriva(datiLive(0));
         QCOMPARE(p->motore.StatoDialogo(), qint16(111));
     }
 
@@ -223,12 +156,12 @@ private slots:
         identifica();
         QSignalSpy marcia(&p->datiLive, &DatiLive::inMarciaCambiata);
         p->stato.FunzioneScelta = Funzione::MessaPunto;
-        arriva(datiLive(1, 800, 100, 500, 1, 0));
+        arriva(datiLive(1));
         QCOMPARE(marcia.size(), 1);
         QCOMPARE(p->stato.FunzioneScelta, Funzione::Nessuna);
-        arriva(datiLive(1, 800, 100, 500, 1, 0));
+        arriva(datiLive(1));
         QCOMPARE(marcia.size(), 1); // only on a change
-        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        arriva(datiLive(0));
         QCOMPARE(marcia.size(), 2);
         QCOMPARE(p->stato.EcuInMarcia, true);
     }
@@ -236,7 +169,7 @@ private slots:
     void signOfLifeWithoutApplication()
     {
         identifica();
-        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        arriva(datiLive(0));
         QVERIFY(dati->isEnabled());
         arriva("g");
         QCOMPARE(p->stato.EcuNormale, false);
@@ -277,10 +210,10 @@ private slots:
         p->datiLive.impostaGestoreTaratura(&spia);
         p->stato.TaraturaCompleta = sequenza;
         for (int i = 0; i < stati.size(); ++i)
-            arriva(datiLive(quint8(stati[i]), quint16(1000 + i), 100, 500, 1, 0));
+            arriva(datiLive(quint8(stati[i]), quint16(1000 + i)));
         QCOMPARE(spia.chiamate, attese);
         p->datiLive.impostaGestoreTaratura(nullptr);
-        arriva(datiLive(234, 800, 100, 500, 1, 0));
+        arriva(datiLive(234));
         QCOMPARE(spia.chiamate.size(), attese.size());
     }
 
@@ -290,7 +223,7 @@ private slots:
         p->anello.azzera();
         p->stato.RegistrazioneAttiva = true;
         for (int i = 0; i < 3; ++i)
-            arriva(datiLive(0, quint16(1000 + i), 100, 500, 1, 0));
+            arriva(datiLive(0, quint16(1000 + i)));
         QCOMPARE(p->anello.IndiceRegistrazione, qint16(2));
         QCOMPARE(p->anello.BufferRegistrazione[2].Valore[Canale::Giri], 1002.0);
     }

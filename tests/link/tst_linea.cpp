@@ -1,51 +1,24 @@
 // The line watch on a scripted port, its two timers fired by hand: a port that carries nothing
 // like an ECU, and a port that goes away in the middle of a dialogue and comes back.
-#include "shell/Programma.h"
-#include "support/PortaFinta.h"
+#include "support/ProgrammaFinto.h"
 
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace kv;
 
 using Stato = SorveglianzaLinea::Stato;
 
-namespace {
-
-QByteArray datiLive(quint8 stato)
-{
-    const char byte[] = {'d', char(stato), 0x03, 0x20, 0, 100, 0x01, char(0xF4), 90, 1, 2, 0, 1, 2, 0};
-    return QByteArray(byte, sizeof byte);
-}
-
-} // namespace
-
-class TstLinea : public QObject
+class TstLinea : public QObject, ProgrammaFinto
 {
     Q_OBJECT
 
-    QTemporaryDir cartella;
-    std::unique_ptr<Programma> p;
-    PortaFinta *porta = nullptr;
-    TemporizzatoreManuale *riapertura = nullptr;
-    TemporizzatoreManuale *silenzio = nullptr;
-
-    void arriva(const QByteArray &payload) { porta->arriva(CreaFrame(payload, 0)); }
     Stato stato() const { return p->sorveglianza.stato(); }
 
 private slots:
     void init()
     {
-        auto pf = std::make_unique<PortaFinta>();
-        auto ra = std::make_unique<TemporizzatoreManuale>();
-        auto si = std::make_unique<TemporizzatoreManuale>();
-        porta = pf.get();
-        riapertura = ra.get();
-        silenzio = si.get();
-        p = std::make_unique<Programma>(
-            cartella.path(), std::move(pf), std::make_unique<TemporizzatoreManuale>(),
-            std::make_unique<TemporizzatoreManuale>(), std::move(ra), std::move(si));
+        creaProgramma();
         p->dispositivoForzato = QStringLiteral("/dev/ttyUSB3");
         p->seriale.VelocitaCom = 19200;
         QVERIFY(p->ApriPorta());

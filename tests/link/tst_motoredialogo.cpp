@@ -101,35 +101,43 @@ private slots:
         QCOMPARE(pagina->risposte, (QByteArrayList{"r1:0a", "r1:0b", "r1:0c"}));
     }
 
-    void timeOutFreesTheLinkAndLeavesTheQueue()
+    // What ends a read dialogue other than its last reply, and what does not: T is the
+    // time-out firing, anything else a reply.
+    void repliesOutOfTurnAndTimeOuts_data()
     {
-        treLetture();
-        QVERIFY(timer->scatta());
-        QCOMPARE(pagina->scadenze, QList<int>{1});
-        QCOMPARE(motore->StatoDialogo(), qint16(-1));
-        QVERIFY(!timer->isEnabled());
-        QCOMPARE(porta->scritti.size(), 1); // no retry
-        QVERIFY(!motore->CodaTx().isEmpty());
+        QTest::addColumn<QByteArrayList>("eventi");
+        QTest::addColumn<QByteArrayList>("risposte");
+        QTest::addColumn<bool>("scaduta");
+        QTest::addColumn<int>("stato");
+        QTest::newRow("a time-out frees the link, no retry")
+            << QByteArrayList{"T"} << QByteArrayList{} << true << -1;
+        QTest::newRow("a late reply after it changes nothing")
+            << QByteArrayList{"T", daEcu("r\x0A")} << QByteArrayList{} << true << -1;
+        QTest::newRow("a reply of the wrong kind is dropped")
+            << QByteArrayList{daEcu("e\xFF"), daEcu("v1234")} << QByteArrayList{} << false << 1;
+        QTest::newRow("a fault code ends it in any state")
+            << QByteArrayList{daEcu("e\x05")} << QByteArrayList{"e1:05"} << false << -1;
     }
 
-    void lateReplyAfterTimeOutChangesNothing()
+    void repliesOutOfTurnAndTimeOuts()
     {
+        QFETCH(QByteArrayList, eventi);
+        QFETCH(QByteArrayList, risposte);
+        QFETCH(bool, scaduta);
+        QFETCH(int, stato);
         treLetture();
-        timer->scatta();
-        motore->instrada(daEcu("r\x0A"));
-        QVERIFY(pagina->risposte.isEmpty());
+        for (const QByteArray &e : eventi) {
+            if (e == "T")
+                QVERIFY(timer->scatta());
+            else
+                motore->instrada(e);
+        }
+        QCOMPARE(pagina->risposte, risposte);
+        QCOMPARE(pagina->scadenze, scaduta ? QList<int>{1} : QList<int>{});
+        QCOMPARE(motore->StatoDialogo(), qint16(stato));
+        QCOMPARE(timer->isEnabled(), stato != -1);
         QCOMPARE(porta->scritti.size(), 1);
-        QCOMPARE(motore->StatoDialogo(), qint16(-1));
-    }
-
-    void replyOfTheWrongKindIsDropped()
-    {
-        treLetture();
-        motore->instrada(daEcu("e\xFF")); // a write acknowledgement in a read state
-        motore->instrada(daEcu("v1234"));
-        QVERIFY(pagina->risposte.isEmpty());
-        QCOMPARE(motore->StatoDialogo(), qint16(1));
-        QVERIFY(timer->isEnabled());
+        QCOMPARE(motore->CodaTx().isEmpty(), false); // the rest of the queue is never sent
     }
 
     void failedWriteBecomesAShortTimeOut()
@@ -163,16 +171,6 @@ private slots:
         QVERIFY(timer->isEnabled());
         QCOMPARE(timer->interval(), 1234);
         QCOMPARE(motore->StatoDialogo(), qint16(1));
-    }
-
-    void faultCodeEndsTheDialogueInAnyState()
-    {
-        treLetture();
-        motore->instrada(daEcu("e\x05"));
-        QCOMPARE(pagina->risposte, QByteArrayList{"e1:05"});
-        QCOMPARE(motore->StatoDialogo(), qint16(-1));
-        QVERIFY(!timer->isEnabled());
-        QCOMPARE(porta->scritti.size(), 1);
     }
 
     void unknownStateTimeOutOnlyFreesTheLink()

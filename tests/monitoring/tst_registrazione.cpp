@@ -4,15 +4,12 @@
 // headings, and nothing lost of what was written when a write fails.
 
 #include "support/FileDiProva.h"
-#include "support/PortaEcu.h"
+#include "support/ProgrammaSimulato.h"
 #include "support/SolaLettura.h"
 
 #include "base/FileIni.h"
-#include "shell/Programma.h"
 
 #include <QDir>
-#include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include <sys/resource.h>
@@ -25,38 +22,14 @@ using namespace kv::sim;
 
 using R = AnelloRegistrazione;
 
-class TstRegistrazione : public QObject
+class TstRegistrazione : public QObject, ProgrammaSimulato
 {
     Q_OBJECT
 
-    QTemporaryDir cartella;
-    std::unique_ptr<EcuSimulata> ecu;
-    std::unique_ptr<Programma> p;
     QList<RecordDati> inviati; // what each 'd' frame the ECU sent carries
-    struct Contatore : AscoltatoreDati
-    {
-        explicit Contatore(qsizetype &conta) : n(conta) {}
-        void frameNormale(const RecordDati &) override { ++n; }
-        void frameStato(const RecordDati &) override { ++n; }
-        qsizetype &n;
-    };
-    qsizetype decodificati = 0;
-    Contatore contatore{decodificati};
     QString file;
 
     R &r() { return p->anello; }
-
-    // n live frames, each through the port and the receive path into the ring.
-    bool frame(int n)
-    {
-        for (int i = 0; i < n; ++i) {
-            const qsizetype prima = decodificati;
-            ecu->avanzaTempo(40);
-            if (!QTest::qWaitFor([&] { return decodificati == prima + 1; }, 2000))
-                return false;
-        }
-        return true;
-    }
 
     // The line of sample number n, from the frame sent as the i-th.
     QByteArray riga(int numero, int i) const
@@ -81,8 +54,7 @@ class TstRegistrazione : public QObject
 private slots:
     void initTestCase()
     {
-        QVERIFY(
-            QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), cartella.filePath("ENGLISH.LNG")));
+        QVERIFY(preparaCartella());
         QVERIFY(QDir().mkpath(cartella.filePath("DATI/FIAT/PUNTO")));
         file = cartella.filePath("DATI/FIAT/PUNTO/PROVA.ACQ");
     }
@@ -91,7 +63,7 @@ private slots:
     {
         QFile::remove(file);
         inviati.clear();
-        ecu = std::make_unique<EcuSimulata>(OpzioniManuali());
+        avvia();
         connect(ecu.get(), &EcuSimulata::frameInviato, this, [this](const QByteArray &f) {
             if (f.size() > 6 && f.at(4) == 'd') {
                 RecordDati d;
@@ -99,23 +71,12 @@ private slots:
                 inviati.append(d);
             }
         });
-        p = std::make_unique<Programma>(cartella.path(), std::make_unique<PortaEcu>(*ecu),
-                                        std::make_unique<TemporizzatoreManuale>(),
-                                        std::make_unique<TemporizzatoreManuale>());
-        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        p->canali.InizializzaCanali(p->lingua);
-        p->stato.EcuDaIdentificare = false;
-        p->datiLive.aggiungiAscoltatore(&contatore);
         // As a monitor window opens.
         p->stato.RegistrazioneAttiva = true;
         QVERIFY(r().impostaFileRegistrazione(file));
     }
 
-    void cleanup()
-    {
-        p.reset();
-        ecu.reset();
-    }
+    void cleanup() { chiudi(); }
 
     void theFileHoldsWhatTheEcuSent()
     {

@@ -3,6 +3,7 @@
 // that would put a file outside DATI.
 
 #include "support/FileDiProva.h"
+#include "support/MezzoDiProva.h"
 
 #include "base/Configurazione.h"
 #include "base/FileIni.h"
@@ -11,7 +12,6 @@
 #include "monitoring/SchedaRegistrazione.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -50,18 +50,6 @@ class TstSchedaRegistrazione : public QObject
                          + riga.Testo(u"NOTE").trimmed();
         }
         scheda->Apri();
-        return r;
-    }
-
-    // Everything below the temporary root, links included, by relative path.
-    QStringList tutto() const
-    {
-        QStringList r;
-        QDirIterator it(radice->path(), QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                        QDirIterator::Subdirectories);
-        while (it.hasNext())
-            r << QDir(radice->path()).relativeFilePath(it.next());
-        r.sort();
         return r;
     }
 
@@ -148,19 +136,17 @@ private slots:
         QTest::addColumn<QStringList>("attese");
         const QStringList tutte = {"ALFA ROMEO/147/E", "FIAT/PANDA/D", "FIAT/PUNTO/A",
                                    "FIAT/PUNTO/F",     "FIAT/UNO/B",   "FORD/KA/C"};
-        QTest::newRow("both empty: all") << ""
-                                         << "" << tutte;
-        QTest::newRow("make begun") << "fi"
-                                    << "" << tutte.mid(1, 4);
-        QTest::newRow("make and model begun") << "FIAT "
-                                              << "p" << tutte.mid(1, 3);
-        QTest::newRow("whole make and model") << "Ford"
-                                              << "Ka" << QStringList{"FORD/KA/C"};
-        QTest::newRow("no such make") << "Opel"
-                                      << "" << QStringList{};
+        const auto riga = [](const char *nome, const char *marca, const char *modello,
+                             const QStringList &attese) {
+            QTest::newRow(nome) << QString(marca) << QString(modello) << attese;
+        };
+        riga("both empty: all", "", "", tutte);
+        riga("make begun", "fi", "", tutte.mid(1, 4));
+        riga("make and model begun", "FIAT ", "p", tutte.mid(1, 3));
+        riga("whole make and model", "Ford", "Ka", {"FORD/KA/C"});
+        riga("no such make", "Opel", "", {});
         // The walk stops at the first card outside the bounds: FIAT/PANDA comes first.
-        QTest::newRow("model begun under a shorter make") << "F"
-                                                          << "U" << QStringList{};
+        riga("model begun under a shorter make", "F", "U", {});
     }
 
     void theListShowsTheCardsWhoseMakeAndModelBeginAsTyped()
@@ -217,13 +203,13 @@ private slots:
     {
         QFETCH(int, casella);
         QFETCH(QString, nome);
-        const QStringList prima = tutto();
+        const auto prima = istantanea(radice->path());
         S::Caselle c = {"Fiat", "Punto", "GIRO", ""};
         c[static_cast<std::size_t>(casella)] = nome;
         const S::Esito e = memorizza(c);
         QCOMPARE(e.tipo, Tipo::NomeRifiutato);
         QCOMPARE(e.casella, casella);
-        QCOMPARE(tutto(), prima);
+        QCOMPARE(istantanea(radice->path()), prima);
         QVERIFY(righeNelFile().isEmpty());
         QVERIFY(anello.FileRegistrazione.isEmpty());
         // The fitter is told which name, readable.
@@ -255,11 +241,11 @@ private slots:
             scrivi(fuori, "elsewhere");
         QVERIFY(QDir().mkpath(QFileInfo(dati(collegamento)).path()));
         QVERIFY(QFile::link(fuori, dati(collegamento)));
-        const QStringList prima = tutto();
+        const auto prima = istantanea(radice->path());
 
         const S::Esito e = memorizza({"Fiat", "Punto", "giro", ""});
         QCOMPARE(e.tipo, Tipo::FuoriCartella);
-        QCOMPARE(tutto(), prima);
+        QCOMPARE(istantanea(radice->path()), prima);
         QVERIFY(righeNelFile().isEmpty());
         if (!aCartella)
             QCOMPARE(leggi(fuori), QByteArray("elsewhere"));

@@ -4,21 +4,14 @@
 // by a flash that goes through. Time-outs fire by hand, except on the pseudo-terminal.
 
 #include "support/FileDiProva.h"
-#include "support/PortaEcu.h"
-#include "support/PortaFinta.h"
+#include "support/ProgrammaSimulato.h"
 #include "support/S19DiProva.h"
 
 #include "archives/Archivio.h"
 #include "link/Frame.h"
-#include "link/PortaSeriale.h"
 #include "programming/DialogoProgSW.h"
 #include "programming/ImmagineS19.h"
-#include "shell/Programma.h"
 
-#include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -72,25 +65,15 @@ bool finche(F &&condizione)
 
 } // namespace
 
-class TstDialogoProgSW : public QObject
+class TstDialogoProgSW : public QObject, ProgrammaSimulato
 {
     Q_OBJECT
 
-    QTemporaryDir cartella;
-    std::unique_ptr<EcuSimulata> ecu;
-    std::unique_ptr<Programma> p;
-    PortaEcu *porta = nullptr;
-    TemporizzatoreManuale *timeOut = nullptr;
-    TemporizzatoreManuale *riapertura = nullptr;
     VistaFinta vista;
     std::unique_ptr<DialogoProgSW> d;
     QByteArray s19;
 
     QString app() const { return cartella.path(); }
-    QString testo(const char *sezione, const QString &chiave) const
-    {
-        return p->lingua.LeggiTesto(QLatin1String(sezione), chiave);
-    }
     QString segnalazione(int n) const { return testo("SEGNALAZIONI", "SEGNALAZIONE_" + QString::number(n)); }
     QByteArrayList frame(char lettera) const
     {
@@ -115,22 +98,10 @@ class TstDialogoProgSW : public QObject
     void avvia(bool applicazione)
     {
         d.reset();
-        p.reset();
-        ecu.reset();
         OpzioniEcu o = OpzioniManuali();
         o.applicazionePresente = applicazione;
-        ecu = std::make_unique<EcuSimulata>(o);
-        auto pe = std::make_unique<PortaEcu>(*ecu);
-        auto to = std::make_unique<TemporizzatoreManuale>();
-        auto ra = std::make_unique<TemporizzatoreManuale>();
-        porta = pe.get();
-        timeOut = to.get();
-        riapertura = ra.get();
-        p = std::make_unique<Programma>(app(), std::move(pe), std::move(to),
-                                        std::make_unique<TemporizzatoreManuale>(), std::move(ra),
-                                        std::make_unique<TemporizzatoreManuale>());
-        p->stato.PercorsoApp = app();
-        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+        ProgrammaSimulato::avvia(o);
+        p->stato.EcuDaIdentificare = true;
         ecu->avanzaTempo(applicazione ? 40 : 300);
         if (applicazione)
             QVERIFY(finche([this] { return !p->stato.EcuDaIdentificare; }));
@@ -143,28 +114,47 @@ class TstDialogoProgSW : public QObject
         porta->scritti.clear();
     }
 
-    // A flash that runs to its end: 'I', the 220 blocks in order, 'F'.
+    // A flash that runs to its end: 'I', the 220 blocks in order, 'F', the bar and the line
+    // following each block.
     void flashRiuscito()
     {
         vista = VistaFinta();
         vista.scritti = &porta->scritti;
         porta->scritti.clear();
         d->avviaProgrammazione();
+        QCOMPARE(p->motore.StatoDialogo(), qint16(DialogoProgSW::StatoInizio));
+        QCOMPARE(req->interval(), 3000);
+        QVERIFY(!vista.abilitata);
         QVERIFY(libero());
+
+        QCOMPARE(vista.segnalazioni.first(), segnalazione(7));
         QCOMPARE(vista.segnalazioni.last(), segnalazione(12));
-        QVERIFY(vista.abilitata);
-        QCOMPARE(porta->scritti.first(), CreaFrame("I"));
-        QCOMPARE(porta->scritti.last(), CreaFrame("F"));
-        QCOMPARE(porta->scritti.size(), 222);
-        QCOMPARE(ecu->leggiMemoria(0xC000, 0x3700), immagineAttesa());
+        QCOMPARE(vista.segnalazioni.size(), 222);
+        QCOMPARE(vista.segnalazioni.at(100), segnalazione(11).trimmed() + " 100");
+        QList<int> barra{0};
+        for (int n = 1; n <= 220; ++n)
+            barra.append(n);
+        QCOMPARE(vista.barra, barra);
+        QCOMPARE(vista.scrittiAlNascondere, 221); // hidden as the 'F' goes out
+        QVERIFY(vista.abilitata && !vista.barraVisibile);
+
+        const QByteArray attesa = immagineAttesa();
+        const QByteArrayList w = frame('W');
+        QCOMPARE(w.size(), 220);
+        for (int n = 1; n <= 220; ++n)
+            QCOMPARE(w.at(n - 1), CreaFrame('W' + ParolaInByte(quint32(0xC000 + 64 * (n - 1))) + '\x40'
+                                            + attesa.mid(64 * (n - 1), 64)));
+        QCOMPARE(porta->scritti, QByteArrayList{CreaFrame("I")} + w + QByteArrayList{CreaFrame("F")});
+        QCOMPARE(ecu->leggiMemoria(0xC000, 0x3700), attesa);
+        QCOMPARE(leggi(app() + "/FILESW.TXT").size(), 28600);
+        // The ECU now runs the new software.
+        QCOMPARE(ecu->modo(), EcuSimulata::Modo::Applicazione);
     }
 
 private slots:
     void initTestCase()
     {
-        QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"),
-                            QDir(app()).filePath("ENGLISH.LNG")));
-        QVERIFY(QDir(app()).mkpath("SOFTWARE/FILES19"));
+        QVERIFY(preparaCartella() && QDir(app()).mkpath("SOFTWARE/FILES19"));
         s19 = S19Completo(ImmagineDiProva());
         scrivi(app() + "/SOFTWARE/FILES19/NEWREL.S19", s19);
     }
@@ -172,24 +162,16 @@ private slots:
     void cleanup()
     {
         d.reset();
-        p.reset();
-        ecu.reset();
+        chiudi();
     }
 
     void listAndArchiveCard()
     {
         QTemporaryDir altra;
         const QString home = altra.path();
-        StatoProgramma stato;
-        stato.PercorsoApp = home;
-        Lingua lingua(home);
-        QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), home + "/ENGLISH.LNG"));
-        lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        VistaFinta v;
-        PortaFinta portaFinta;
-        TemporizzatoreManuale t;
-        MotoreDialogo motore(portaFinta, t);
-        DialogoProgSW dialogo(motore, stato, lingua, v);
+        QVERIFY(preparaCartella(home));
+        ProgrammaSimulato::avvia(OpzioniManuali(), home);
+        DialogoProgSW dialogo(p->motore, p->stato, p->lingua, vista);
 
         // The folder is made when missing.
         QVERIFY(ElencoSoftware(home).isEmpty());
@@ -283,34 +265,7 @@ private slots:
         if (!applicazione)
             QCOMPARE(p->stato.InfCodice, QString(14, ' ')); // no version reply: blanks go in
         d->scegli(QStringLiteral("NEWREL"));
-        d->avviaProgrammazione();
-        QCOMPARE(p->motore.StatoDialogo(), qint16(DialogoProgSW::StatoInizio));
-        QCOMPARE(timeOut->interval(), 3000);
-        QVERIFY(!vista.abilitata);
-        QVERIFY(libero());
-
-        QCOMPARE(vista.segnalazioni.first(), segnalazione(7));
-        QCOMPARE(vista.segnalazioni.last(), segnalazione(12));
-        QCOMPARE(vista.segnalazioni.size(), 222);
-        QCOMPARE(vista.segnalazioni.at(100), segnalazione(11).trimmed() + " 100");
-        QList<int> barra{0};
-        for (int n = 1; n <= 220; ++n)
-            barra.append(n);
-        QCOMPARE(vista.barra, barra);
-        QCOMPARE(vista.scrittiAlNascondere, 221); // hidden as the 'F' goes out
-        QVERIFY(vista.abilitata && !vista.barraVisibile);
-
-        const QByteArray attesa = immagineAttesa();
-        const QByteArrayList w = frame('W');
-        QCOMPARE(w.size(), 220);
-        for (int n = 1; n <= 220; ++n)
-            QCOMPARE(w.at(n - 1), CreaFrame('W' + ParolaInByte(quint32(0xC000 + 64 * (n - 1))) + '\x40'
-                                            + attesa.mid(64 * (n - 1), 64)));
-        QCOMPARE(porta->scritti, QByteArrayList{CreaFrame("I")} + w + QByteArrayList{CreaFrame("F")});
-        QCOMPARE(ecu->leggiMemoria(0xC000, 0x3700), attesa);
-        QCOMPARE(leggi(app() + "/FILESW.TXT").size(), 28600);
-        // The ECU now runs the new software.
-        QCOMPARE(ecu->modo(), EcuSimulata::Modo::Applicazione);
+        flashRiuscito();
     }
 
     void failureThenRetry_data()
@@ -367,7 +322,7 @@ private slots:
         if (guasto == Guasto::Silenzio) {
             QCOMPARE(p->motore.StatoDialogo(), qint16(dove == 0 ? 151 : dove == FrameF ? 153 : 152));
             QVERIFY(!vista.abilitata);
-            QVERIFY(timeOut->scatta());
+            QVERIFY(req->scatta());
         }
         QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
         const QString attesa = guasto == Guasto::Codice
@@ -376,7 +331,7 @@ private slots:
                                    : testo("SEGNALAZIONI", chiave);
         QCOMPARE(vista.segnalazioni.last(), attesa);
         QVERIFY(vista.abilitata && !vista.barraVisibile);
-        QVERIFY(!timeOut->isEnabled());
+        QVERIFY(!req->isEnabled());
         // Nothing after the frame that failed; no 'F' unless it was the 'F'.
         QCOMPARE(porta->scritti.size(), dove + 1);
         QCOMPARE(frame('F').size(), dove == FrameF ? 1 : 0);
@@ -410,43 +365,28 @@ private slots:
         QFETCH(int, caduta);
         OpzioniEcu o;
         o.applicazionePresente = applicazione;
-        EcuSimulata simulata(o);
-        QVERIFY2(simulata.apriPty(), qPrintable(simulata.erroreLinea()));
-        Programma pr(app(), std::make_unique<PortaSeriale>(), std::make_unique<TemporizzatoreQt>(),
-                     std::make_unique<TemporizzatoreQt>());
-        pr.lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        pr.seriale.VelocitaCom = 38400;
-        pr.dispositivoForzato = simulata.percorsoDispositivo();
-        QVERIFY(pr.ApriPorta());
-        simulata.avvia();
-        QTRY_VERIFY_WITH_TIMEOUT(applicazione ? !pr.stato.EcuDaIdentificare : !pr.stato.EcuNormale, 5000);
-        QTRY_COMPARE_WITH_TIMEOUT(pr.motore.StatoDialogo(), qint16(-1), 5000);
-
-        VistaFinta v;
-        DialogoProgSW dialogo(pr.motore, pr.stato, pr.lingua, v);
+        QVERIFY(avviaSuLinea(o));
+        vista = VistaFinta();
+        DialogoProgSW dialogo(p->motore, p->stato, p->lingua, vista);
         dialogo.scegli(QStringLiteral("NEWREL"));
-        const auto ultima = [&v] { return v.segnalazioni.value(v.segnalazioni.size() - 1); };
-        const auto segnalazione = [&pr](int n) {
-            return pr.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_" + QString::number(n));
-        };
+        const auto ultima = [this] { return vista.segnalazioni.value(vista.segnalazioni.size() - 1); };
         if (caduta) {
-            simulata.impostaCadutaAlBlocco(caduta, 500);
+            ecu->impostaCadutaAlBlocco(caduta, 500);
             dialogo.avviaProgrammazione();
             // The ECU goes silent and comes back; the block waits its 3 s and the flash ends.
             QTRY_COMPARE_WITH_TIMEOUT(ultima(), segnalazione(10), 6000);
             QCOMPARE(dialogo.NumBloccoSW(), caduta);
-            QVERIFY(v.abilitata && !v.barraVisibile);
+            QVERIFY(vista.abilitata && !vista.barraVisibile);
         }
         dialogo.avviaProgrammazione();
         QTRY_COMPARE_WITH_TIMEOUT(ultima(), segnalazione(12), 10000);
-        const QByteArray id = (pr.stato.InfCodice + pr.stato.InfDatoA + pr.stato.InfDatoB).toLatin1();
-        QCOMPARE(simulata.leggiMemoria(0xC000, 0x3700), ImmagineDiProva().replace(0x40, 28, id));
+        QCOMPARE(ecu->leggiMemoria(0xC000, 0x3700), immagineAttesa());
         if (!applicazione) {
-            QCOMPARE(id, QByteArray(28, ' '));
+            QCOMPARE(p->stato.InfCodice + p->stato.InfDatoA + p->stato.InfDatoB, QString(28, u' '));
             // The new software runs: the ECU that had none is identified, with the new image's
             // version reply.
-            QTRY_VERIFY_WITH_TIMEOUT(!pr.stato.EcuDaIdentificare && pr.stato.EcuNormale, 5000);
-            QCOMPARE(pr.stato.InfVeicolo, QStringLiteral("NEW-REL   "));
+            QTRY_VERIFY_WITH_TIMEOUT(!p->stato.EcuDaIdentificare && p->stato.EcuNormale, 5000);
+            QCOMPARE(p->stato.InfVeicolo, QStringLiteral("NEW-REL   "));
         }
     }
 
@@ -464,7 +404,7 @@ private slots:
         QCOMPARE(frame('W').size(), 60);
         QCOMPARE(frame('F').size(), 0);
         QCOMPARE(vista.segnalazioni.last(), segnalazione(13));
-        QVERIFY(vista.abilitata && !timeOut->isEnabled());
+        QVERIFY(vista.abilitata && !req->isEnabled());
     }
 };
 

@@ -4,20 +4,13 @@
 // catalogue. Time-outs fire by hand.
 
 #include "support/FileDiProva.h"
-#include "support/PortaEcu.h"
+#include "support/ProgrammaSimulato.h"
 
 #include "link/Frame.h"
 #include "programming/AlberoMappe.h"
 #include "programming/DialogoMappe.h"
 #include "programming/FileBlocchi.h"
-#include "shell/Programma.h"
 
-#include <QCryptographicHash>
-#include <QDeadlineTimer>
-#include <QDir>
-#include <QDirIterator>
-#include <QFile>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -127,56 +120,26 @@ QStringList indirizzi(QChar lettera, int quanti)
     return r;
 }
 
-// Every entry below a folder, files with a digest of their bytes, but for the frame log:
-// what a test compares before and after.
-QStringList contenuto(const QString &cartella)
-{
-    QStringList voci;
-    QDirIterator it(cartella, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                    QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        it.next();
-        if (it.fileName() == u"MESSAGGI.TXT")
-            continue;
-        const QByteArray byte = it.fileInfo().isFile() ? leggi(it.filePath()) : QByteArray();
-        voci << it.filePath().mid(cartella.size()) + u' '
-                    + QString::fromLatin1(QCryptographicHash::hash(byte, QCryptographicHash::Md5).toHex());
-    }
-    voci.sort();
-    return voci;
-}
-
 } // namespace
 
 Q_DECLARE_METATYPE(kv::ChiaveMappa)
 Q_DECLARE_METATYPE(Guasto)
 
-class TstMappe : public QObject
+class TstMappe : public QObject, ProgrammaSimulato
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> dir;
-    std::unique_ptr<EcuSimulata> ecu;
-    std::unique_ptr<Programma> p;
-    PortaGuasta *porta = nullptr;
-    TemporizzatoreManuale *req = nullptr;
     VistaFinta vista;
 
-    QString app() const { return dir->filePath(QStringLiteral("app")); }
+    QString app() const { return cartella.filePath(QStringLiteral("app")); }
     QString mappe() const { return app() + QStringLiteral("/MAPPATURE"); }
     QString tmp() const { return app() + QStringLiteral("/KVMAPPA.TMP"); }
-    QString testo(const char *sezione, const char *chiave) const
-    {
-        return p->lingua.LeggiTesto(sezione, chiave);
-    }
+    PortaGuasta *guasta() const { return static_cast<PortaGuasta *>(porta); }
     QByteArray memoria() const { return ecu->leggiMemoria(0xC100, FileMappa::Dimensione); }
-
-    bool attendi()
+    // Everything beside and below the program's folder but the frame log.
+    QMap<QString, QByteArray> contenuto() const
     {
-        QDeadlineTimer scadenza(3000);
-        while (p->motore.StatoDialogo() != -1 && !scadenza.hasExpired())
-            QCoreApplication::processEvents();
-        return p->motore.StatoDialogo() == -1;
+        return istantanea(cartella.path(), app() + "/MESSAGGI.TXT");
     }
 
     // The request on the line has gone unanswered this long: its time-out fires.
@@ -220,29 +183,15 @@ class TstMappe : public QObject
 private slots:
     void init()
     {
-        dir = std::make_unique<QTemporaryDir>();
-        QVERIFY(QDir().mkpath(app() + QStringLiteral("/MAPPATURE/LPG"))
-                && QDir().mkpath(dir->filePath("fuori")));
-        QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), app() + "/ENGLISH.LNG"));
-        ecu = std::make_unique<EcuSimulata>(OpzioniManuali());
-        auto pe = std::make_unique<PortaGuasta>(*ecu);
-        auto r = std::make_unique<TemporizzatoreManuale>();
-        porta = pe.get();
-        req = r.get();
-        p = std::make_unique<Programma>(
-            app(), std::move(pe), std::move(r), std::make_unique<TemporizzatoreManuale>(),
-            std::make_unique<TemporizzatoreManuale>(), std::make_unique<TemporizzatoreManuale>());
-        p->stato.EcuDaIdentificare = false;
-        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+        for (const char *c : {"app", "fuori"})
+            QVERIFY(QDir(cartella.filePath(c)).removeRecursively());
+        QVERIFY(preparaCartella(app()) && QDir().mkpath(mappe() + "/LPG")
+                && QDir().mkpath(cartella.filePath("fuori")));
+        avvia<PortaGuasta>(OpzioniManuali(), app());
         vista = VistaFinta{};
     }
 
-    void cleanup()
-    {
-        p.reset();
-        ecu.reset();
-        dir.reset();
-    }
+    void cleanup() { chiudi(); }
 
     void readFilesTheEcuMemoryByteForByte()
     {
@@ -311,13 +260,13 @@ private slots:
         QFETCH(bool, nuova);
         QFETCH(QString, messaggio);
         archivia({"LPG", "Fiat", "Punto", "base"}, comeFile(disegno(1)), QStringLiteral("old"));
-        const QStringList prima = contenuto(dir->path());
+        const auto prima = contenuto();
         QVERIFY(ecu->scriviMemoria(0xC100, disegno(2)));
-        porta->guasto = guasto;
-        porta->al = 4;
+        guasta()->guasto = guasto;
+        guasta()->al = 4;
         LetturaMappe lettura(*p, vista);
         lettura.Leggi({"LPG", nuova ? "Opel" : "Fiat", "Punto", "base"}, QStringLiteral("new"));
-        QTRY_COMPARE(porta->richieste, 4);
+        QTRY_COMPARE(guasta()->richieste, 4);
         if (guasto == Guasto::Silenzio) {
             QCOMPARE(leggi(tmp()), comeFile(disegno(2).left(192))); // three records so far
             scade();
@@ -325,8 +274,7 @@ private slots:
         QVERIFY(attendi());
         QVERIFY(!lettura.inCorso());
 
-        const QStringList dopo = contenuto(dir->path());
-        QVERIFY2(dopo == prima, qPrintable(dopo.join(u'\n')));
+        QCOMPARE(contenuto(), prima);
         QCOMPARE(riga({"LPG", "Fiat", "Punto", "base"})->Testo(u"Note"), QStringLiteral("old"));
         QCOMPARE(righe(), 1);
         const QStringList parti = messaggio.split(u'/');
@@ -370,11 +318,11 @@ private slots:
     {
         QFETCH(ChiaveMappa, chiave);
         QFETCH(QString, motivo);
-        QVERIFY(QFile::link(dir->filePath("fuori"), mappe() + "/LPG/Fuori"));
+        QVERIFY(QFile::link(cartella.filePath("fuori"), mappe() + "/LPG/Fuori"));
         QVERIFY(QDir().mkpath(mappe() + "/LPG/Fiat/Punto"));
-        scrivi(dir->filePath("fuori/segreto.LKV"), "keep");
-        QVERIFY(QFile::link(dir->filePath("fuori/segreto.LKV"), mappe() + "/LPG/Fiat/Punto/rubato.LKV"));
-        const QStringList prima = contenuto(dir->path());
+        scrivi(cartella.filePath("fuori/segreto.LKV"), "keep");
+        QVERIFY(QFile::link(cartella.filePath("fuori/segreto.LKV"), mappe() + "/LPG/Fiat/Punto/rubato.LKV"));
+        const auto prima = contenuto();
 
         leggiMappa(chiave, QStringLiteral("note"));
         QVERIFY(porta->scritti.isEmpty());
@@ -382,7 +330,7 @@ private slots:
         const QString atteso =
             p->lingua.LeggiTesto(QStringLiteral("ReadMappe"), motivo).section(QLatin1String("XXX"), 0, 0);
         QVERIFY2(!atteso.isEmpty() && vista.segnalazione.contains(atteso), qPrintable(vista.segnalazione));
-        QCOMPARE(contenuto(dir->path()), prima);
+        QCOMPARE(contenuto(), prima);
         QCOMPARE(righe(), 0);
     }
 
@@ -511,9 +459,9 @@ private slots:
         scrivi(mappe() + "/LPG/Fiat/Punto/notes.txt", "not a map");
         QVERIFY(RegistraMappa(app(), {"lpg", "FIAT", "PUNTO", "c"}, {}).ok());                  // no file
         QVERIFY(RegistraMappa(app(), {"CNG", "Opel", "Astra", "d"}, QStringLiteral("x")).ok()); // no folders
-        QVERIFY(QDir().mkpath(dir->filePath("fuori/Marca/Modello")));
-        scrivi(dir->filePath("fuori/Marca/Modello/x.LKV"), "outside");
-        QVERIFY(QFile::link(dir->filePath("fuori"), mappe() + "/LPG/Link"));
+        QVERIFY(QDir().mkpath(cartella.filePath("fuori/Marca/Modello")));
+        scrivi(cartella.filePath("fuori/Marca/Modello/x.LKV"), "outside");
+        QVERIFY(QFile::link(cartella.filePath("fuori"), mappe() + "/LPG/Link"));
         QVERIFY(QDir().mkpath(mappe() + "/LPG/.nascosta/m"));
 
         EsitoArchivio esito;

@@ -1,13 +1,12 @@
-// Maps on exchange media and their deletion: the choice of the two trees, a set of maps (and
-// one of software beside it) to a medium and back into an emptied archive, a crafted medium
-// that tries to write outside the archive, a medium that cannot take the set, and the
-// deletion that prunes the model's folder behind its last map.
+// Maps on exchange media and their deletion: the choice of the two trees, a set of maps to a
+// medium and back into an emptied archive, a crafted medium that tries to write outside the
+// archive, a medium that cannot take the set, and the deletion that prunes the model's folder
+// behind its last map. A software set beside the maps is met by the archives' tests.
 
 #include "support/FileDiProva.h"
 #include "support/MezzoDiProva.h"
 #include "support/SolaLettura.h"
 
-#include "archives/ScambioSoftware.h"
 #include "base/Lingua.h"
 #include "programming/AlberoMappe.h"
 #include "programming/CancellazioneMappe.h"
@@ -142,15 +141,6 @@ private slots:
         mappa("CNG/Opel/Astra/eco", "eco map", "for winter");
         mappa("LPG/Fiat/Panda/solo", QByteArray(), "a row without its file");
         mappa("LPG/Fiat/Punto/sciolto", "a file without its row", {}, false);
-        Archivio db;
-        QVERIFY(ApriArchivioSoftware(p("app/SOFTWARE"), "SOFTWARE.MDB", db));
-        RigaArchivio sw = db.NuovaRiga();
-        sw.Imposta(u"NomeSW", QStringLiteral("KV2"));
-        sw.Imposta(u"Versione", QStringLiteral("2.01"));
-        QVERIFY(db.Salva(sw));
-        db.Chiudi();
-        QVERIFY(QDir().mkpath(p("app/SOFTWARE/FILES19")));
-        scrivi(p("app/SOFTWARE/FILES19/KV2.S19"), "release");
         // The stick holds an older set of maps and the fitter's photos.
         QVERIFY(QDir().mkpath(p("stick/LPG/Vecchia/M")) && QDir().mkpath(p("stick/FOTO")));
         scrivi(p("stick/LPG/Vecchia/M/old.LKV"), "old");
@@ -164,14 +154,13 @@ private slots:
         QCOMPARE(scritto.messaggio, testo("SEGNALAZIONI", "SEGNALAZIONE_20"));
         QCOMPARE(scritto.avvisi, QStringList{testo("SCAMBIO", "SOLO_RIGA", "LPG\\Fiat\\Panda\\solo")});
         QCOMPARE(domande, QStringList{testo("SEGNALAZIONI", "SEGNALAZIONE_16")});
-        QVERIFY(ScriviDiscoSoftware(app, lingua, {"KV2"}, p("stick"), rispondi({})).fatto);
         QVERIFY(!QFileInfo::exists(p("stick/LPG/Vecchia")));
         QCOMPARE(leggi(p("stick/FOTO/auto.jpg")), QByteArray("photo"));
         QCOMPARE(leggi(p("stick/CNG/Opel/Astra/eco.LKV")), QByteArray("eco map"));
         QCOMPARE(LeggiCatalogoScambio(p("stick/DBTEMP.MDB"), SchemaMappe()).righe.size(), 5);
 
         // Another installation: an empty archive, everything on the medium chosen.
-        QVERIFY(QDir(p("app/MAPPATURE")).removeRecursively() && QDir(p("app/SOFTWARE")).removeRecursively());
+        QVERIFY(QDir(p("app/MAPPATURE")).removeRecursively());
         const SorgenteMappe sorgente = LeggiDiscoMappe(app, lingua, p("stick"));
         QVERIFY(sorgente.esito.fatto);
         const int solo = sorgente.albero.trova(k("LPG/Fiat/Panda/solo"));
@@ -188,11 +177,6 @@ private slots:
         // A file that had no row comes back with an empty note, as the medium gave it.
         attese.replaceInStrings("sciolto|-|", "sciolto|NULL|");
         QCOMPARE(archivio(), attese);
-        QStringList nomi;
-        for (const VoceSoftware &v : LeggiDiscoSoftware(app, lingua, p("stick")).voci)
-            nomi << v.nome;
-        QCOMPARE(RipristinaSoftware(app, lingua, p("stick"), nomi, rispondi({})).voci, 1);
-        QCOMPARE(leggi(p("app/SOFTWARE/FILES19/KV2.S19")), QByteArray("release"));
         QVERIFY(!QFileInfo::exists(p("app/TEMP")));
 
         // Once more: a no keeps the fitter's map, row and file; a yes replaces the other.

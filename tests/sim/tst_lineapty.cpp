@@ -1,6 +1,6 @@
 // The simulated ECU behind a real pseudo-terminal, talked to with QSerialPort as the
-// workshop program does: what only a real line shows. Commands and faults over the line
-// are met by the link and page tests.
+// workshop program does: what only a real line shows. Commands and faults over the line,
+// and a line that hangs up and comes back, are met by the link and page tests.
 
 #include "EcuSimulata.h"
 
@@ -105,34 +105,6 @@ private slots:
         QVERIFY(!ecu.apriPty(file));
         QVERIFY(ecu.erroreLinea().contains(QLatin1String("not a symbolic link")));
         QCOMPARE(leggi(file), QByteArray("keep me"));
-    }
-
-    void riaggancio()
-    {
-        const QString collegamento = m_cartella.filePath(QStringLiteral("ecu"));
-        EcuSimulata ecu;
-        QVERIFY2(ecu.apriPty(collegamento), qPrintable(ecu.erroreLinea()));
-        QVERIFY(ecu.percorsoDispositivo().startsWith(QLatin1String("/dev/")));
-        QCOMPARE(QFileInfo(collegamento).symLinkTarget(), ecu.percorsoDispositivo());
-        ecu.avvia();
-        Tester t;
-        QVERIFY2(t.apri(collegamento), qPrintable(t.porta.errorString()));
-        QCOMPARE(t.risposta(CreaFrame("V")), 'v');
-
-        // The line vanishes: the tester's port sees an error, the fixed path goes.
-        ecu.riaggancia();
-        QTRY_VERIFY_WITH_TIMEOUT(t.porta.error() != QSerialPort::NoError, 3000);
-        QVERIFY(t.porta.error() == QSerialPort::ResourceError || t.porta.error() == QSerialPort::ReadError);
-        QVERIFY(!QFileInfo::exists(collegamento) && !QFileInfo(collegamento).isSymLink());
-
-        // A new line: a new device behind the same fixed path. The tester lets go of the
-        // dead port first, as the workshop program does before opening again.
-        t.porta.close();
-        QVERIFY(ecu.riapriLinea());
-        QCOMPARE(QFileInfo(collegamento).symLinkTarget(), ecu.percorsoDispositivo());
-        Tester nuovo;
-        QVERIFY2(nuovo.apri(collegamento), qPrintable(nuovo.porta.errorString()));
-        QCOMPARE(nuovo.risposta(CreaFrame("V")), 'v');
     }
 };
 

@@ -22,26 +22,23 @@ private slots:
         QTest::addColumn<int>("zonaAttesa");
         // Default thresholds: RPM idle 1100/1200, cut-off 2000/1800, full load 2000/1800;
         // TPS idle 80/100, cut-off 80/110, full load 850/800.
-        QTest::newRow("idle stays between entry and exit")
-            << int(Zona::Minimo) << 1150 << 90 << int(Zona::Minimo);
-        QTest::newRow("idle left above exit rpm") << int(Zona::Minimo) << 1201 << 60 << int(Zona::Normale);
-        QTest::newRow("idle left above exit tps") << int(Zona::Minimo) << 900 << 101 << int(Zona::Normale);
-        QTest::newRow("normal not idle between thresholds")
-            << int(Zona::Normale) << 1150 << 60 << int(Zona::Normale);
-        QTest::newRow("normal to idle") << int(Zona::Normale) << 1099 << 79 << int(Zona::Minimo);
-        QTest::newRow("normal to cut-off") << int(Zona::Normale) << 2001 << 79 << int(Zona::CutOff);
-        QTest::newRow("no cut-off with throttle open")
-            << int(Zona::Normale) << 3000 << 80 << int(Zona::Normale);
-        QTest::newRow("cut-off holds above exit") << int(Zona::CutOff) << 1900 << 100 << int(Zona::CutOff);
-        QTest::newRow("cut-off left below exit rpm") << int(Zona::CutOff) << 1799 << 60 << int(Zona::Rientro);
-        QTest::newRow("cut-off left on throttle") << int(Zona::CutOff) << 2500 << 111 << int(Zona::Rientro);
-        QTest::newRow("normal to full load") << int(Zona::Normale) << 2001 << 851 << int(Zona::PienoCarico);
-        QTest::newRow("full load holds in hysteresis")
-            << int(Zona::PienoCarico) << 1900 << 820 << int(Zona::PienoCarico);
-        QTest::newRow("full load left on throttle")
-            << int(Zona::PienoCarico) << 3000 << 799 << int(Zona::Normale);
-        QTest::newRow("full load released at speed goes to cut-off")
-            << int(Zona::PienoCarico) << 3000 << 60 << int(Zona::CutOff);
+        const auto riga = [](const char *nome, int da, int giri, int tps, int a) {
+            QTest::newRow(nome) << da << giri << tps << a;
+        };
+        riga("idle stays between entry and exit", Zona::Minimo, 1150, 90, Zona::Minimo);
+        riga("idle left above exit rpm", Zona::Minimo, 1201, 60, Zona::Normale);
+        riga("idle left above exit tps", Zona::Minimo, 900, 101, Zona::Normale);
+        riga("normal not idle between thresholds", Zona::Normale, 1150, 60, Zona::Normale);
+        riga("normal to idle", Zona::Normale, 1099, 79, Zona::Minimo);
+        riga("normal to cut-off", Zona::Normale, 2001, 79, Zona::CutOff);
+        riga("no cut-off with throttle open", Zona::Normale, 3000, 80, Zona::Normale);
+        riga("cut-off holds above exit", Zona::CutOff, 1900, 100, Zona::CutOff);
+        riga("cut-off left below exit rpm", Zona::CutOff, 1799, 60, Zona::Rientro);
+        riga("cut-off left on throttle", Zona::CutOff, 2500, 111, Zona::Rientro);
+        riga("normal to full load", Zona::Normale, 2001, 851, Zona::PienoCarico);
+        riga("full load holds in hysteresis", Zona::PienoCarico, 1900, 820, Zona::PienoCarico);
+        riga("full load left on throttle", Zona::PienoCarico, 3000, 799, Zona::Normale);
+        riga("full load released at speed goes to cut-off", Zona::PienoCarico, 3000, 60, Zona::CutOff);
     }
 
     void zonaConIsteresi()

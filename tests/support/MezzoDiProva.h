@@ -1,14 +1,10 @@
 #pragma once
 
-// What the exchange tests build and look at: a catalogue written straight with SQL, as a
-// crafted medium would hold it (any rows, no key checks), and a picture of a folder tree that
-// shows whether anything in it was written, made or removed.
+// A catalogue written straight with SQL, as a crafted medium would hold it (any rows, no key
+// checks).
 
-#include <QCryptographicHash>
-#include <QDirIterator>
-#include <QFile>
-#include <QFileInfo>
-#include <QMap>
+#include "support/FileDiProva.h"
+
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QStringList>
@@ -40,33 +36,6 @@ inline void catalogoGrezzo(const QString &file, const QString &tabella, const QS
         db.close();
     }
     QSqlDatabase::removeDatabase(connessione);
-}
-
-// Every entry below cartella, links not followed, but for the subtree escluso: its path, its
-// kind and, for a file, a hash of its content.
-inline QMap<QString, QByteArray> istantanea(const QString &cartella, const QString &escluso = {})
-{
-    QMap<QString, QByteArray> voci;
-    QDirIterator it(cartella, QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot,
-                    QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        const QString p = it.next();
-        if (!escluso.isEmpty() && (p == escluso || p.startsWith(escluso + u'/')))
-            continue;
-        const QFileInfo info(p);
-        QByteArray v;
-        if (info.isSymLink()) {
-            v = "link " + info.symLinkTarget().toUtf8();
-        } else if (info.isDir()) {
-            v = "dir";
-        } else {
-            QFile f(p);
-            v = f.open(QIODevice::ReadOnly) ? QCryptographicHash::hash(f.readAll(), QCryptographicHash::Sha1)
-                                            : QByteArray("unreadable");
-        }
-        voci.insert(p, v);
-    }
-    return voci;
 }
 
 } // namespace kv

@@ -117,6 +117,7 @@ private slots:
         const double frequenza = m_cat.daGrezzo(Par::PrimaFrequenzaNormale, 48);
         QCOMPARE(frequenza, FrequenzaPeriodo(48)); // fraction kept
         QVERIFY(std::fabs(m_cat.aGrezzo(Par::PrimaFrequenzaNormale, frequenza) - 48) < 1e-9);
+        QCOMPARE(m_cat.daGrezzo(Par::PercentualePompata, 0x85), -5.0);
         QCOMPARE(m_cat.aGrezzo(Par::PercentualePompata + 4, -50), double(0xB2));
         QCOMPARE(m_cat.aGrezzo(Par::PercentualePompata + 4, 50), double(0x32));
         QCOMPARE(m_cat.daGrezzo(-1, 7), 7.0);

@@ -105,36 +105,24 @@ private slots:
         QTest::addColumn<double>("valore");
         QTest::addColumn<QString>("mask");
         QTest::addColumn<QString>("atteso");
-        QTest::newRow("half up") << 2.5 << "#0"
-                                 << "3";
-        QTest::newRow("half away from zero") << -2.5 << "#0"
-                                             << "-3";
-        QTest::newRow("zero carries no sign") << -0.4 << "#0"
-                                              << "0";
-        QTest::newRow("large, no exponent") << 1e6 << "#0"
-                                            << "1000000";
-        QTest::newRow("decimal as written") << 2.675 << "#0.00"
-                                            << "2.68";
-        QTest::newRow("carry in the decimals") << 9.995 << "#0.00"
-                                               << "10.00";
-        QTest::newRow("forced zeros") << 1.2 << "#0.00"
-                                      << "1.20";
-        QTest::newRow("optional decimals") << 1.2 << "#0.##"
-                                           << "1.2";
-        QTest::newRow("optional decimals at zero") << 3.0 << "#0.##"
-                                                   << "3";
-        QTest::newRow("minimum whole digits") << 5.0 << "00"
-                                              << "05";
-        QTest::newRow("no mask, fraction") << 12.5 << ""
-                                           << "12.5";
-        QTest::newRow("no mask, negative zero") << -0.0 << ""
-                                                << "0";
-        QTest::newRow("no mask, no exponent") << 1e20 << ""
-                                              << "100000000000000000000";
-        QTest::newRow("not a number") << NaN << "#0"
-                                      << "";
-        QTest::newRow("infinity") << Infinito << ""
-                                  << "";
+        const auto riga = [](const char *nome, double v, const char *mask, const char *atteso) {
+            QTest::newRow(nome) << v << QString(mask) << QString(atteso);
+        };
+        riga("half up", 2.5, "#0", "3");
+        riga("half away from zero", -2.5, "#0", "-3");
+        riga("zero carries no sign", -0.4, "#0", "0");
+        riga("large, no exponent", 1e6, "#0", "1000000");
+        riga("decimal as written", 2.675, "#0.00", "2.68");
+        riga("carry in the decimals", 9.995, "#0.00", "10.00");
+        riga("forced zeros", 1.2, "#0.00", "1.20");
+        riga("optional decimals", 1.2, "#0.##", "1.2");
+        riga("optional decimals at zero", 3.0, "#0.##", "3");
+        riga("minimum whole digits", 5.0, "00", "05");
+        riga("no mask, fraction", 12.5, "", "12.5");
+        riga("no mask, negative zero", -0.0, "", "0");
+        riga("no mask, no exponent", 1e20, "", "100000000000000000000");
+        riga("not a number", NaN, "#0", "");
+        riga("infinity", Infinito, "", "");
     }
 
     void formattaNumero()

@@ -3,52 +3,33 @@
 // file is chosen by the card and then made read-only, and Esc.
 
 #include "support/FileDiProva.h"
-#include "support/PortaEcu.h"
+#include "support/ProgrammaSimulato.h"
 #include "support/SolaLettura.h"
 
 #include "base/FileIni.h"
 #include "monitoring/ui/BarraRegistrazione.h"
 #include "monitoring/ui/Grafici.h"
 #include "monitoring/ui/GraficoStriscia.h"
-#include "shell/Programma.h"
 
 #include <QAction>
 #include <QApplication>
-#include <QDir>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace kv;
-using namespace kv::sim;
 
-class TstFinestraGrafici : public QObject
+class TstFinestraGrafici : public QObject, ProgrammaSimulato
 {
     Q_OBJECT
 
-    QTemporaryDir cartella;
-    std::unique_ptr<EcuSimulata> ecu;
-    std::unique_ptr<Programma> p;
     std::unique_ptr<Grafici> g;
     QStringList messaggi;
-
-    QString testo(const char *sezione, const char *chiave) { return p->lingua.LeggiTesto(sezione, chiave); }
-
-    // Live frames decoded by the program.
-    struct Contatore : AscoltatoreDati
-    {
-        void frameNormale(const RecordDati &) override { ++n; }
-        void frameStato(const RecordDati &) override { ++n; }
-        int n = 0;
-    } decodificati;
 
     // One live frame through the port, then the display tick (unless the page's own timer
     // has just run it).
     bool frame()
     {
-        const int prima = decodificati.n;
-        ecu->avanzaTempo(40);
-        if (!QTest::qWaitFor([&] { return decodificati.n == prima + 1; }, 2000))
+        if (!ProgrammaSimulato::frame())
             return false;
         g->VisDati();
         return true;
@@ -72,30 +53,21 @@ class TstFinestraGrafici : public QObject
 private slots:
     void initTestCase()
     {
-        QVERIFY(
-            QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), cartella.filePath("ENGLISH.LNG")));
+        QVERIFY(preparaCartella());
         QVERIFY(QDir().mkpath(cartella.filePath("DATI/A/B")));
     }
 
     void init()
     {
         messaggi.clear();
-        ecu = std::make_unique<EcuSimulata>(OpzioniManuali());
-        p = std::make_unique<Programma>(cartella.path(), std::make_unique<PortaEcu>(*ecu),
-                                        std::make_unique<TemporizzatoreManuale>(),
-                                        std::make_unique<TemporizzatoreManuale>());
+        avvia();
         QFile::remove(p->percorsoIni());
-        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        p->canali.InizializzaCanali(p->lingua);
-        p->stato.EcuDaIdentificare = false;
-        p->datiLive.aggiungiAscoltatore(&decodificati);
     }
 
     void cleanup()
     {
         g.reset();
-        p.reset();
-        ecu.reset();
+        chiudi();
     }
 
     void fourChartsByKeyboardThenEscCloses()

@@ -4,62 +4,36 @@
 // simulated ECU.
 
 #include "support/FileDiProva.h"
-#include "support/PortaEcu.h"
+#include "support/ProgrammaSimulato.h"
 
 #include "monitoring/ui/BarraRegistrazione.h"
 #include "monitoring/ui/Grafici.h"
 #include "monitoring/ui/Memorf.h"
 #include "monitoring/ui/RegistroStrumenti.h"
-#include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/MsgBox1.h"
 
 #include <QAction>
 #include <QApplication>
-#include <QDir>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
 using namespace kv;
-using namespace kv::sim;
 
 using S = SchedaRegistrazione;
 
-class TstMemorf : public QObject
+class TstMemorf : public QObject, ProgrammaSimulato
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> cartella;
-    std::unique_ptr<EcuSimulata> ecu;
-    std::unique_ptr<Programma> p;
     QStringList messaggi;
 
-    struct Contatore : AscoltatoreDati
-    {
-        void frameNormale(const RecordDati &) override { ++n; }
-        void frameStato(const RecordDati &) override { ++n; }
-        int n = 0;
-    } decodificati;
-
-    QString testo(const char *sezione, const char *chiave) { return p->lingua.LeggiTesto(sezione, chiave); }
-    QString dati(const QString &resto) const { return cartella->filePath("DATI/" + resto); }
-
-    bool frame(int n)
-    {
-        for (int i = 0; i < n; ++i) {
-            const int prima = decodificati.n;
-            ecu->avanzaTempo(40);
-            if (!QTest::qWaitFor([&] { return decodificati.n == prima + 1; }, 2000))
-                return false;
-        }
-        return true;
-    }
+    QString dati(const QString &resto) const { return cartella.filePath("DATI/" + resto); }
 
     // Runs azione on the modal box of type T as soon as it is up.
     template <typename T, typename F>
@@ -82,7 +56,7 @@ class TstMemorf : public QObject
     {
         QStringList r;
         Archivio a;
-        if (!ApriArchivioDati(cartella->filePath("DATI"), "ARCHDATI.MDB", a))
+        if (!ApriArchivioDati(cartella.filePath("DATI"), "ARCHDATI.MDB", a))
             return {"cannot open"};
         for (const RigaArchivio &riga : a.Elenca(u"PER_FILE"))
             r << riga.Testo(u"MARCA") + '/' + riga.Testo(u"MODELLO") + '/' + riga.Testo(u"FILE");
@@ -104,35 +78,24 @@ class TstMemorf : public QObject
     int risposta = 7;
 
 private slots:
+    void initTestCase() { QVERIFY(preparaCartella()); }
+
     void init()
     {
         messaggi.clear();
-        cartella = std::make_unique<QTemporaryDir>();
-        QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"),
-                            cartella->filePath("ENGLISH.LNG")));
-        ecu = std::make_unique<EcuSimulata>(OpzioniManuali());
-        p = std::make_unique<Programma>(cartella->path(), std::make_unique<PortaEcu>(*ecu),
-                                        std::make_unique<TemporizzatoreManuale>(),
-                                        std::make_unique<TemporizzatoreManuale>());
-        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        p->canali.InizializzaCanali(p->lingua);
-        p->stato.EcuDaIdentificare = false;
-        p->datiLive.aggiungiAscoltatore(&decodificati);
+        QVERIFY(QDir(cartella.filePath("DATI")).removeRecursively());
+        QFile::remove(cartella.filePath("KORVANTINE.INI"));
+        avvia();
     }
 
-    void cleanup()
-    {
-        p.reset();
-        ecu.reset();
-        cartella.reset();
-    }
+    void cleanup() { chiudi(); }
 
     void theListFollowsTheTypingAndAnEntryFillsTheCard()
     {
         {
             AnelloRegistrazione altro;
-            altro.collega(nullptr, cartella->path());
-            S s(cartella->path(), altro);
+            altro.collega(nullptr, cartella.path());
+            S s(cartella.path(), altro);
             QVERIFY(s.Apri());
             for (const auto &c :
                  {S::Caselle{"Fiat", "Punto", "giro1", "town"}, S::Caselle{"Fiat", "Panda", "giro2", ""},
@@ -205,8 +168,8 @@ private slots:
     {
         QFETCH(QByteArray, contenuto);
         QFETCH(ErroreArchivio, errore);
-        QVERIFY(QDir().mkpath(cartella->filePath("DATI")));
-        const QString file = cartella->filePath("DATI/ARCHDATI.MDB");
+        QVERIFY(QDir().mkpath(cartella.filePath("DATI")));
+        const QString file = cartella.filePath("DATI/ARCHDATI.MDB");
         scrivi(file, contenuto);
 
         auto m = apriScheda();
@@ -222,7 +185,7 @@ private slots:
         QVERIFY(!m->isVisible());
         QCOMPARE(m->result(), int(QDialog::Rejected));
         QCOMPARE(leggi(file), contenuto);
-        QCOMPARE(QDir(cartella->filePath("DATI")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
+        QCOMPARE(QDir(cartella.filePath("DATI")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
                  QStringList{"ARCHDATI.MDB"});
     }
 

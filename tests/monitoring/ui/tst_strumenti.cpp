@@ -48,7 +48,6 @@ private slots:
     void init()
     {
         avvia();
-        p->canali.InizializzaCanali(p->lingua);
         using namespace Par;
         for (auto [v, grezzo] : {std::pair{SogliaGiriEntrataMinimo, 1100},
                                  {SogliaGiriEntrataCutOff, 2000},

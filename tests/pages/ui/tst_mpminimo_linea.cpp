@@ -86,39 +86,7 @@ private slots:
             QCOMPARE(pagina->DatoMinimo(i)->text().trimmed(), QString::number(attesi[i]));
         // The live panel runs on the stream while the page is open.
         QTRY_VERIFY_WITH_TIMEOUT(!pagina->findChild<QLabel *>("Dato_0")->text().isEmpty(), 2000);
-    }
-
-    void editApplyThenLeave_data()
-    {
-        QTest::addColumn<int>("risposta");
-        QTest::addColumn<bool>("tenuto");
-        QTest::newRow("yes keeps it") << 6 << true;
-        QTest::newRow("no puts the opening value back") << 7 << false;
-    }
-
-    void editApplyThenLeave()
-    {
-        QFETCH(int, risposta);
-        QFETCH(bool, tenuto);
-        apri();
-        const int prima = ram(Par::SogliaGiriEntrataMinimo);
-        const int nuovo = prima - 50;
-        QSignalSpy chiusa(pagina.get(), &TelaioMessaPunto::chiusa);
-        applica(0, nuovo);
-        QCOMPARE(ram(Par::SogliaGiriEntrataMinimo), nuovo);
-        QCOMPARE(eeprom(Par::SogliaGiriEntrataMinimo), prima);
-
-        rispostaEsci = risposta;
-        tasto("Esci")->click();
-        QVERIFY(libero());
-        QCOMPARE(chiusa.size(), 1);
-        QCOMPARE(ram(Par::SogliaGiriEntrataMinimo), tenuto ? nuovo : prima);
-        QCOMPARE(eeprom(Par::SogliaGiriEntrataMinimo), tenuto ? nuovo : prima);
-    }
-
-    void leavingUnchangedSendsNothing()
-    {
-        apri();
+        // Unchanged, Esc leaves without a word to the ECU.
         ricevuti.clear();
         QSignalSpy chiusa(pagina.get(), &TelaioMessaPunto::chiusa);
         tasto("Esci")->click();
@@ -127,19 +95,45 @@ private slots:
         QVERIFY(ricevuti.isEmpty());
     }
 
-    void refusedWriteStopsAtItsAddress()
+    // A refused write first, then the same page saves and leaves: Yes keeps the new value in
+    // RAM and EEPROM, No puts the opening one back.
+    void refusedWriteThenApplyAndLeave_data()
     {
+        QTest::addColumn<int>("risposta");
+        QTest::addColumn<bool>("tenuto");
+        QTest::newRow("yes keeps it") << 6 << true;
+        QTest::newRow("no puts the opening value back") << 7 << false;
+    }
+
+    void refusedWriteThenApplyAndLeave()
+    {
+        QFETCH(int, risposta);
+        QFETCH(bool, tenuto);
         apri();
         const int giri = ram(Par::SogliaGiriUscitaMinimo);
         const int tps = ram(Par::SogliaTpsUscitaMinimo);
-        ecu->impostaErroreScrittura(quint32(p->catalogo.Parametri[Par::SogliaTpsEntrataMinimo].IndirizzoRAM),
-                                    0x05);
+        const quint32 cella = quint32(p->catalogo.Parametri[Par::SogliaTpsEntrataMinimo].IndirizzoRAM);
+        ecu->impostaErroreScrittura(cella, 0x05);
         applica(1, giri + 10);
         QCOMPARE(pagina->findChild<QLabel *>("Segnalazione")->text(),
                  "05H " + p->lingua.LeggiTesto("ERRORI", "ERR_05"));
         QCOMPARE(ram(Par::SogliaGiriUscitaMinimo), giri + 10); // before the refusal
         QCOMPARE(ram(Par::SogliaTpsUscitaMinimo), tps);        // after it: never sent
         QVERIFY(pagina->isEnabled() && tasto("Esci")->isEnabled());
+        ecu->impostaErroreScrittura(cella, ErroreEcu::Fatto);
+
+        const int prima = ram(Par::SogliaGiriEntrataMinimo);
+        const int nuovo = prima - 50;
+        QSignalSpy chiusa(pagina.get(), &TelaioMessaPunto::chiusa);
+        applica(0, nuovo);
+        QCOMPARE(ram(Par::SogliaGiriEntrataMinimo), nuovo);
+        QCOMPARE(eeprom(Par::SogliaGiriEntrataMinimo), prima);
+        rispostaEsci = risposta;
+        tasto("Esci")->click();
+        QVERIFY(libero());
+        QCOMPARE(chiusa.size(), 1);
+        QCOMPARE(ram(Par::SogliaGiriEntrataMinimo), tenuto ? nuovo : prima);
+        QCOMPARE(eeprom(Par::SogliaGiriEntrataMinimo), tenuto ? nuovo : prima);
     }
 };
 

@@ -104,15 +104,7 @@ private slots:
         avvia();
         risposta = 2;
         domande = 0;
-        const std::pair<int, int> voci[] = {
-            {Par::SogliaGiriEntrataMinimo, 900},  {Par::SogliaGiriUscitaMinimo, 1300},
-            {Par::SogliaGiriUscitaCutOff, 1700},  {Par::SogliaTpsEntrataMinimo, 100},
-            {Par::SogliaTpsUscitaMinimo, 160},    {Par::TpsTaratoMassimo, 1000},
-            {Par::TpsTaratoMinimo, 50},           {Par::ScalaLambda, 0},
-            {Par::SogliaLambdaMagroMinimo, 300},  {Par::SogliaLambdaRiccoMinimo, 700},
-            {Par::FrequenzaControlloMinimo, 100}, {Par::PassiControlloMinimo, 7}};
-        for (auto [parametro, valore] : voci)
-            voce(parametro, valore);
+        vociMinimo();
     }
 
     void cleanup()

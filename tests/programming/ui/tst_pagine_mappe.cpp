@@ -3,20 +3,18 @@
 // the tree, written into an ECU of other contents and verified.
 
 #include "support/FileDiProva.h"
-#include "support/PortaEcu.h"
+#include "support/ProgrammaSimulato.h"
 
 #include "programming/FileBlocchi.h"
 #include "programming/ui/ProgMappe.h"
 #include "programming/ui/ReadMappe.h"
 #include "programming/ui/RegistroMappe.h"
-#include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTreeView>
 
@@ -35,13 +33,10 @@ QByteArray disegno(int seme)
 
 } // namespace
 
-class TstPagineMappe : public QObject
+class TstPagineMappe : public QObject, ProgrammaSimulato
 {
     Q_OBJECT
 
-    QTemporaryDir dir;
-    std::unique_ptr<EcuSimulata> ecu;
-    std::unique_ptr<Programma> p;
     std::unique_ptr<Korvantine> frame;
     QStringList domande;
 
@@ -67,21 +62,11 @@ class TstPagineMappe : public QObject
     {
         return pagina->findChild<QLabel *>(QStringLiteral("Segnalazione1"))->text();
     }
-    QString testo(const char *sezione, const char *chiave) const
-    {
-        return p->lingua.LeggiTesto(sezione, chiave);
-    }
-
 private slots:
     void initTestCase()
     {
-        QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), dir.filePath("ENGLISH.LNG")));
-        ecu = std::make_unique<EcuSimulata>(OpzioniManuali());
-        p = std::make_unique<Programma>(dir.path(), std::make_unique<PortaEcu>(*ecu),
-                                        std::make_unique<TemporizzatoreQt>(),
-                                        std::make_unique<TemporizzatoreQt>());
-        p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        p->stato.EcuDaIdentificare = false;
+        QVERIFY(preparaCartella());
+        avvia();
         frame = std::make_unique<Korvantine>(*p);
         RegistraPagineMappe(*frame);
         frame->avvia();
@@ -92,8 +77,7 @@ private slots:
     void cleanupTestCase()
     {
         frame.reset();
-        p.reset();
-        ecu.reset();
+        chiudi();
     }
 
     void readByKeyboardIntoTheArchive()
@@ -120,7 +104,7 @@ private slots:
         tasti({Qt::Key_F2});
         QTRY_COMPARE(segnalazione(pagina), testo("ReadMappe", "SEGNALAZIONE1.4"));
 
-        const QString file = dir.filePath("MAPPATURE/LPG/Fiat/Punto/base.LKV");
+        const QString file = cartella.filePath("MAPPATURE/LPG/Fiat/Punto/base.LKV");
         for (int n = 1; n <= 8; ++n)
             QCOMPARE(LeggiBloccoMappa(file, qint16(n)), disegno(1).mid((n - 1) * 64, 64));
         // The rebuilt tree shows the new model with its map chosen.
@@ -141,7 +125,7 @@ private slots:
     void writeByKeyboardAndVerify()
     {
         // A row whose file is missing sits in the list, marked, beside the map read above.
-        QVERIFY(RegistraMappa(dir.path(), {"LPG", "Fiat", "Punto", "lost"}, {}).ok());
+        QVERIFY(RegistraMappa(cartella.path(), {"LPG", "Fiat", "Punto", "lost"}, {}).ok());
         QVERIFY(ecu->scriviMemoria(0xC100, disegno(2)));
         domande.clear();
         auto *pagina = apri<ProgMappe>(IdPagina::ProgMappe);

@@ -3,40 +3,34 @@
 // F2 programs, Esc goes back.
 
 #include "support/FileDiProva.h"
-#include "support/PortaEcu.h"
+#include "support/ProgrammaSimulato.h"
 #include "support/S19DiProva.h"
 
 #include "archives/Archivio.h"
 #include "programming/ui/ProgSW.h"
 #include "programming/ui/RegistroProgSW.h"
-#include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/MainLambda.h"
 
 #include <QApplication>
-#include <QDeadlineTimer>
-#include <QDir>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTreeWidget>
 
 using namespace kv;
 using namespace kv::sim;
 
-class TstProgSW : public QObject
+class TstProgSW : public QObject, ProgrammaSimulato
 {
     Q_OBJECT
 
 private slots:
     void listedChosenAndProgrammedByKeys()
     {
-        QTemporaryDir cartella;
         const QString app = cartella.path();
-        QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), app + "/ENGLISH.LNG"));
-        QVERIFY(QDir(app).mkpath("SOFTWARE/FILES19"));
+        QVERIFY(preparaCartella() && QDir(app).mkpath("SOFTWARE/FILES19"));
         scrivi(app + "/SOFTWARE/FILES19/KV2_R3.S19", S19Completo(ImmagineDiProva(5)));
         scrivi(app + "/SOFTWARE/FILES19/KV2_R2.S19", S19Completo(ImmagineDiProva(9)));
         {
@@ -51,17 +45,13 @@ private slots:
 
         OpzioniEcu o = OpzioniManuali();
         o.applicazionePresente = false;
-        EcuSimulata ecu(o);
-        Programma p(app, std::make_unique<PortaEcu>(ecu), std::make_unique<TemporizzatoreManuale>(),
-                    std::make_unique<TemporizzatoreManuale>(), std::make_unique<TemporizzatoreManuale>(),
-                    std::make_unique<TemporizzatoreManuale>());
-        p.lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        Korvantine frame(p);
+        avvia(o);
+        Korvantine frame(*p);
         RegistraProgSW(frame);
         frame.avvia();
         QApplication::setActiveWindow(&frame);
-        ecu.avanzaTempo(300); // a 'g' frame: no application
-        QTRY_VERIFY(!p.stato.EcuNormale);
+        ecu->avanzaTempo(300); // a 'g' frame: no application
+        QTRY_VERIFY(!p->stato.EcuNormale);
         frame.AggiornaMenu();
 
         QTest::keyClick(frame.menu(), Qt::Key_F1);
@@ -69,7 +59,7 @@ private slots:
         QCOMPARE(frame.idPaginaAttiva(), IdPagina::ProgSW);
         auto *pagina = qobject_cast<ProgSW *>(frame.paginaAttiva());
         QVERIFY(pagina);
-        QCOMPARE(frame.windowTitle(), p.lingua.LeggiTesto("ProgSW", "CAPTION").trimmed());
+        QCOMPARE(frame.windowTitle(), p->lingua.LeggiTesto("ProgSW", "CAPTION").trimmed());
         auto *lista = pagina->findChild<QTreeWidget *>("LSoftware");
         QCOMPARE(lista->topLevelItemCount(), 2);
         QCOMPARE(lista->topLevelItem(0)->text(0), QStringLiteral("KV2_R2"));
@@ -92,20 +82,18 @@ private slots:
         QVERIFY(barra->isHidden());
         QCOMPARE(barra->maximum(), 220);
         QTest::keyClick(lista, Qt::Key_F2);
-        QCOMPARE(p.motore.StatoDialogo(), qint16(DialogoProgSW::StatoInizio));
+        QCOMPARE(p->motore.StatoDialogo(), qint16(DialogoProgSW::StatoInizio));
         auto *programma = pagina->findChild<QPushButton *>("Programma");
         auto *esci = pagina->findChild<QPushButton *>("Esci");
         QVERIFY(!lista->isEnabled() && !programma->isEnabled() && !esci->isEnabled() && barra->isVisible());
-        QDeadlineTimer scadenza(10000);
-        while (p.motore.StatoDialogo() != -1 && !scadenza.hasExpired())
-            QCoreApplication::processEvents();
+        QVERIFY(attendi(10000));
         QCOMPARE(pagina->findChild<QLabel *>("Segnalazione1")->text(),
-                 p.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_12"));
+                 p->lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_12"));
         QVERIFY(lista->isEnabled() && programma->isEnabled() && esci->isEnabled() && barra->isHidden());
         QByteArray attesa = ImmagineDiProva(9);
         attesa.replace(0x40, 28, QByteArray(28, ' ')); // no version reply was ever read
-        QCOMPARE(ecu.leggiMemoria(0xC000, 0x3700), attesa);
-        QCOMPARE(ecu.modo(), EcuSimulata::Modo::Applicazione);
+        QCOMPARE(ecu->leggiMemoria(0xC000, 0x3700), attesa);
+        QCOMPARE(ecu->modo(), EcuSimulata::Modo::Applicazione);
 
         QTRY_VERIFY(lista->hasFocus());
         QTest::keyClick(lista, Qt::Key_Escape);

@@ -3,10 +3,8 @@
 // What the shell's widget tests share: a program on a scripted port with the shipped language
 // files, its main frame on the offscreen screen, and an automatic answer to message boxes.
 
-#include "support/PortaFinta.h"
+#include "support/ProgrammaFinto.h"
 
-#include "link/Frame.h"
-#include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/MainLambda.h"
 #include "shell/ui/MsgBox1.h"
@@ -16,32 +14,20 @@
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
 #include <functional>
-#include <memory>
 
 namespace kv {
 
 namespace aiuto {
 
-// A live frame: 800 RPM, TPS 100, lambda 500, stepper 90, zone 2, TPS type 1, supply 2.
-inline QByteArray datiLive(quint8 stato)
-{
-    const char byte[] = {'d', char(stato), 0x03, 0x20, 0, 100, 0x01, char(0xF4), 90, 1, 2, 0, 1, 2, 0};
-    return QByteArray(byte, sizeof byte);
-}
-
+using kv::datiLive;
+using kv::parola;
 inline QByteArray versione()
 {
-    return "vVEICOLO-012026-11-01KV-CODE-000042DATO-A-123B-77";
-}
-
-inline QByteArray parola(quint16 v)
-{
-    return QByteArray(1, char(v >> 8)) + char(v & 0xFF);
+    return rispostaVersione();
 }
 
 inline bool copia(const QString &nome, const QString &cartella)
@@ -66,33 +52,17 @@ struct PaginaContata : QWidget
 
 // The program as the start-up leaves it, its port scripted, its timers fired by hand, and the
 // main frame on screen; the ECU identified unless told otherwise.
-struct Ambiente
+struct Ambiente : ProgrammaFinto
 {
-    QTemporaryDir cartella;
-    PortaContata *porta = nullptr;
-    TemporizzatoreManuale *req = nullptr;
-    TemporizzatoreManuale *dati = nullptr;
-    TemporizzatoreManuale *riapertura = nullptr;
-    TemporizzatoreManuale *silenzio = nullptr;
-    std::unique_ptr<Programma> programma;
+    Programma *programma = nullptr;
     std::unique_ptr<Korvantine> frame;
 
     explicit Ambiente(bool identificata = true, bool avvia = true)
     {
         copia(QStringLiteral("ENGLISH.LNG"), cartella.path());
         copia(QStringLiteral("ITALIANO.LNG"), cartella.path());
-        auto p = std::make_unique<PortaContata>();
-        auto r = std::make_unique<TemporizzatoreManuale>();
-        auto d = std::make_unique<TemporizzatoreManuale>();
-        auto ra = std::make_unique<TemporizzatoreManuale>();
-        auto si = std::make_unique<TemporizzatoreManuale>();
-        porta = p.get();
-        req = r.get();
-        dati = d.get();
-        riapertura = ra.get();
-        silenzio = si.get();
-        programma = std::make_unique<Programma>(cartella.path(), std::move(p), std::move(r), std::move(d),
-                                                std::move(ra), std::move(si));
+        creaProgramma();
+        programma = p.get();
         programma->lingua.LeggiImpLingua();
         programma->LeggiImpSeriale();
         frame = std::make_unique<Korvantine>(*programma);
@@ -111,15 +81,6 @@ struct Ambiente
 
     StatoProgramma &stato() { return programma->stato; }
     MainLambda *menu() { return frame->menu(); }
-    void arriva(const QByteArray &payload) { emit porta->arrivati(CreaFrame(payload, 0)); }
-
-    // The first live frame and the replies of identification: TPS cells 900 and 60 raw, type 7.
-    void identifica()
-    {
-        for (const QByteArray &f : {datiLive(0), versione(), "r" + parola(900), "r" + parola(60),
-                                    QByteArray("r\x07"), QByteArray("r\x00", 2)})
-            arriva(f);
-    }
 
     void registraContata(IdPagina id, int &vive)
     {

@@ -59,19 +59,14 @@ private slots:
         QTest::addColumn<QByteArray>("ini");
         QTest::addColumn<QString>("porta");
         QTest::addColumn<QString>("baud");
-        QTest::newRow("no file") << QByteArray() << "COM1"
-                                 << "9600";
-        QTest::newRow("COM3 at 19200")
-            << QByteArray("[SERIALE]\r\nPorta=COM3\r\nBaudRate=19200\r\n") << "COM3"
-            << "19200";
-        QTest::newRow("COM11 and 57600")
-            << QByteArray("[SERIALE]\r\nPorta=COM11\r\nBaudRate=57600\r\n") << "COM1"
-            << "9600";
-        QTest::newRow("device") << QByteArray("[seriale]\r\nporta=/dev/ttyUSB0\r\nbaudrate=4800\r\n")
-                                << "/dev/ttyUSB0"
-                                << "4800";
-        QTest::newRow("device not there") << QByteArray("[SERIALE]\r\nPorta=/dev/ttyACM7\r\n") << ""
-                                          << "9600";
+        const auto riga = [](const char *nome, const QByteArray &ini, const char *porta, const char *baud) {
+            QTest::newRow(nome) << ini << QString(porta) << QString(baud);
+        };
+        riga("no file", {}, "COM1", "9600");
+        riga("COM3 at 19200", "[SERIALE]\r\nPorta=COM3\r\nBaudRate=19200\r\n", "COM3", "19200");
+        riga("COM11 and 57600", "[SERIALE]\r\nPorta=COM11\r\nBaudRate=57600\r\n", "COM1", "9600");
+        riga("device", "[seriale]\r\nporta=/dev/ttyUSB0\r\nbaudrate=4800\r\n", "/dev/ttyUSB0", "4800");
+        riga("device not there", "[SERIALE]\r\nPorta=/dev/ttyACM7\r\n", "", "9600");
     }
 
     void portPageShowsTheSettings()
@@ -208,21 +203,20 @@ private slots:
         QVERIFY(a.menu());
     }
 
-    void accessWordInAnyCaseAndTheSilentWayOut()
+    // The word's rules are the menu's; here, what the box and the menu do with them. A wrong
+    // word in normal mode, told in a box, is met by the keyboard test of the main frame.
+    void accessWordOpensServiceModeAndAWrongOneLeavesItSilently()
     {
         Ambiente a;
         MainLambda *m = a.menu();
         const auto prova = [&](const QString &parola) {
             QVERIFY(a.frame->apriPagina(IdPagina::Password));
-            QCOMPARE(a.menu(), m);
-            QVERIFY(!m->isEnabled());
+            QVERIFY(!m->isEnabled() && a.menu() == m);
             auto *campo = a.sullaPagina<QLineEdit>("Parola");
-            QCOMPARE(campo->echoMode(), QLineEdit::Password);
-            QVERIFY(campo->text().isEmpty());
+            QVERIFY(campo->echoMode() == QLineEdit::Password && campo->text().isEmpty());
             QTest::keyClicks(campo, parola);
             a.sullaPagina("TastoOK")->click();
-            QVERIFY(!a.frame->paginaSopra());
-            QVERIFY(m->isEnabled());
+            QVERIFY(!a.frame->paginaSopra() && m->isEnabled());
         };
         aiuto::Risponditore r;
         QTest::keyClick(m, Qt::Key_F3);
@@ -233,14 +227,9 @@ private slots:
         QTest::keyClick(m, Qt::Key_F3);
         QVERIFY(!m->opzione(8)->isHidden());
         QCOMPARE(m->opzione(0)->text(), a.testo("MainLambda", "MESSAPUNTO1.0"));
-        // A wrong word leaves service mode without a word; in normal mode it is told.
         prova(QStringLiteral("torb"));
         QCOMPARE(a.stato().ModoAssistenza, false);
         QVERIFY(r.visti.isEmpty());
-        prova(QStringLiteral("torb"));
-        QCOMPARE(r.visti.size(), 1);
-        QCOMPARE(r.visti[0].testo, a.testo("SEGNALAZIONI", "SEGNALAZIONE_22"));
-        QCOMPARE(a.stato().ModoAssistenza, false);
     }
 
     void enterInTheAccessBoxMovesOnAndEscCancels()
