@@ -55,26 +55,46 @@ void Lingua::LeggiImpLingua()
     LinguaCorrente = QStringLiteral("ITALIANO");
 }
 
+const FileIni *Lingua::FileLetto::aggiorna(const QString &percorsoFile)
+{
+    const QFileInfo info(percorsoFile);
+    if (percorsoFile.isEmpty() || !info.isFile())
+        return nullptr;
+    const qint64 dimensioneFile = info.size();
+    const QDateTime modificaFile = info.lastModified();
+    if (percorsoFile != percorso || dimensioneFile != dimensione || modificaFile != modifica) {
+        FileIni::StatoLettura stato;
+        file = FileIni::daFile(percorsoFile, &stato);
+        // A file that could not be read is tried again at the next look-up.
+        percorso = stato == FileIni::StatoLettura::Letto ? percorsoFile : QString();
+        dimensione = dimensioneFile;
+        modifica = modificaFile;
+    }
+    return &file;
+}
+
 QString Lingua::LeggiTesto(const QString &sezione, const QString &chiave, const QString &estensione) const
 {
     if (!nomeSemplice(LinguaCorrente))
         return {};
-    const QString percorso = TrovaFile(PercorsoApp, LinguaCorrente + estensione);
-    const QFileInfo info(percorso);
-    if (percorso.isEmpty() || !info.isFile())
+    const QString nome = LinguaCorrente + estensione;
+    const QString percorso = TrovaFile(PercorsoApp, nome);
+    const FileIni *casa = m_casa.aggiorna(percorso);
+    if (!casa)
         return {};
+    if (casa->contiene(sezione, chiave) || m_cartelleDistribuite.isEmpty())
+        return casa->valore(sezione, chiave);
 
-    const qint64 dimensione = info.size();
-    const QDateTime modifica = info.lastModified();
-    if (percorso != m_percorsoLetto || dimensione != m_dimensione || modifica != m_modifica) {
-        FileIni::StatoLettura stato;
-        m_file = FileIni::daFile(percorso, &stato);
-        // A file that could not be read is tried again at the next look-up.
-        m_percorsoLetto = stato == FileIni::StatoLettura::Letto ? percorso : QString();
-        m_dimensione = dimensione;
-        m_modifica = modifica;
+    for (const QString &cartella : m_cartelleDistribuite) {
+        const QString distribuito = TrovaFile(cartella, nome);
+        if (distribuito.isEmpty())
+            continue;
+        if (QFileInfo(distribuito).canonicalFilePath() == QFileInfo(percorso).canonicalFilePath())
+            return {};
+        const FileIni *f = m_distribuito.aggiorna(distribuito);
+        return f ? f->valore(sezione, chiave) : QString();
     }
-    return m_file.valore(sezione, chiave);
+    return {};
 }
 
 } // namespace kv

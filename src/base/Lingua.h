@@ -4,6 +4,7 @@
 
 #include <QDateTime>
 #include <QString>
+#include <QStringList>
 
 namespace kv {
 
@@ -20,16 +21,32 @@ public:
     QString LeggiTesto(const QString &sezione, const QString &chiave,
                        const QString &estensione = QStringLiteral(".LNG")) const;
 
+    // The folders of the language files shipped with this build, first choice first.
+    // A home made by an older build keeps its own files, which lack the newer keys: a key
+    // that the home's file does not hold at all is taken from the shipped file of the same
+    // name. A key the fitter has emptied stays empty (that is how an entry is hidden), and
+    // whatever the fitter has reworded wins.
+    void impostaCartelleDistribuite(QStringList cartelle) { m_cartelleDistribuite = std::move(cartelle); }
+
     QString LinguaCorrente;
     QString PercorsoApp;
 
 private:
     // The file last parsed; a different path, size or time of change reads it again, so a
     // change of LinguaCorrente or of the file on disk reaches the next look-up.
-    mutable QString m_percorsoLetto;
-    mutable qint64 m_dimensione = -1;
-    mutable QDateTime m_modifica;
-    mutable FileIni m_file;
+    struct FileLetto
+    {
+        QString percorso;
+        qint64 dimensione = -1;
+        QDateTime modifica;
+        FileIni file;
+
+        const FileIni *aggiorna(const QString &percorsoFile);
+    };
+
+    QStringList m_cartelleDistribuite;
+    mutable FileLetto m_casa;
+    mutable FileLetto m_distribuito;
 };
 
 } // namespace kv

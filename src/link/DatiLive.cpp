@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 namespace kv {
 
@@ -79,6 +80,13 @@ void DatiLive::perOgniAscoltatore(F &&f)
 
 void DatiLive::RispostaDati(const QByteArray &payload)
 {
+    if (std::exchange(m_fermoNelDialogo, false) && m_motore.StatoDialogo() == -1) {
+        // The stream comes back only after the dialogue that silenced it: the ECU has been
+        // restarted under us (new software), so it is identified anew.
+        m_stato.EcuInMarcia = true;
+        m_stato.EcuNormale = true;
+        m_stato.EcuDaIdentificare = true;
+    }
     if (m_stato.EcuDaIdentificare) {
         m_identificazione.avvia();
         return;
@@ -127,11 +135,24 @@ void DatiLive::RispostaVita()
 
 void DatiLive::flussoPerso()
 {
-    watchdog();
+    perdita();
 }
 
 void DatiLive::watchdog()
 {
+    // An ECU that answers our requests is there, whatever became of its stream: the loss is
+    // told only once the line is free and the stream still silent.
+    if (m_motore.StatoDialogo() != -1) {
+        m_fermoNelDialogo = true;
+        m_timeOutDati.setEnabled(true);
+        return;
+    }
+    perdita();
+}
+
+void DatiLive::perdita()
+{
+    m_fermoNelDialogo = false;
     m_timeOutDati.setEnabled(false);
     m_stato.EcuInMarcia = true;
     m_stato.EcuNormale = true;

@@ -69,11 +69,13 @@ public:
 signals:
     // EcuInMarcia has just changed; the menu follows it.
     void inMarciaCambiata(bool inMarcia);
-    // Two seconds without a live frame: the ECU is unknown again.
+    // Two seconds without a live frame and no dialogue of ours on the line: the ECU is
+    // unknown again.
     void ecuPersa();
 
 private:
     void watchdog();
+    void perdita();
     template <typename F>
     void perOgniAscoltatore(F &&f);
     template <typename F>
@@ -86,6 +88,9 @@ private:
     AnelloRegistrazione *m_anello;
     std::vector<AscoltatoreDati *> m_ascoltatori;
     GestoreTaratura *m_taratura = nullptr;
+    // The stream stopped while a dialogue of ours held the line (a flash runs in the boot
+    // loader, which sends no live frames).
+    bool m_fermoNelDialogo = false;
 };
 
 } // namespace kv

@@ -109,6 +109,68 @@ private slots:
         QVERIFY(QFile::remove(file));
         QCOMPARE(l.LeggiTesto("A", "k"), QString());
     }
+
+    // A home made by an older build, against the files shipped with this one.
+    void keysMissingAtHomeComeFromTheShippedFile_data()
+    {
+        QTest::addColumn<QString>("lingua");
+        QTest::addColumn<QString>("sezione");
+        QTest::addColumn<QString>("chiave");
+        QTest::addColumn<QString>("atteso");
+        QTest::newRow("reworded at home") << "ENGLISH"
+                                          << "A"
+                                          << "vecchia"
+                                          << "mine";
+        QTest::newRow("emptied at home") << "ENGLISH"
+                                         << "A"
+                                         << "nascosta"
+                                         << "";
+        QTest::newRow("new key") << "ENGLISH"
+                                 << "a"
+                                 << "NUOVA"
+                                 << "new";
+        QTest::newRow("new section") << "ENGLISH"
+                                     << "B"
+                                     << "k"
+                                     << "b";
+        QTest::newRow("in neither") << "ENGLISH"
+                                    << "A"
+                                    << "nessuna"
+                                    << "";
+        QTest::newRow("same language only") << "ITALIANO"
+                                            << "B"
+                                            << "k"
+                                            << "";
+        QTest::newRow("a language of the fitter's") << "FRANCAIS"
+                                                    << "A"
+                                                    << "nuova"
+                                                    << "";
+    }
+
+    void keysMissingAtHomeComeFromTheShippedFile()
+    {
+        QFETCH(QString, lingua);
+        QFETCH(QString, sezione);
+        QFETCH(QString, chiave);
+        QFETCH(QString, atteso);
+        QTemporaryDir dir;
+        const QString casa = dir.filePath("casa");
+        const QString nuova = dir.filePath("nuova");
+        const QString vuota = dir.filePath("vuota");
+        for (const QString &c : {casa, nuova, vuota})
+            QVERIFY(QDir().mkdir(c));
+        scrivi(casa + "/ENGLISH.LNG", "[A]\r\nvecchia=mine\r\nnascosta=\r\n");
+        scrivi(casa + "/ITALIANO.LNG", "[A]\r\nvecchia=mia\r\n");
+        scrivi(casa + "/FRANCAIS.LNG", "[A]\r\nvecchia=la mienne\r\n");
+        scrivi(nuova + "/english.lng",
+               "[A]\r\nvecchia=shipped\r\nnascosta=shown\r\nnuova=new\r\n[B]\r\nk=b\r\n");
+        Lingua l(casa);
+        l.impostaCartelleDistribuite({vuota, nuova});
+        l.LinguaCorrente = lingua;
+        QCOMPARE(l.LeggiTesto(sezione, chiave), atteso);
+        // The home's file is read, never written.
+        QCOMPARE(leggi(casa + "/ENGLISH.LNG"), QByteArray("[A]\r\nvecchia=mine\r\nnascosta=\r\n"));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestLingua)

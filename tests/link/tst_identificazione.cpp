@@ -151,6 +151,45 @@ private slots:
         QCOMPARE(p->motore.StatoDialogo(), qint16(111));
     }
 
+    // A flash puts the ECU in its boot loader, which answers but sends no live frames.
+    void theWatchdogWaitsWhileOurDialogueHoldsTheLine_data()
+    {
+        QTest::addColumn<bool>("tornaNelDialogo");
+        QTest::addColumn<bool>("tornaDopo");
+        QTest::addColumn<int>("perse");
+        QTest::addColumn<int>("statoDopo");
+        QTest::newRow("back after it: identified anew") << false << true << 0 << 111;
+        QTest::newRow("back under it: the same ECU") << true << true << 0 << -1;
+        QTest::newRow("silent after it: lost") << false << false << 1 << -1;
+    }
+
+    void theWatchdogWaitsWhileOurDialogueHoldsTheLine()
+    {
+        QFETCH(bool, tornaNelDialogo);
+        QFETCH(bool, tornaDopo);
+        QFETCH(int, perse);
+        QFETCH(int, statoDopo);
+        identifica();
+        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        QSignalSpy persa(&p->datiLive, &DatiLive::ecuPersa);
+        p->motore.svuotaCoda();
+        p->motore.accoda("I");
+        QVERIFY(p->motore.avvia(151, 3000));
+        QVERIFY(dati->scatta());
+        QVERIFY(dati->scatta());
+        QCOMPARE(persa.size(), 0);
+        QCOMPARE(p->stato.EcuDaIdentificare, false);
+        if (tornaNelDialogo)
+            arriva(datiLive(0, 800, 100, 500, 1, 0));
+        p->motore.abbandona();
+        if (tornaDopo)
+            arriva(datiLive(0, 800, 100, 500, 1, 0));
+        else
+            QVERIFY(dati->scatta());
+        QCOMPARE(persa.size(), perse);
+        QCOMPARE(p->motore.StatoDialogo(), qint16(statoDopo));
+    }
+
     void statusOtherThanZeroLeavesRunningAndDropsTheRunningFunction()
     {
         identifica();

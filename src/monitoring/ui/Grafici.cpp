@@ -143,33 +143,68 @@ void RigaDatoGrafico::paintEvent(QPaintEvent *)
     while (QFontMetrics(ft).horizontalAdvance(text()) > larghezzaTitolo && ft.pointSizeF() > piena * 0.68)
         ft.setPointSizeF(ft.pointSizeF() * 0.94);
     const QFontMetrics mt(ft);
-    const QFontMetrics mv(fontValore());
     p.setFont(ft);
     p.setPen(TestoTitolo);
     const QRect titolo(margine, 5, larghezzaTitolo, QFontMetrics(fontTitolo()).height());
     p.drawText(titolo, Qt::AlignLeft | Qt::AlignVCenter,
                mt.elidedText(text(), Qt::ElideRight, titolo.width()));
 
-    // The value in a box of 0.65 of the row, centred, as large as the row allows.
-    QFont fv = fontValore();
-    const int spazio = height() - titolo.bottom() - 8;
-    if (mv.height() > spazio && spazio > 8)
-        fv.setPointSizeF(fv.pointSizeF() * spazio / mv.height());
-    p.setFont(fv);
-    const QFontMetrics mf(fv);
-    const int larghezza = std::max(int(width() * 0.65), mf.horizontalAdvance(m_valore) + 16);
-    const QRect valore((width() - larghezza) / 2 + 4, titolo.bottom() + 3, std::min(larghezza, width() - 16),
-                       std::max(spazio, mf.height()));
+    const DisposizioneValore d = disposizioneValore();
     QColor inchiostro = m_coloreGrafico.value_or(TestoValore);
     if (m_sfondo) {
         p.setPen(Qt::NoPen);
         p.setBrush(*m_sfondo);
-        p.drawRoundedRect(valore, 4, 4);
+        p.drawRoundedRect(d.riquadro, 4, 4);
         const QColor &s = *m_sfondo;
         inchiostro = 0.299 * s.red() + 0.587 * s.green() + 0.114 * s.blue() > 140 ? Qt::black : Qt::white;
     }
+    p.setFont(d.font);
     p.setPen(inchiostro);
-    p.drawText(valore, Qt::AlignCenter, mf.elidedText(m_valore, Qt::ElideRight, valore.width()));
+    p.drawText(d.riquadro, d.allineamento, d.testo);
+}
+
+RigaDatoGrafico::DisposizioneValore RigaDatoGrafico::disposizioneValore() const
+{
+    // The value in a box of 0.65 of the row, centred, as large as the row allows. A long
+    // state text (the working zone) gets a smaller type, then a second line, and is cut only
+    // when even that does not hold it: it is read whole, never clipped at both ends.
+    const int sinistra = 12; // clear of the curve's colour down the left edge
+    const int disponibile = std::max(width() - sinistra - 6, 16);
+    const int alto = 5 + QFontMetrics(fontTitolo()).height() + 2;
+    const int spazio = std::max(height() - alto - 6, 8);
+    const int interno = disponibile - 8;
+    const auto occupa = [&](const QFont &f, int a) {
+        return QFontMetrics(f).boundingRect(QRect(0, 0, interno, spazio * 4), a, m_valore);
+    };
+    const auto entra = [&](const QFont &f, int a) {
+        const QRect r = occupa(f, a);
+        return r.width() <= interno && r.height() <= spazio;
+    };
+    const auto riduci = [&](QFont &f, int a, double finoA) {
+        const double piena = f.pointSizeF();
+        while (!entra(f, a) && f.pointSizeF() > piena * finoA)
+            f.setPointSizeF(f.pointSizeF() * 0.94);
+    };
+
+    QFont intera = fontValore();
+    if (QFontMetrics(intera).height() > spazio)
+        intera.setPointSizeF(intera.pointSizeF() * spazio / QFontMetrics(intera).height());
+    DisposizioneValore d{intera, Qt::AlignCenter, {}, m_valore};
+    riduci(d.font, d.allineamento, 0.6);
+    if (!entra(d.font, d.allineamento) && m_valore.contains(u' ')) {
+        QFont suDue = intera;
+        riduci(suDue, Qt::AlignCenter | Qt::TextWordWrap, 0.4);
+        if (entra(suDue, Qt::AlignCenter | Qt::TextWordWrap)) {
+            d.font = suDue;
+            d.allineamento = Qt::AlignCenter | Qt::TextWordWrap;
+        }
+    }
+    if (!entra(d.font, d.allineamento))
+        d.testo = QFontMetrics(d.font).elidedText(m_valore, Qt::ElideRight, interno);
+    const int larghezza =
+        std::min(std::max(int(width() * 0.65), occupa(d.font, d.allineamento).width() + 16), disponibile);
+    d.riquadro = QRect(sinistra + (disponibile - larghezza) / 2, alto, larghezza, spazio);
+    return d;
 }
 
 // ---- the window

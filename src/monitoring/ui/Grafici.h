@@ -36,6 +36,16 @@ public:
 
     QSize sizeHint() const override;
 
+    // Where and how the value is drawn in the row as it is now.
+    struct DisposizioneValore
+    {
+        QFont font;
+        int allineamento = Qt::AlignCenter;
+        QRect riquadro;
+        QString testo; // the value, or its cut form when nothing holds it whole
+    };
+    DisposizioneValore disposizioneValore() const;
+
 protected:
     void paintEvent(QPaintEvent *evento) override;
     void keyPressEvent(QKeyEvent *evento) override;

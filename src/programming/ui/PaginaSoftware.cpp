@@ -44,7 +44,7 @@ PaginaSoftware::PaginaSoftware(Programma &programma, Funzione funzione, QWidget 
     , m_box(new QGroupBox(this))
     , m_lista(new QListWidget(m_box))
     , m_versione(new QLineEdit(m_box))
-    , m_note(new QLineEdit(m_box))
+    , m_note(new QLabel(m_box))
 {
     const int u = fontMetrics().averageCharWidth();
     const char *box[] = {"BoxCreaDisco", "BoxRipriDisco", "BoxCancel"};
@@ -60,12 +60,18 @@ PaginaSoftware::PaginaSoftware(Programma &programma, Funzione funzione, QWidget 
     for (size_t i = 0; i < m_etichette.size(); ++i) {
         m_etichette[i] = new QLabel(m_box);
         m_etichette[i]->setObjectName(QStringLiteral("LabSW%1").arg(i));
-        QLineEdit *campo = i == 0 ? m_versione : m_note;
-        campo->setReadOnly(true);
+        QWidget *campo = i == 0 ? static_cast<QWidget *>(m_versione) : m_note;
         m_etichette[i]->setBuddy(campo);
-        campi->addWidget(m_etichette[i], int(i), 0);
+        campi->addWidget(m_etichette[i], int(i), 0, Qt::AlignTop);
         campi->addWidget(campo, int(i), 1);
     }
+    m_versione->setReadOnly(true);
+    m_note->setFrameShape(QFrame::StyledPanel);
+    m_note->setFrameShadow(QFrame::Sunken);
+    m_note->setWordWrap(true);
+    m_note->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    m_note->setMinimumHeight(3 * m_note->fontMetrics().height());
+    m_note->setTextFormat(Qt::PlainText);
     campi->setColumnStretch(1, 1);
     campi->setRowStretch(2, 1);
     auto *dentro = new QHBoxLayout(m_box);
@@ -103,7 +109,7 @@ void PaginaSoftware::carica()
     QList<QWidget *> ordine{m_lista};
     if (cartella())
         ordine << cartella()->campo() << cartella()->sfoglia();
-    ordine << comando() << esci() << m_versione << m_note;
+    ordine << comando() << esci() << m_versione;
     for (int i = 1; i < ordine.size(); ++i)
         setTabOrder(ordine.at(i - 1), ordine.at(i));
 
@@ -143,7 +149,6 @@ void PaginaSoftware::voceCorrente()
     const QListWidgetItem *voce = m_lista->currentItem();
     m_versione->setText(voce ? voce->data(RuoloVersione).toString() : QString());
     m_note->setText(voce ? voce->data(RuoloNota).toString() : QString());
-    m_note->setCursorPosition(0);
 }
 
 QStringList PaginaSoftware::nomi(bool soloScelti) const

@@ -38,7 +38,7 @@ public:
 
     QListWidget *LSoftware() const { return m_lista; }
     QLineEdit *Versione() const { return m_versione; }
-    QLineEdit *Note() const { return m_note; }
+    QLabel *Note() const { return m_note; }
 
     // CreaAgg, RipristinaAgg or Cancella.
     void Comando() override;
@@ -60,7 +60,8 @@ private:
     QListWidget *m_lista;
     std::array<QLabel *, 2> m_etichette{};
     QLineEdit *m_versione;
-    QLineEdit *m_note;
+    // A release's note may be long: it wraps rather than being cut at the field's edge.
+    QLabel *m_note;
     QString m_sorgente; // the medium listed (RipriDiscoSW)
 };
 

@@ -17,7 +17,9 @@
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QScreen>
+#include <QStyle>
 #include <QThread>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -36,6 +38,34 @@ namespace {
 // How often a closed page is looked at again while a nested event loop keeps it alive.
 constexpr int IntervalloEliminazione = 50;
 
+// A label of the strip: one line whatever its text, cut with an ellipsis where the strip
+// ends; the whole text stays in text() and in the tooltip.
+class EtichettaStriscia : public QLabel
+{
+public:
+    using QLabel::QLabel;
+
+    QSize sizeHint() const override { return {0, unaRiga()}; }
+    QSize minimumSizeHint() const override { return {0, unaRiga()}; }
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QPainter p(this);
+        const QRect r = contentsRect();
+        const QString riga = QString(text()).replace(u'\n', u' ');
+        style()->drawItemText(&p, r, static_cast<int>(alignment()), palette(), isEnabled(),
+                              fontMetrics().elidedText(riga, Qt::ElideRight, r.width()), foregroundRole());
+    }
+
+private:
+    int unaRiga() const
+    {
+        const QMargins m = contentsMargins();
+        return fontMetrics().height() + m.top() + m.bottom() + 2 * margin();
+    }
+};
+
 } // namespace
 
 Korvantine::Korvantine(Programma &programma, QWidget *parent)
@@ -43,8 +73,8 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     , m_programma(programma)
     , m_area(new QWidget(this))
     , m_segnalazione(new QLabel(this))
-    , m_segnalazione1(new QLabel(this))
-    , m_statoCollegamento(new QLabel(this))
+    , m_segnalazione1(new EtichettaStriscia(this))
+    , m_statoCollegamento(new EtichettaStriscia(this))
     , m_timerEliminazione(new QTimer(this))
 {
     setObjectName(QStringLiteral("Korvantine"));
@@ -61,8 +91,6 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     box->setFrameShadow(QFrame::Sunken);
     m_segnalazione1->setObjectName(QStringLiteral("Segnalazione1"));
     m_statoCollegamento->setObjectName(QStringLiteral("StatoCollegamento"));
-    // What is wrong with the line is said in full, on a second line if it must.
-    m_statoCollegamento->setWordWrap(true);
     m_segnalazione->setObjectName(QStringLiteral("Segnalazione"));
     m_segnalazione->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_segnalazione->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -77,6 +105,7 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     strip->addWidget(m_statoCollegamento, 4);
     strip->addWidget(m_segnalazione1, 2);
     strip->addWidget(m_segnalazione, 2);
+    ripartisciStriscia();
 
     auto *colonna = new QVBoxLayout(this);
     colonna->setContentsMargins(0, 0, 0, 0);
@@ -105,9 +134,14 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     });
     connect(&p, &Programma::segnalazione, this, [this](const QString &hex) {
         m_segnalazione->setText(hex);
+        ripartisciStriscia();
         aggiornaStatoCollegamento();
     });
-    connect(&p, &Programma::segnalazione1, m_segnalazione1, &QLabel::setText);
+    connect(&p, &Programma::segnalazione1, this, [this](const QString &testo) {
+        m_segnalazione1->setText(testo);
+        m_segnalazione1->setToolTip(testo);
+        ripartisciStriscia();
+    });
     connect(&p.sorveglianza, &SorveglianzaLinea::statoCambiato, this, &Korvantine::aggiornaStatoCollegamento);
     connect(&p.motore, &MotoreDialogo::cursoreAttesa, this, &Korvantine::cursoreAttesa);
     connect(&p.identificazione, &Identificazione::aggiornaMenu, this, &Korvantine::AggiornaMenu);
@@ -451,6 +485,17 @@ void Korvantine::aggiornaStatoCollegamento()
         m_statoCollegamento->setText(testo);
         m_statoCollegamento->setToolTip(testo);
     }
+}
+
+void Korvantine::ripartisciStriscia()
+{
+    // An empty label leaves its share to the state of the line, which then reads in full
+    // (a mute port comes with no payload and no message).
+    auto *strip = qobject_cast<QBoxLayout *>(m_statoCollegamento->parentWidget()->layout());
+    if (!strip)
+        return;
+    strip->setStretchFactor(m_segnalazione1, m_segnalazione1->text().isEmpty() ? 0 : 2);
+    strip->setStretchFactor(m_segnalazione, m_segnalazione->text().isEmpty() ? 0 : 2);
 }
 
 void Korvantine::abilitaArea(bool abilitata)

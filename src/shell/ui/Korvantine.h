@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <map>
+#include <utility>
 #include <vector>
 
 class QDialog;
@@ -69,6 +70,10 @@ public:
     IdPagina idPaginaSopra() const { return m_idSopra; }
     // The menu when it is the page inside the frame.
     MainLambda *menu() const;
+    // The last option chosen on the menu, and the function it was in: the menu that comes
+    // back after the page puts the keyboard there again.
+    void ricordaVoce(int funzione, int opzione) { m_voceScelta = {funzione, opzione}; }
+    std::pair<int, int> voceScelta() const { return m_voceScelta; }
 
     // ---- messages
     // The common message box over the active page; returns the code of the key.
@@ -131,6 +136,7 @@ private:
     void eliminaPiuTardi(QWidget *pagina);
     void eliminaSospese();
     void cursoreAttesa(bool attesa);
+    void ripartisciStriscia();
     void riprendiTastiera(QWidget *finestra);
     void mostraAvvisi();
     int mostraMsg(const QString &testo, int flags, const QString &titolo, int predefinito,
@@ -152,6 +158,7 @@ private:
     IdPagina m_idSopra = IdPagina::Nessuna;
     // Where the focus was when identification took the pages' area away.
     QPointer<QWidget> m_fuocoArea;
+    std::pair<int, int> m_voceScelta{-1, -1};
 
     int m_profonditaModale = 0;
     std::vector<QPointer<QWidget>> m_daEliminare;

@@ -63,6 +63,7 @@ VoceOpzione::VoceOpzione(int indice, QWidget *parent) : QAbstractButton(parent),
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);
     setAttribute(Qt::WA_Hover);
+    setMouseTracking(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
@@ -104,10 +105,11 @@ void VoceOpzione::paintEvent(QPaintEvent *)
                QStringLiteral("\u21E7F%1").arg(m_indice + 1));
 }
 
-void VoceOpzione::enterEvent(QEnterEvent *)
+void VoceOpzione::mouseMoveEvent(QMouseEvent *evento)
 {
-    if (isEnabled())
+    if (isEnabled() && !hasFocus())
         setFocus(Qt::MouseFocusReason);
+    QAbstractButton::mouseMoveEvent(evento);
 }
 
 void VoceOpzione::keyPressEvent(QKeyEvent *evento)
@@ -250,6 +252,23 @@ void MainLambda::ScegliFunzione(int indice)
 
 void MainLambda::daiFuoco()
 {
+    // Back from a page, the keys are where the fitter left them: on the entry chosen last,
+    // or on its function when that entry is gone.
+    const int scelta = static_cast<int>(m_frame.programma().stato.FunzioneScelta);
+    if (scelta >= 0 && scelta < Menu::NumeroFunzioni) {
+        const auto [funzioneVoce, indice] = m_frame.voceScelta();
+        if (funzioneVoce == scelta && indice >= 0 && indice < Menu::NumeroOpzioni && !m_boxMenu->isHidden()) {
+            VoceOpzione *voce = opzione(indice);
+            if (!voce->isHidden() && voce->isEnabled()) {
+                voce->setFocus(Qt::OtherFocusReason);
+                return;
+            }
+        }
+        if (funzione(scelta)->isEnabled()) {
+            funzione(scelta)->setFocus(Qt::OtherFocusReason);
+            return;
+        }
+    }
     for (QPushButton *tasto : m_funzione) {
         if (tasto->isEnabled()) {
             tasto->setFocus(Qt::OtherFocusReason);
@@ -268,6 +287,7 @@ void MainLambda::cliccaOpzione(int indice)
     const Menu::Voce voce = m_voci[static_cast<size_t>(indice)];
     if (!voce.abilitata)
         return;
+    m_frame.ricordaVoce(static_cast<int>(m_frame.programma().stato.FunzioneScelta), indice);
     QScopedValueRollback inApertura(m_inApertura, true);
     // A page comes with its own unit, which puts it in the frame's registry; an entry whose
     // unit is not in this build says so rather than doing nothing.

@@ -18,7 +18,8 @@ class Korvantine;
 class Logo;
 
 // One entry of the option box: it takes the focus when the mouse passes over it, and the
-// entry with the focus is the one in red.
+// entry with the focus is the one in red. Only a mouse that moves counts: an entry that
+// comes up under a pointer left still must not take the keys from where the fitter is.
 class VoceOpzione : public QAbstractButton
 {
     Q_OBJECT
@@ -33,7 +34,7 @@ public:
 
 protected:
     void paintEvent(QPaintEvent *) override;
-    void enterEvent(QEnterEvent *) override;
+    void mouseMoveEvent(QMouseEvent *evento) override;
     void keyPressEvent(QKeyEvent *evento) override;
 
 private:

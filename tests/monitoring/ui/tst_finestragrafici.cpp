@@ -120,6 +120,33 @@ private slots:
         QCOMPARE(p->stato.RegistrazioneAttiva, qint16(0));
     }
 
+    // The working zones are the longest texts a row shows.
+    void everyZoneReadsWholeInItsRow_data()
+    {
+        QTest::addColumn<QString>("lingua");
+        QTest::newRow("English") << "ENGLISH";
+        QTest::newRow("Italian") << "ITALIANO";
+    }
+
+    void everyZoneReadsWholeInItsRow()
+    {
+        QFETCH(QString, lingua);
+        apri();
+        Lingua distribuita(QStringLiteral(KV_SOURCE_DIR "/lang"));
+        distribuita.LinguaCorrente = lingua;
+        RigaDatoGrafico *riga = g->riga(0);
+        for (const char *zona : {"ZONA.1", "ZONA.2", "ZONA.3", "ZONA.4", "ZONA.5", "ZONA.99"}) {
+            const QString t = distribuita.LeggiTesto("ZONE", zona);
+            QVERIFY(!t.isEmpty());
+            riga->impostaValore(t);
+            const RigaDatoGrafico::DisposizioneValore d = riga->disposizioneValore();
+            QCOMPARE(d.testo, t);
+            QVERIFY(riga->rect().contains(d.riquadro));
+            QVERIFY2(d.riquadro.contains(QFontMetrics(d.font).boundingRect(d.riquadro, d.allineamento, t)),
+                     qPrintable(t));
+        }
+    }
+
     void aWriteFailureIsToldAndStopsTheRecording()
     {
         const QString file = cartella.filePath("DATI/A/B/GIRO.ACQ");

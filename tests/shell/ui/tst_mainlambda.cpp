@@ -211,6 +211,14 @@ private slots:
         QVERIFY(nuovo);
         QCOMPARE(a.stato().FunzioneScelta, Funzione::MessaPunto);
         QVERIFY(boxVisibile(nuovo));
+        // The keys are back on the entry that opened the page; an entry that merely comes up
+        // under the pointer does not take them, one the mouse moves over does.
+        QCOMPARE(QApplication::focusWidget(), nuovo->opzione(0));
+        QEnterEvent sotto(QPointF(2, 2), QPointF(2, 2), QPointF(2, 2));
+        QApplication::sendEvent(nuovo->opzione(3), &sotto);
+        QCOMPARE(QApplication::focusWidget(), nuovo->opzione(0));
+        QTest::mouseMove(nuovo->opzione(2));
+        QCOMPARE(QApplication::focusWidget(), nuovo->opzione(2));
         QCOMPARE(a.frame->windowTitle(), a.testo("KORVANTINE", "CAPTION"));
         QTRY_COMPARE(vive, 0);
         a.frame->ChiudiPagina(nuovo); // closing the menu does nothing
