@@ -78,9 +78,21 @@ TelaioMessaPunto::TelaioMessaPunto(Programma &programma, const DescrizionePagina
     m_zonaLavoro->setAlignment(Qt::AlignCenter);
     QFont f = m_zonaLavoro->font();
     f.setBold(true);
-    f.setPointSizeF(f.pointSizeF() * 1.3);
+    f.setPointSizeF(f.pointSizeF() * 1.15);
     m_zonaLavoro->setFont(f);
-    m_zonaLavoro->setMinimumHeight(m_zonaLavoro->fontMetrics().height() + 4);
+    // A long zone name ("Funzionamento normale") wraps inside the live panel's width rather
+    // than widening the column and cutting the page's own labels; two lines are kept for
+    // it, so the panel does not jump as the zone changes.
+    m_zonaLavoro->setWordWrap(true);
+    m_zonaLavoro->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    m_zonaLavoro->setFixedHeight(2 * m_zonaLavoro->fontMetrics().height() + 4);
+    int parolaPiuLunga = 0;
+    for (int z = 0; z <= 5; ++z) {
+        const QStringList parole = TestoZona(m_programma.lingua, z).split(u' ', Qt::SkipEmptyParts);
+        for (const QString &parola : parole)
+            parolaPiuLunga = std::max(parolaPiuLunga, m_zonaLavoro->fontMetrics().horizontalAdvance(parola));
+    }
+    m_zonaLavoro->setMinimumWidth(parolaPiuLunga + 8);
     zona->addWidget(m_zonaLavoro);
     destra->addWidget(m_boxZona);
     destra->addStretch(1);
@@ -273,6 +285,10 @@ TelaioMessaPunto::Riga &TelaioMessaPunto::nuovaRiga(QGroupBox *box, QGridLayout 
             r.lista->addItem(voce);
         }
         r.lista->setCurrentIndex(-1);
+        // On a narrow page the list gives way before the captions do: its open list still
+        // shows every option whole, a cut caption says nothing.
+        r.lista->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        r.lista->setMinimumContentsLength(12);
         griglia->addWidget(r.lista, riga, 2, 1, 3);
     }
     m_righe.push_back(r);

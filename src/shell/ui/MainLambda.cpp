@@ -159,7 +159,10 @@ MainLambda::MainLambda(Korvantine &frame, QWidget *parent)
         tasto->setToolTip(QStringLiteral("F%1").arg(i + 1));
         tasto->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
         tasto->setMinimumHeight(fontMetrics().height() * 3);
-        connect(tasto, &QPushButton::clicked, this, [this, i] { ScegliFunzione(i); });
+        connect(tasto, &QPushButton::clicked, this, [this, i] {
+            ScegliFunzione(i);
+            fuocoSullaPrimaVoce();
+        });
         funzioni->addWidget(tasto, 1);
         m_funzione[static_cast<size_t>(i)] = tasto;
     }
@@ -276,6 +279,20 @@ void MainLambda::daiFuoco()
         }
     }
     m_uscita->setFocus(Qt::OtherFocusReason);
+}
+
+void MainLambda::fuocoSullaPrimaVoce()
+{
+    // A function chosen by its key or a click hands the keys to its box: Up, Down and Enter
+    // work there at once, and Enter cannot choose another function by mistake.
+    if (m_boxMenu->isHidden())
+        return;
+    for (VoceOpzione *voce : m_opzioni) {
+        if (!voce->isHidden() && voce->isEnabled()) {
+            voce->setFocus(Qt::OtherFocusReason);
+            return;
+        }
+    }
 }
 
 void MainLambda::cliccaOpzione(int indice)

@@ -62,6 +62,7 @@ protected:
 
 private:
     void cliccaOpzione(int indice);
+    void fuocoSullaPrimaVoce();
     void esc();
 
     Korvantine &m_frame;

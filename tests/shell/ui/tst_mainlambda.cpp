@@ -49,6 +49,7 @@ private slots:
         QTest::keyClick(m, Qt::Key_F3);
         QCOMPARE(a.stato().FunzioneScelta, Funzione::MessaPunto);
         QVERIFY(boxVisibile(m) && m->funzione(2)->isChecked());
+        QCOMPARE(QApplication::focusWidget(), m->opzione(0)); // the keys go into the box
         QCOMPARE(abilitate(m), QStringLiteral("11"));
         QCOMPARE(m->opzione(1)->text(), a.testo("MainLambda", "MESSAPUNTO0.1"));
         QTest::keyClick(m, Qt::Key_F5);
