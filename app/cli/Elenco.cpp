@@ -1,0 +1,32 @@
+#include "Comandi.h"
+
+namespace kv::cli {
+
+namespace {
+
+int versione(const QStringList &argomenti)
+{
+    QCommandLineParser p;
+    int uscita = Fatto;
+    if (!analizza(p, argomenti, QStringLiteral("Print the version of the command-line tool."), 0, 0, uscita))
+        return uscita;
+    if (p.isSet(QStringLiteral("json")))
+        out() << "{\"version\": \"" << KORVANTINE_VERSION << "\"}\n";
+    else
+        out() << KORVANTINE_VERSION << '\n';
+    return Fatto;
+}
+
+// One row a command; each lives in a file of its own.
+constexpr Comando tabella[] = {
+    {"version", "the version of this tool", versione},
+};
+
+} // namespace
+
+std::span<const Comando> comandi()
+{
+    return tabella;
+}
+
+} // namespace kv::cli
