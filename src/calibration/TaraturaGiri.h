@@ -62,6 +62,11 @@ public:
 protected:
     void caricaTesti() override;
     bool rispostaPropria(char lettera, int stato, const QByteArray &payload) override;
+    char rispostaAttesa(int stato) const override
+    {
+        return stato == StatoLettura || stato == StatoLetturaSingola ? 'r'
+                                                                     : LogicaTaratura::rispostaAttesa(stato);
+    }
     void fineComando(int stato) override;
 
 private:

@@ -58,7 +58,7 @@ const DescrizionePagina &DescrizioneParametri()
 TaraturaParametri::TaraturaParametri(SequenzaTaratura &sequenza, DialogoPagina &dialogo)
     : m_sequenza(sequenza)
     , m_dialogo(dialogo)
-    , m_inSequenza(sequenza.stato().TaraturaCompleta)
+    , m_inSequenza(sequenza.TaraturaCompleta())
 {}
 
 QString TaraturaParametri::titolo() const
@@ -68,7 +68,7 @@ QString TaraturaParametri::titolo() const
     if (!m_inSequenza)
         return l.LeggiTesto(sezione, QStringLiteral("CAPTION.0"));
     return SequenzaTaratura::ComponiPasso(l.LeggiTesto(sezione, QStringLiteral("CAPTION.1")),
-                                          int(m_sequenza.stato().TaraturaInCorso));
+                                          int(m_sequenza.TaraturaInCorso()));
 }
 
 void TaraturaParametri::EsciTar(bool validi)
@@ -88,7 +88,7 @@ void TaraturaParametri::EsciTar(bool validi)
     // Nothing on its way (the port is closed): nothing to wait for.
     if (m_salvataggio == Salvataggio::InCorso && m_sequenza.motore().StatoDialogo() != salvataggio)
         m_salvataggio = Salvataggio::Riuscito;
-    m_sequenza.stato().TaraturaCompleta = true;
+    m_sequenza.sequenzaConclusa();
     // The frames go on behind the box.
     const int risposta = m_sequenza.domanda(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_56"),
                                             SequenzaTaratura::FlagInformazione);

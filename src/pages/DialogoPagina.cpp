@@ -3,7 +3,7 @@
 
 #include "base/Lingua.h"
 #include "link/Frame.h"
-#include "link/StatoProgramma.h"
+#include "link/SessioneLinea.h"
 #include "pages/PannelloLive.h"
 #include "pages/VistaPagina.h"
 #include "variables/Catalogo.h"
@@ -31,13 +31,13 @@ bool TestoNumerico(const QString &testo)
     return numero.match(testo).hasMatch();
 }
 
-DialogoPagina::DialogoPagina(DescrizionePagina descrizione, Catalogo &catalogo, MotoreDialogo &motore,
-                             StatoProgramma &stato, const Lingua &lingua, VistaPagina &vista)
+DialogoPagina::DialogoPagina(DescrizionePagina descrizione, Catalogo &catalogo, SessioneLinea &linea,
+                             bool assistenza, const Lingua &lingua, VistaPagina &vista)
     : m_descrizione(std::move(descrizione))
-    , m_voci(m_descrizione.vociInUso(stato.ModoAssistenza))
+    , m_voci(m_descrizione.vociInUso(assistenza))
     , m_catalogo(catalogo)
-    , m_motore(motore)
-    , m_stato(stato)
+    , m_motore(linea.motore())
+    , m_linea(linea)
     , m_lingua(lingua)
     , m_vista(vista)
 {
@@ -245,7 +245,8 @@ void DialogoPagina::erroreEcu(int stato, const QByteArray &payload)
 void DialogoPagina::rispostaLettura(const QByteArray &payload)
 {
     if (m_descrizione.zonaLavoro)
-        m_vista.mostraZonaLavoro(TestoZona(m_lingua, m_stato.DatiAttuali[0].Valore[Canale::MZonAct]));
+        m_vista.mostraZonaLavoro(
+            TestoZona(m_lingua, m_linea.datiLive().ultimoRecord().Valore[Canale::MZonAct]));
     const int passo = m_motore.PassoDialogo();
     const auto &piano = m_descrizione.piano;
     if (passo >= 0 && passo < static_cast<int>(piano.size())) {
@@ -283,7 +284,7 @@ void DialogoPagina::gestisciRiga(const RigaLettura &riga, const QByteArray &payl
         aggiornaLimiti(p, v, Occasione::Lettura);
         if (m_descrizione.tps()) {
             const bool presente = TpsPresenteDa(m_catalogo.Valori[Par::TpsTaratoMassimo].Letto, v);
-            m_stato.TpsPresente = presente;
+            m_linea.tpsRiletto(presente);
             if (!presente)
                 m_vista.nascondiRigheTps();
         }

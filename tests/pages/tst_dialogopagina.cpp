@@ -2,6 +2,7 @@
 // opening reads of every plan, conversions, cross limits, TPS presence and lock, saves in
 // every page's order, refusals by the ECU and time-outs. Time-outs fire by hand.
 
+#include "support/FrameDiProva.h"
 #include "support/ProgrammaSimulato.h"
 
 #include "link/Frame.h"
@@ -68,7 +69,8 @@ class TstDialogoPagina : public QObject, ProgrammaSimulato
 
     void crea(const DescrizionePagina &d)
     {
-        dialogo = std::make_unique<DialogoPagina>(d, p->catalogo, p->motore, p->stato, p->lingua, vista);
+        dialogo = std::make_unique<DialogoPagina>(d, p->catalogo, p->linea, p->menu.ModoAssistenza(),
+                                                  p->lingua, vista);
     }
 
     bool apri(const DescrizionePagina &d)
@@ -100,7 +102,7 @@ private slots:
 
     void idleReadFillsValuesLimitsAndTheZoneLine()
     {
-        p->stato.DatiAttuali[0].Valore[Canale::MZonAct] = 3;
+        p->linea.datiLive().RispostaDati(datiLive(0, 800, 100, 500, 3));
         QVERIFY(apriMinimo());
         QCOMPARE(vista.valori.size(), 8);
         QCOMPARE(vista.valori.value(Par::SogliaLambdaRiccoMinimo), scala(700));
@@ -153,7 +155,7 @@ private slots:
             // point an earlier page read.
             const bool normale = id == IdPagina::MP_Normale;
             const bool atteso = presente || normale;
-            QVERIFY2(p->stato.TpsPresente == atteso, qPrintable(descrizione(id).sezione));
+            QVERIFY2(p->linea.ecu().TpsPresente == atteso, qPrintable(descrizione(id).sezione));
             QCOMPARE(vista.righeTpsNascoste, !atteso);
             QCOMPARE(val(Par::TpsTaratoMassimo).Letto, normale ? 77.0 : scala(massimo));
             // The low point, read last on every page, is the idle exit's floor.
@@ -234,7 +236,7 @@ private slots:
         QVERIFY(porta->scritti.isEmpty());
         QCOMPARE(val(Par::SogliaGiriEntrataMinimo).Letto, -1.0);
         QCOMPARE(vista.disabilitazioni, 0);
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
     }
 
     void workZonePartnersFollowPastTheirLimits_data()
@@ -297,7 +299,7 @@ private slots:
         dialogo->RispostaEsci(2); // cancel: the page stays and nothing is sent
         QVERIFY(porta->scritti.isEmpty());
         QCOMPARE(vista.chiusure, 1);
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
     }
 
     void periodFieldCountsAsAChangeAndZeroFails()
@@ -385,7 +387,7 @@ private slots:
         crea(descrizione(IdPagina::MP_Minimo));
         QVERIFY(dialogo->avviaLettura());
         emit porta->arrivati(CreaFrame(QByteArray("e\x03", 2), 0));
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         QVERIFY(vista.emergenza);
         QVERIFY(vista.abilitata);
         QVERIFY(vista.segnalazioni.last().startsWith("03H "));
@@ -421,10 +423,10 @@ private slots:
             else
                 dialogo->RispostaEsci(DialogoPagina::RispostaSi);
         }
-        QCOMPARE(p->motore.StatoDialogo(), qint16(stato));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(stato));
         QVERIFY(!vista.abilitata);
         QVERIFY(req->scatta());
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         QVERIFY(vista.abilitata);
         QCOMPARE(vista.segnalazioni.last(), testo("SEGNALAZIONI", chiave));
         QCOMPARE(vista.emergenza, emergenza);
@@ -449,7 +451,7 @@ private slots:
         crea(d);
         QVERIFY(dialogo->avviaLettura());
         QVERIFY(req->scatta());
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         QVERIFY(!vista.abilitata && !vista.emergenza);
         QCOMPARE(vista.segnalazioni.size(), 1); // "reading", and nothing after
     }

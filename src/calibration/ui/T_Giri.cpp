@@ -185,7 +185,7 @@ T_Giri::T_Giri(SequenzaTaratura &sequenza, bool singola, QWidget *parent)
     auto *paginaSu = new QShortcut(QKeySequence(Qt::Key_PageUp), this);
     paginaSu->setContext(Qt::WindowShortcut);
     connect(paginaSu, &QShortcut::activated, this, [this] {
-        if (m_avanti->isEnabled() && m_avanti->isVisible() && m_sequenza.stato().TaraturaCompleta)
+        if (m_avanti->isEnabled() && m_avanti->isVisible() && m_sequenza.TaraturaCompleta())
             m_avanti->click();
     });
 }

@@ -38,7 +38,7 @@ void MP_PienoCarico::nascondiRigheTps()
 void MP_PienoCarico::Liste_Click()
 {
     const auto aspetto = AspettoPerListe(lista(RigaTipoPC)->currentIndex(), lista(RigaPcConf)->currentIndex(),
-                                         programma().stato.TpsPresente);
+                                         programma().linea.ecu().TpsPresente);
     if (!aspetto)
         return;
     for (int riga : {2, 3})

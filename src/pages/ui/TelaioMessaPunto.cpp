@@ -40,9 +40,9 @@ TelaioMessaPunto::TelaioMessaPunto(Programma &programma, const DescrizionePagina
     , m_sezione(descrizione.sezione)
     , m_righeTps(descrizione.righeTps)
 {
-    m_dialogo =
-        std::make_unique<DialogoPagina>(descrizione, programma.catalogo, programma.motore, programma.stato,
-                                        programma.lingua, static_cast<VistaPagina &>(*this));
+    m_dialogo = std::make_unique<DialogoPagina>(descrizione, programma.catalogo, programma.linea,
+                                                programma.menu.ModoAssistenza(), programma.lingua,
+                                                static_cast<VistaPagina &>(*this));
     setObjectName(m_sezione);
 
     auto *principale = new QVBoxLayout(this);
@@ -130,7 +130,7 @@ TelaioMessaPunto::~TelaioMessaPunto()
     for (GrigliaMessaPunto *g : m_griglie)
         g->setModel(nullptr);
     if (m_ascolta)
-        m_programma.datiLive.rimuoviAscoltatore(this);
+        m_programma.linea.datiLive().rimuoviAscoltatore(this);
 }
 
 void TelaioMessaPunto::costruisciComandi()
@@ -221,7 +221,7 @@ void TelaioMessaPunto::costruisciBox(const BoxParametri &descrizione, QGridLayou
     // Label, colon, field, unit and range close together; the spare width goes after them.
     griglia->setColumnStretch(5, 1);
     // The service entries of a page in normal mode: read, and nothing more.
-    const bool inUso = !descrizione.soloAssistenza || m_programma.stato.ModoAssistenza;
+    const bool inUso = !descrizione.soloAssistenza || m_programma.menu.ModoAssistenza();
     box->setVisible(inUso);
     box->setEnabled(inUso);
     for (const RigaPagina &r : descrizione.righe)
@@ -427,14 +427,14 @@ void TelaioMessaPunto::carica()
 {
     caricaTesti();
     // The main frame's message line, until a save is acknowledged.
-    m_programma.impostaSegnalazione1(m_programma.lingua.LeggiTesto("TASTI", "ESCI"));
+    emit segnalazione1(m_programma.lingua.LeggiTesto("TASTI", "ESCI"));
     // Without a line there is nothing to edit: only Esci stays useful.
-    const bool aperta = m_programma.motore.PortOpen();
+    const bool aperta = m_programma.linea.motore().PortOpen();
     for (const Box &b : m_box)
         b.widget->setVisible(aperta && b.widget->isEnabled());
     for (GrigliaMessaPunto *g : m_griglie)
         g->setVisible(aperta);
-    m_programma.datiLive.aggiungiAscoltatore(this);
+    m_programma.linea.datiLive().aggiungiAscoltatore(this);
     m_ascolta = true;
 
     // Rows first, top to bottom, then the grids, then the commands; the fitter starts on

@@ -83,6 +83,8 @@ public:
 signals:
     // The page has ended (Esci, Esci_Out, or the last reply of a save on leaving).
     void chiusa();
+    // For the main frame's message line.
+    void segnalazione1(const QString &testo);
 
 protected:
     // A grid of the page, placed by the page itself; the frame fills it, checks it with the

@@ -131,7 +131,7 @@ private slots:
         QFETCH(int, letture);
         QFETCH(int, soloRam);
         QFETCH(int, conEeprom);
-        p->stato.ModoAssistenza = assistenza;
+        p->menu.impostaAssistenza(assistenza);
         const DescrizionePagina &d = *DescrizioneDi(id);
         apri(id);
         QCOMPARE(porta->scritti.size(), letture);
@@ -261,11 +261,12 @@ private slots:
     {
         apri(IdPagina::MP_Normale);
         ModelloGriglia *m = static_cast<MP_Normale *>(pagina.get())->MappaLambda()->modello();
+        QSignalSpy nuovi(&p->linea.datiLive(), &DatiLive::nuovoRecord);
         for (int i = 0; i < 3; ++i) {
+            nuovi.clear();
             ecu->avanzaTempo(3000);
-            QTRY_VERIFY(p->stato.DatoNuovo);
-            p->stato.DatoNuovo = false;
-            const RecordDati &r = p->stato.DatiAttuali[0];
+            QTRY_VERIFY(!nuovi.isEmpty());
+            const RecordDati &r = p->linea.datiLive().ultimoRecord();
             const auto banda = [this](double x, int primo, int punti) {
                 int b = 0;
                 while (b < punti && x > p->catalogo.Valori[static_cast<size_t>(primo + b)].Corrente)
@@ -293,15 +294,17 @@ private slots:
     void everyTuningEntryOfTheMenuOpensItsPage()
     {
         QFETCH(bool, assistenza);
-        p->stato.ModoAssistenza = assistenza;
-        p->stato.EcuNormale = true;
-        p->stato.EcuInMarcia = true;
-        p->stato.TpsPresente = true;
+        p->menu.impostaAssistenza(assistenza);
+        p->linea.ecuDiProva().EcuNormale = true;
+        p->linea.ecuDiProva().EcuInMarcia = true;
+        p->linea.ecuDiProva().TpsPresente = true;
         Korvantine finestra(*p);
         RegistraPagineMessaPunto(finestra);
         finestra.avvia();
         QApplication::setActiveWindow(&finestra);
-        const std::vector<Menu::Voce> voci = Menu::Opzioni(2, p->stato, p->lingua);
+        const std::vector<Menu::Voce> voci =
+            Menu::Opzioni(2, p->linea.ecu(), p->menu.ModoAssistenza(),
+                          [this](const QString &k) { return p->lingua.LeggiTesto("MainLambda", k); });
         int aperte = 0;
         for (int i = 0; i < Menu::NumeroOpzioni; ++i) {
             const Menu::Voce &v = voci[static_cast<size_t>(i)];

@@ -313,7 +313,7 @@ private slots:
         apri();
         ecu->avanzaTempo(40);
         QTRY_VERIFY(!etichetta("Dato_0")->text().isEmpty());
-        const RecordDati &r = p->stato.DatiAttuali[0];
+        const RecordDati &r = p->linea.datiLive().ultimoRecord();
         // Panel row by row: RPM, lambda, TPS, stepper.
         const int canali[] = {Canale::Giri, Canale::Lambda, Canale::Tps, Canale::ActPos};
         for (int i = 0; i < 4; ++i)
