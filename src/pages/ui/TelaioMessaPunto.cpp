@@ -15,6 +15,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QHideEvent>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
@@ -30,6 +31,9 @@ QString numero(int n)
 {
     return FormattaNumero(n, QStringLiteral("#0"));
 }
+
+// Yes and No with the question icon.
+constexpr int DomandaSiNo = 0x24;
 
 } // namespace
 
@@ -285,10 +289,8 @@ TelaioMessaPunto::Riga &TelaioMessaPunto::nuovaRiga(QGroupBox *box, QGridLayout 
             r.lista->addItem(voce);
         }
         r.lista->setCurrentIndex(-1);
-        // On a narrow page the list gives way before the captions do: its open list still
-        // shows every option whole, a cut caption says nothing.
-        r.lista->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        r.lista->setMinimumContentsLength(12);
+        // As wide as its longest item: a choice cut short says nothing.
+        r.lista->setSizeAdjustPolicy(QComboBox::AdjustToContents);
         griglia->addWidget(r.lista, riga, 2, 1, 3);
     }
     m_righe.push_back(r);
@@ -497,6 +499,20 @@ void TelaioMessaPunto::nascondiRigheTps()
         mostraRiga(indice, false);
 }
 
+void TelaioMessaPunto::mostraRigheTps()
+{
+    for (int indice : m_righeTps)
+        mostraRiga(indice, true);
+}
+
+void TelaioMessaPunto::hideEvent(QHideEvent *evento)
+{
+    QWidget::hideEvent(evento);
+    // The strip's word for this page goes with it.
+    if (!evento->spontaneous())
+        m_programma.impostaSegnalazione1({});
+}
+
 void TelaioMessaPunto::bloccaCampoTps(int parametro)
 {
     if (Riga *r = rigaParametro(parametro); r && r->campo)
@@ -628,6 +644,57 @@ bool TelaioMessaPunto::ControlloValori()
     return validi;
 }
 
+QString TelaioMessaPunto::primoRespinto(bool modificati, QWidget **dove)
+{
+    confermaGriglie();
+    for (Riga &r : m_righe) {
+        if (!r.campo || !r.inUso)
+            continue;
+        if (modificati && !r.campo->cambiato())
+            continue;
+        const QString motivo = m_dialogo->motivoRespinto(r.parametro, r.etichetta->text(), r.campo->text());
+        if (motivo.isEmpty())
+            continue;
+        r.campo->segnaErrato(true);
+        if (dove)
+            *dove = r.campo;
+        return motivo;
+    }
+    for (GrigliaMessaPunto *g : m_griglie) {
+        ModelloGriglia *m = g->modello();
+        const QModelIndex cella = modificati ? m->respinta() : m->controlla();
+        if (!cella.isValid())
+            continue;
+        if (g->isVisible())
+            g->setCurrentIndex(cella);
+        if (dove)
+            *dove = g;
+        const int p = cella.data(ModelloGriglia::RuoloParametro).toInt();
+        return m_dialogo->motivoRespinto(p, m_programma.lingua.LeggiTesto("MESSAPUNTO", "CELLA"),
+                                         m->testoDi(p));
+    }
+    return {};
+}
+
+bool TelaioMessaPunto::lasciaRespinti()
+{
+    QWidget *dove = nullptr;
+    const QString motivo = primoRespinto(true, &dove);
+    if (motivo.isEmpty())
+        return true;
+    if (dove && dove->isVisible())
+        dove->setFocus(Qt::OtherFocusReason);
+    const Lingua &l = m_programma.lingua;
+    QPointer<TelaioMessaPunto> pagina(this);
+    const int risposta = m_domanda(motivo + QLatin1Char(' ') + l.LeggiTesto("MESSAPUNTO", "NON_INVIATO"),
+                                   DomandaSiNo, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
+    if (!pagina || risposta != DialogoPagina::RispostaSi)
+        return false;
+    for (GrigliaMessaPunto *g : m_griglie)
+        g->modello()->scartaRespinte();
+    return true;
+}
+
 bool TelaioMessaPunto::prendiValori()
 {
     if (!ControlloValori())
@@ -665,6 +732,8 @@ void TelaioMessaPunto::Ripristina()
 void TelaioMessaPunto::Esci()
 {
     confermaGriglie();
+    if (!lasciaRespinti())
+        return;
     QPointer<TelaioMessaPunto> pagina(this);
     if (!m_dialogo->Esci())
         return;

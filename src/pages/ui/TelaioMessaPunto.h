@@ -66,6 +66,11 @@ public:
     // Corrente, as Applica takes them.
     bool prendiValori();
 
+    // Why the first field or grid cell that fails its limits may not be sent, named by its
+    // caption, and that field or grid; empty when every one may. modificati: only those the
+    // fitter has changed from what the page showed.
+    QString primoRespinto(bool modificati, QWidget **dove = nullptr);
+
     // Mask of field i (FormatoMinimo and its kin): the Formato of its entry, empty for an
     // index the page does not have.
     QString formato(int indice) const;
@@ -113,10 +118,13 @@ protected:
     // The page's own captions, after those of the frame.
     virtual void caricaTestiAltrove();
 
+    void hideEvent(QHideEvent *evento) override;
+
     // VistaPagina
     void mostraValore(int parametro, double valore) override;
     void mostraSuggerimento(int parametro, const QString &testo) override;
     void nascondiRigheTps() override;
+    void mostraRigheTps() override;
     void bloccaCampoTps(int parametro) override;
     void mostraSegnalazione(const QString &testo) override;
     void mostraZonaLavoro(const QString &testo) override;
@@ -160,6 +168,9 @@ private:
     void costruisciPannelloLive();
     void caricaTesti();
     void confermaGriglie();
+    // Esc with a value that may not be sent: the fitter is told which and why, and stays to
+    // mend it unless he leaves without it. False when he stays.
+    bool lasciaRespinti();
 
     Programma &m_programma;
     QString m_sezione;

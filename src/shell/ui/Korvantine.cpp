@@ -153,10 +153,17 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     });
     connect(&p.datiLive, &DatiLive::inMarciaCambiata, this, &Korvantine::AggiornaMenu);
     connect(&p.datiLive, &DatiLive::ecuPersa, this, [this] {
+        // A page of values that the silence closes is named, with what it could not send.
+        const QPointer<QWidget> pagina = m_pagina;
+        const bool conValori = PaginaMessaPunto(m_idPagina) || m_idPagina == IdPagina::T_Parametri;
+        const QString titolo = pagina ? pagina->windowTitle() : QString();
         if (m_programma.stato.TaraturaInCorso != FaseTaratura::Nessuna)
             ChiudiPagineTaratura();
         else
             RitornoMenu();
+        if (conValori && pagina && !paginaAperta(pagina))
+            m_programma.impostaSegnalazione1(m_programma.lingua.LeggiTesto("MESSAPUNTO", "LINEA_PERSA")
+                                                 .replace(QLatin1String("XXX"), titolo));
         aggiornaStatoCollegamento();
     });
 #ifndef QT_NO_SESSIONMANAGER

@@ -159,6 +159,28 @@ private slots:
         QCOMPARE(c->text(), QString("-")); // not a number: left as typed
     }
 
+    void theFirstDigitReplacesTheField_data()
+    {
+        QTest::addColumn<int>("come"); // how the field takes the focus
+        QTest::newRow("the page opens on it") << int(Qt::OtherFocusReason);
+        QTest::newRow("Tab") << int(Qt::TabFocusReason);
+        QTest::newRow("a click") << int(Qt::MouseFocusReason);
+    }
+
+    void theFirstDigitReplacesTheField()
+    {
+        QFETCH(int, come);
+        apri();
+        CampoDato *c = come == Qt::OtherFocusReason ? dato(0) : dato(1);
+        if (come == Qt::MouseFocusReason)
+            QTest::mouseClick(c, Qt::LeftButton);
+        else if (come == Qt::TabFocusReason)
+            entra(c);
+        QVERIFY(c->hasFocus());
+        QTest::keyClicks(c, "1100");
+        QCOMPARE(c->text(), QString("1100"));
+    }
+
     void badValuesTurnRedAndNeverLeaveThePage()
     {
         apri();
