@@ -152,6 +152,7 @@ void ModelloGriglia::mostraValore(int parametro)
         return;
     m_mostrati.insert(parametro);
     m_errati.erase(parametro);
+    m_modificati.erase(parametro);
     // The shading of every cell of its kind may move with it.
     emit dataChanged(index(0, 0), index(m_righe - 1, m_colonne - 1));
 }
@@ -196,6 +197,7 @@ ModelloGriglia::Esito ModelloGriglia::modifica(const QModelIndex &indice, const 
     m_dialogo.impostaCorrente(c.parametro, v);
     m_dialogo.valoreModificato(c.parametro, v);
     m_mostrati.insert(c.parametro);
+    m_modificati.insert(c.parametro);
     emit dataChanged(index(0, 0), index(m_righe - 1, m_colonne - 1));
 
     Esito esito;

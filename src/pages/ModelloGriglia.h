@@ -86,6 +86,9 @@ public:
     QModelIndex respinta() const;
     // Such cells back to the values read, shown so: the page is left without them.
     void scartaRespinte();
+    // Some cell edited since the values were last shown or taken by Applica.
+    bool cambiata() const { return !m_modificati.empty(); }
+    void presa() { m_modificati.clear(); }
 
     // The engine's speed and throttle now: the zone it runs in is marked. Never touches a
     // value or the selection.
@@ -123,6 +126,7 @@ private:
     std::vector<QRect> m_unioni;
     std::set<int> m_mostrati; // entries read at least once
     std::set<int> m_errati;
+    std::set<int> m_modificati;
     std::set<std::pair<int, int>> m_vive;
 };
 

@@ -29,8 +29,10 @@ public:
 
     // Text as the page shows a value: by the mask, blanks in front up to the maximum length.
     void mostra(double valore, const QString &maschera);
-    // The fitter has typed something other than what the page last showed.
+    // The fitter has typed something other than what the page last showed or took.
     bool cambiato() const { return text().trimmed() != m_mostrato.trimmed(); }
+    // Applica has taken what the field holds.
+    void preso() { m_mostrato = text(); }
     static QString testoCampo(double valore, const QString &maschera, int lunghezza);
 
 signals:

@@ -477,6 +477,8 @@ void TelaioMessaPunto::mostraValore(int parametro, double valore)
                 valore >= 0 && valore < r->lista->count() && valore == static_cast<int>(valore);
             r->lista->setCurrentIndex(valido ? static_cast<int>(valore) : -1);
         }
+        if (r->lista)
+            r->indiceMostrato = r->lista->currentIndex();
         return;
     }
     for (GrigliaMessaPunto *g : m_griglie)
@@ -676,6 +678,18 @@ QString TelaioMessaPunto::primoRespinto(bool modificati, QWidget **dove)
     return {};
 }
 
+bool TelaioMessaPunto::modificheNonApplicate() const
+{
+    for (const Riga &r : m_righe) {
+        if (r.inUso
+            && ((r.campo && r.campo->cambiato()) || (r.lista && r.lista->currentIndex() != r.indiceMostrato)))
+            return true;
+    }
+    return std::any_of(m_griglie.begin(), m_griglie.end(), [](const GrigliaMessaPunto *g) {
+        return g->inModifica() || g->modello()->cambiata();
+    });
+}
+
 bool TelaioMessaPunto::lasciaRespinti()
 {
     QWidget *dove = nullptr;
@@ -688,7 +702,8 @@ bool TelaioMessaPunto::lasciaRespinti()
     QPointer<TelaioMessaPunto> pagina(this);
     const int risposta = m_domanda(motivo + QLatin1Char(' ') + l.LeggiTesto("MESSAPUNTO", "NON_INVIATO"),
                                    DomandaSiNo, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
-    if (!pagina || risposta != DialogoPagina::RispostaSi)
+    // Only No leaves: the key at hand, and a box closed without one, keep the page.
+    if (!pagina || risposta != DialogoPagina::RispostaNo)
         return false;
     for (GrigliaMessaPunto *g : m_griglie)
         g->modello()->scartaRespinte();
@@ -699,14 +714,19 @@ bool TelaioMessaPunto::prendiValori()
 {
     if (!ControlloValori())
         return false;
-    for (const Riga &r : m_righe) {
+    for (Riga &r : m_righe) {
         if (!r.inUso)
             continue;
-        if (r.campo)
+        if (r.campo) {
             m_dialogo->impostaCorrente(r.parametro, ValNumero(r.campo->text()));
-        else if (r.lista)
+            r.campo->preso();
+        } else if (r.lista) {
             m_dialogo->impostaCorrente(r.parametro, r.lista->currentIndex());
+            r.indiceMostrato = r.lista->currentIndex();
+        }
     }
+    for (GrigliaMessaPunto *g : m_griglie)
+        g->modello()->presa();
     return true;
 }
 

@@ -39,6 +39,8 @@ class Programma;
 class TelaioMessaPunto : public QWidget, protected VistaPagina, protected AscoltatoreDati
 {
     Q_OBJECT
+    // What the main frame asks of a page it closes for the ECU's silence.
+    Q_PROPERTY(bool modificheNonApplicate READ modificheNonApplicate)
 public:
     // The question at Esci; returns the code of the key (6 Yes, 7 No, 2 Cancel, 99 none).
     using Domanda = std::function<int(const QString &testo, int flags, const QString &titolo)>;
@@ -70,6 +72,8 @@ public:
     // caption, and that field or grid; empty when every one may. modificati: only those the
     // fitter has changed from what the page showed.
     QString primoRespinto(bool modificati, QWidget **dove = nullptr);
+    // Something typed, chosen or edited on the page that Applica has not taken.
+    bool modificheNonApplicate() const;
 
     // Mask of field i (FormatoMinimo and its kin): the Formato of its entry, empty for an
     // index the page does not have.
@@ -146,6 +150,7 @@ private:
         QLabel *duePunti = nullptr;
         CampoDato *campo = nullptr;
         QComboBox *lista = nullptr;
+        int indiceMostrato = -1; // the list's item as last shown or taken
         bool binaria = false;
         QLabel *misura = nullptr;
         QLabel *intervallo = nullptr;

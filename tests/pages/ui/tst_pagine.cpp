@@ -250,20 +250,6 @@ private slots:
         QVERIFY(pagina->campo(2)->isVisible() && pagina->campo(3)->isVisible());
     }
 
-    void aPageTheSilenceClosesSaysWhatItDidNotSend()
-    {
-        Korvantine finestra(*p);
-        RegistraPagineMessaPunto(finestra);
-        finestra.avvia();
-        QVERIFY(frame()); // the stream is known: its watchdog runs
-        QVERIFY(finestra.apriPagina(IdPagina::MP_Minimo) && attendi());
-        const QString titolo = finestra.paginaAttiva()->windowTitle();
-        QVERIFY(static_cast<TemporizzatoreManuale &>(p->TimeOutDati).scatta());
-        QVERIFY(finestra.menu());
-        QCOMPARE(finestra.findChild<QLabel *>("Segnalazione1")->text(),
-                 testo("MESSAPUNTO", "LINEA_PERSA").replace("XXX", titolo));
-    }
-
     void thresholdsInForceHideTheMapYetSendIt()
     {
         voce(Par::TipoNOR, 1);

@@ -163,7 +163,6 @@ private slots:
     {
         QTest::addColumn<int>("come"); // how the field takes the focus
         QTest::newRow("the page opens on it") << int(Qt::OtherFocusReason);
-        QTest::newRow("Tab") << int(Qt::TabFocusReason);
         QTest::newRow("a click") << int(Qt::MouseFocusReason);
     }
 
@@ -174,8 +173,6 @@ private slots:
         CampoDato *c = come == Qt::OtherFocusReason ? dato(0) : dato(1);
         if (come == Qt::MouseFocusReason)
             QTest::mouseClick(c, Qt::LeftButton);
-        else if (come == Qt::TabFocusReason)
-            entra(c);
         QVERIFY(c->hasFocus());
         QTest::keyClicks(c, "1100");
         QCOMPARE(c->text(), QString("1100"));
@@ -345,6 +342,27 @@ private slots:
         QCOMPARE(
             etichetta("ZonaLavoro")->text(),
             p->lingua.LeggiTesto("ZONE", zona >= 1 && zona <= 5 ? QString("ZONA.%1").arg(zona) : "ZONA.99"));
+    }
+
+    void aPageTheSilenceClosesSaysWhatItDidNotApply()
+    {
+        Korvantine finestra(*p);
+        auto *minimo = apriDalMenu<MP_Minimo>(finestra, IdPagina::MP_Minimo);
+        QVERIFY(minimo && frame()); // the stream is known: its watchdog runs
+        const QString titolo = minimo->windowTitle();
+        minimo->DatoMinimo(0)->setText("1000"); // typed, not applied
+        QString detto;
+        QTimer::singleShot(50, this, [&detto] {
+            for (QWidget *w : QApplication::topLevelWidgets()) {
+                if (auto *box = qobject_cast<MsgBox1 *>(w); box && box->isVisible()) {
+                    detto = box->findChild<QLabel *>("Segnalazione")->text();
+                    box->tastiVisibili().at(0)->click();
+                }
+            }
+        });
+        QVERIFY(static_cast<TemporizzatoreManuale &>(p->TimeOutDati).scatta());
+        QVERIFY(finestra.menu());
+        QTRY_COMPARE(detto, p->lingua.LeggiTesto("MESSAPUNTO", "LINEA_PERSA").replace("XXX", titolo));
     }
 
     void closedPortShowsNoParametersAndEscLeaves()
