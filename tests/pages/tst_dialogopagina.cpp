@@ -452,11 +452,9 @@ private slots:
         voce(Par::TipoTps, 0xFF); // as the parameter page writes it
         QVERIFY(apri(descrizione(IdPagina::MP_TPS)));
         dialogo->impostaCorrente(Par::TipoTps, 1);
-        dialogo->impostaCorrente(Par::TpsAutoadattante, 0);
         dialogo->Applica();
         QVERIFY(attendi());
         QCOMPARE(ram(Par::TipoTps), 0x01);
-        QCOMPARE(ram(Par::TpsAutoadattante), 0x00);
     }
 
     void aPageSharingAnotherPagesGroupStaysSilent()
