@@ -209,8 +209,8 @@ void SequenzaTaratura::ingresso()
     m_telaio.abilitaFrame(true);
     if (std::exchange(m_uscita, false))
         return;
-    // From here TaraturaCompleta keeps the warnings of a leaving ECU away.
-    m_attesaIni = false;
+    // AttesaIniTaratura stays set from the warning page on, for the rest of the run: single
+    // calibrations after a sequence are not warned that the ECU left calibration.
     entraInSequenza(FaseTaratura::Giri);
     AvviaTaratura(FaseTaratura::Giri);
 }
@@ -247,8 +247,8 @@ void SequenzaTaratura::risposta(char lettera, int statoDialogo, const QByteArray
 void SequenzaTaratura::scadenza(int statoDialogo)
 {
     Q_UNUSED(statoDialogo);
-    // TaraturaInCorso stays at 1: the fitter starts again from the menu.
-    m_attesaIni = false;
+    // TaraturaInCorso stays at 1, and AttesaIniTaratura set: the fitter starts again from
+    // the menu.
     m_telaio.abilitaMenu(true);
     m_telaio.abilitaFrame(true);
 }
