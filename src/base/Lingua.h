@@ -27,6 +27,7 @@ public:
     // name. A key the fitter has emptied stays empty (that is how an entry is hidden), and
     // whatever the fitter has reworded wins.
     void impostaCartelleDistribuite(QStringList cartelle) { m_cartelleDistribuite = std::move(cartelle); }
+    const QStringList &cartelleDistribuite() const { return m_cartelleDistribuite; }
 
     QString LinguaCorrente;
     QString PercorsoApp;

@@ -80,10 +80,16 @@ bool Programma::ApriPorta()
         sorveglianza.aperta(imp);
         return true;
     }
+    const QString gruppo = porta.gruppoMancante();
     porta.chiudi();
     sorveglianza.chiusa();
-    emit portaNonAperta(lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_3"),
-                        lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_2"));
+    QString testo = lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_3");
+    if (!gruppo.isEmpty())
+        testo += QStringLiteral("\n\n")
+                 + lingua.LeggiTesto("SEGNALAZIONI", "PERMESSO_PORTA")
+                       .replace(QStringLiteral("XXX"), imp.dispositivo)
+                       .replace(QStringLiteral("YYY"), gruppo);
+    emit portaNonAperta(testo, lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_2"));
     return false;
 }
 

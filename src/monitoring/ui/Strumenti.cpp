@@ -415,6 +415,7 @@ void Strumenti::Esci()
     m_chiusa = true;
     m_visDati->stop();
     m_modello->chiudi();
+    m_barra->segnalaErrore();
     emit chiusa();
 }
 
