@@ -19,6 +19,7 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFileInfo>
 
 #include <cstdio>
 #include <memory>
@@ -82,8 +83,13 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "korvantine: %s\n", qPrintable(opzioni.errorText()));
         return 2;
     }
-    if (opzioni.isSet(aiuto))
-        opzioni.showHelp(0);
+    if (opzioni.isSet(aiuto) || opzioni.isSet(QStringLiteral("help-all"))) {
+        // There is no application object yet to name the program.
+        std::fputs(qPrintable(opzioni.helpText().replace(QStringLiteral("<executable_name>"),
+                                                         QFileInfo(argomenti.constFirst()).fileName())),
+                   stdout);
+        return 0;
+    }
     if (opzioni.isSet(versione))
         opzioni.showVersion();
 
