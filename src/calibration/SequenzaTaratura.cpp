@@ -190,8 +190,8 @@ void SequenzaTaratura::ingresso()
         s.UscitaTaratura = false;
         return;
     }
-    // From here TaraturaCompleta keeps the warnings of a leaving ECU away.
-    s.AttesaIniTaratura = false;
+    // AttesaIniTaratura stays set from the warning page on, for the rest of the run: single
+    // calibrations after a sequence are not warned that the ECU left calibration.
     s.TaraturaCompleta = true;
     s.TaraturaInCorso = FaseTaratura::Giri;
     s.PassoTaratura = 0;
@@ -235,8 +235,8 @@ void SequenzaTaratura::risposta(char lettera, int statoDialogo, const QByteArray
 void SequenzaTaratura::scadenza(int statoDialogo)
 {
     Q_UNUSED(statoDialogo);
-    // TaraturaInCorso stays at 1: the fitter starts again from the menu.
-    stato().AttesaIniTaratura = false;
+    // TaraturaInCorso stays at 1, and AttesaIniTaratura set: the fitter starts again from
+    // the menu.
     m_telaio.abilitaMenu(true);
     m_telaio.abilitaFrame(true);
 }

@@ -43,6 +43,7 @@ QList<QByteArray> TaraturaGiri::ScrittureConferma(double costanteGiri)
 void TaraturaGiri::caricaTesti()
 {
     m_giriTeoInserito = false;
+    m_giriTeoDigitato = false;
     m_vistaGiri.mostraBoxGiri(false);
     m_vistaGiri.abilitaConferma(singola());
     m_vistaGiri.abilitaAvanti(false);
@@ -103,6 +104,11 @@ std::optional<QString> TaraturaGiri::uscitaGiriTeo(const QString &testo)
 
 void TaraturaGiri::Conferma(const QString &giriTeo)
 {
+    if (!m_giriTeoDigitato) {
+        m_vista.mostraSegnalazione1(testo(QStringLiteral("SEGNALAZIONE.2")));
+        m_vistaGiri.giriTeoNonValido();
+        return;
+    }
     if (!TestoNumerico(giriTeo)) {
         m_vistaGiri.giriTeoNonValido();
         return;
@@ -194,8 +200,11 @@ bool TaraturaGiri::rispostaPropria(char lettera, int statoDialogo, const QByteAr
 
 void TaraturaGiri::fineLettura()
 {
-    // The instruction the ECU may have given meanwhile stays in view.
-    if (stato().PassoTaratura <= 0 || singola())
+    // The instruction the ECU may have given meanwhile stays in view. Alone, the page asks
+    // for the engine until the ECU sees it turn: it has no wait of its own for that.
+    if (singola())
+        m_vista.mostraIstruzione(testo(QStringLiteral("SEGNALAZIONE.0")));
+    else if (stato().PassoTaratura <= 0)
         m_vista.mostraIstruzione({});
     m_vista.abilitaPagina(true);
     m_sequenza.AzzeraDatiLive();

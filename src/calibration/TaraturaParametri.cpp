@@ -38,12 +38,14 @@ DescrizionePagina costruisci()
     d.box = {
         {QStringLiteral("BOXEMU"), {{0, PercentualeEmulazione, {}}}},
         {QStringLiteral("BOXTPS"),
-         {{3, TipoTps, QStringLiteral("TIPOTPS"), true},
-          {4, TpsAutoadattante, QStringLiteral("TPSAUTO"), true}}},
+         {{3, TipoTps, QStringLiteral("TIPOTPS"), true, true},
+          {4, TpsAutoadattante, QStringLiteral("TPSAUTO"), true, true}}},
         {QStringLiteral("BOXTIME"), {{1, TempoDisabilitazioneControllo, {}}, {2, TempoAnomaliaLambda, {}}}}};
     d.derivatiLettura = {{PercentualeEmulazione, ValoreEmulazione, 1, FondoScala, BaseEmulazione, ScalaBase}};
     d.derivati = {{ValoreEmulazione, PercentualeEmulazione, 1, -FondoScala, BaseEmulazione, -ScalaBase}};
     d.segnoModulo = {ValoreEmulazione};
+    // A save the ECU does not answer leaves the page in use, to try again or to leave.
+    d.scadenza = Scadenza::LetturaEmergenza;
     return d;
 }
 
@@ -71,13 +73,15 @@ QString TaraturaParametri::titolo() const
                                           int(m_sequenza.stato().TaraturaInCorso));
 }
 
-void TaraturaParametri::EsciTar(bool validi)
+void TaraturaParametri::EsciTar(bool validi, const QString &motivo)
 {
     const Lingua &l = m_sequenza.programma().lingua;
     m_salvataggio = Salvataggio::Nessuno;
     if (!validi) {
-        if (m_sequenza.domanda(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_57"), SequenzaTaratura::FlagDomanda)
-            == DialogoPagina::RispostaNo)
+        QString domanda = l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_57");
+        if (!motivo.isEmpty())
+            domanda = motivo + QLatin1Char(' ') + domanda;
+        if (m_sequenza.domanda(domanda, SequenzaTaratura::FlagDomanda) == DialogoPagina::RispostaNo)
             m_sequenza.ChiudiPagineTaratura();
         return;
     }

@@ -132,7 +132,14 @@ void TaraturaStriscia::statoTps(int statoEcu, bool cambiato, double x, const Rec
         break;
     case TpsFine:
     case TpsMemorizzato:
+        // Both ends learnt: the pedal goes back to rest while the next step comes.
+        m_vista.mostraIstruzione(testo(QStringLiteral("MSG_TPS.2")));
         m_sequenza.passoSuccessivo(*this, FaseTaratura::Lambda);
+        break;
+    case TpsPrimoSingola:
+        // Alone, the ECU waits here once both ends are learnt, until the fitter leaves.
+        if (singola() && cursoreVisibile(1))
+            m_vista.mostraIstruzione(testo(QStringLiteral("MSG_TPS.2")));
         break;
     default:
         break;

@@ -115,6 +115,18 @@ bool DialogoPagina::valoreValido(int parametro, const QString &testo) const
     return v >= p.Min && v <= p.Max;
 }
 
+QString DialogoPagina::motivoRespinto(int parametro, const QString &nome, const QString &testo) const
+{
+    if (!Catalogo::indiceValido(parametro) || valoreValido(parametro, testo))
+        return {};
+    QString motivo = TestoNumerico(testo) ? m_lingua.LeggiTesto("MESSAPUNTO", "FUORI_LIMITI")
+                                          : m_lingua.LeggiTesto("MESSAPUNTO", "NON_NUMERO");
+    // The caption last: whatever it holds is not taken for a mark.
+    motivo.replace(QLatin1String("ZZZ"), m_catalogo.suggerimentoIntervallo(parametro));
+    motivo.replace(QLatin1String("YYY"), testo.trimmed());
+    return motivo.replace(QLatin1String("XXX"), nome.trimmed());
+}
+
 void DialogoPagina::valoreModificato(int parametro, double valore)
 {
     aggiornaLimiti(parametro, valore, Occasione::Modifica);
@@ -215,20 +227,16 @@ void DialogoPagina::scadenza(int stato)
     if (m_descrizione.scadenza == Scadenza::Muta)
         return;
     m_vista.abilitaPagina(true);
-    if (m_descrizione.scadenza == Scadenza::SoloMessaggio) {
+    const bool lettura = stato == primoStato();
+    const bool soloMessaggio = m_descrizione.scadenza == Scadenza::SoloMessaggio
+                               || (m_descrizione.scadenza == Scadenza::LetturaEmergenza && !lettura);
+    if (lettura || soloMessaggio)
         m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_2"));
-        return;
-    }
-    if (stato == primoStato()) {
-        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_2"));
-        m_vista.uscitaEmergenza();
-    } else if (stato == primoStato() + 1) {
+    else
         m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_5"));
-    } else if (stato == primoStato() + 2) {
-        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_5"));
+    if (!soloMessaggio && (lettura || stato == primoStato() + 2))
         m_vista.uscitaEmergenza();
-    }
-    if (stato != primoStato())
+    if (!lettura)
         m_vista.scritturaConclusa(stato, false);
 }
 
@@ -284,7 +292,9 @@ void DialogoPagina::gestisciRiga(const RigaLettura &riga, const QByteArray &payl
         if (m_descrizione.tps()) {
             const bool presente = TpsPresenteDa(m_catalogo.Valori[Par::TpsTaratoMassimo].Letto, v);
             m_stato.TpsPresente = presente;
-            if (!presente)
+            if (presente)
+                m_vista.mostraRigheTps();
+            else
                 m_vista.nascondiRigheTps();
         }
         break;
@@ -312,7 +322,7 @@ double DialogoPagina::aGrezzo(int parametro, double valore) const
     const auto &s = m_descrizione.segnoModulo;
     if (std::find(s.begin(), s.end(), parametro) != s.end())
         return CodificaSegnoModulo(valore);
-    if (const RigaPagina *r = m_descrizione.riga(parametro); r && r->binaria)
+    if (const RigaPagina *r = m_descrizione.riga(parametro); r && r->secondaA255)
         return valore != 0 ? 255 : 0;
     return m_catalogo.aGrezzo(parametro, valore);
 }

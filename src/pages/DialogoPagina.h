@@ -49,6 +49,9 @@ public:
 
     // Text of a field as the page may send it: a number within the entry's limits.
     bool valoreValido(int parametro, const QString &testo) const;
+    // Why the page may not send testo for the entry, the field named nome: not a number, or
+    // outside its limits, which it names. Empty when it may.
+    QString motivoRespinto(int parametro, const QString &nome, const QString &testo) const;
 
     // The fitter left a field holding valore: the limits hanging on it follow at once.
     void valoreModificato(int parametro, double valore);

@@ -230,6 +230,7 @@ private slots:
         QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
         QVERIFY(telaio->frameAbilitato && telaio->menuAbilitato);
         QCOMPARE(s.TaraturaInCorso, FaseTaratura::AttesaEcu);
+        QVERIFY(s.AttesaIniTaratura); // cleared by Cancel on the warning page alone
         // A 255 now, outside state 121, changes nothing.
         const qsizetype scritti = porta->scritti.size();
         arriva(dati(255));
@@ -249,6 +250,7 @@ private slots:
         QVERIFY(telaio->frameAbilitato);
         QCOMPARE(telaio->messaggi.size(), 1); // T_Giri is not in this build
         QCOMPARE(s.TaraturaInCorso, FaseTaratura::Nessuna);
+        QVERIFY(s.AttesaIniTaratura);
 
         // The 'A' 2 of a calibration left ends only itself.
         sequenza->inviaUscita();
@@ -276,6 +278,12 @@ private slots:
         QTest::newRow("tps single: 221 and 220 on every frame")
             << IdPagina::T_TPS_Single << QList<int>{222, 221, 221, 220, 220} << QList<int>{60, 60, 60, 60, 60}
             << true << msg1 << 2 << QString();
+        QTest::newRow("tps single: both ends learnt, then 218")
+            << IdPagina::T_TPS_Single << QList<int>{221, 220, 219, 218} << QList<int>{60, 60, 900, 60} << true
+            << "MSG_TPS.2" << 2 << QString::number(std::lround(Scala1023(900)));
+        QTest::newRow("tps: both ends learnt")
+            << IdPagina::T_TPS << QList<int>{219, 207} << QList<int>{900, 60} << true << "MSG_TPS.2" << 1
+            << QString::number(std::lround(Scala1023(900)));
         QTest::newRow("tps single: 218 does nothing")
             << IdPagina::T_TPS_Single << QList<int>{218, 218} << QList<int>{60, 60} << true << QString() << 0
             << QString();

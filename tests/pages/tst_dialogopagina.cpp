@@ -396,10 +396,12 @@ private slots:
         QTest::addColumn<int>("stato");
         QTest::addColumn<QString>("chiave");
         QTest::addColumn<bool>("emergenza");
-        QTest::newRow("opening read") << 1 << "SEGNALAZIONE_2" << true;
-        QTest::newRow("save") << 2 << "SEGNALAZIONE_5" << false;
-        QTest::newRow("save and leave") << 3 << "SEGNALAZIONE_5" << true;
-        QTest::newRow("small page, save") << 182 << "SEGNALAZIONE_2" << false;
+        QTest::addColumn<bool>("soloLettura"); // Esci_Out after a failed read alone
+        QTest::newRow("opening read") << 1 << "SEGNALAZIONE_2" << true << false;
+        QTest::newRow("save") << 2 << "SEGNALAZIONE_5" << false << false;
+        QTest::newRow("save and leave") << 3 << "SEGNALAZIONE_5" << true << false;
+        QTest::newRow("small page, save") << 182 << "SEGNALAZIONE_2" << false << false;
+        QTest::newRow("parameter page, save and leave") << 183 << "SEGNALAZIONE_2" << false << true;
     }
 
     void timeOutsByState()
@@ -407,10 +409,15 @@ private slots:
         QFETCH(int, stato);
         QFETCH(QString, chiave);
         QFETCH(bool, emergenza);
+        QFETCH(bool, soloLettura);
         vociMinimo();
         if (stato == 1)
             ecu->impostaStallo(true);
-        crea(stato > 100 ? descrizione(IdPagina::MP_Stechio) : descrizione(IdPagina::MP_Minimo));
+        DescrizionePagina d =
+            stato > 100 ? descrizione(IdPagina::MP_Stechio) : descrizione(IdPagina::MP_Minimo);
+        if (soloLettura)
+            d.scadenza = Scadenza::LetturaEmergenza;
+        crea(d);
         QVERIFY(dialogo->avviaLettura());
         if (stato != 1) {
             QVERIFY(attendi());
@@ -438,6 +445,16 @@ private slots:
         emit porta->arrivati(CreaFrame(QByteArray("e\xFF", 2), 0));
         QCOMPARE(vista.valori, valori);
         QCOMPARE(vista.chiusure, 0);
+    }
+
+    void throttlePageSendsTheListIndex()
+    {
+        voce(Par::TipoTps, 0xFF); // as the parameter page writes it
+        QVERIFY(apri(descrizione(IdPagina::MP_TPS)));
+        dialogo->impostaCorrente(Par::TipoTps, 1);
+        dialogo->Applica();
+        QVERIFY(attendi());
+        QCOMPARE(ram(Par::TipoTps), 0x01);
     }
 
     void aPageSharingAnotherPagesGroupStaysSilent()

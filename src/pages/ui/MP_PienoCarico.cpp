@@ -35,6 +35,12 @@ void MP_PienoCarico::nascondiRigheTps()
     Liste_Click();
 }
 
+void MP_PienoCarico::mostraRigheTps()
+{
+    // The lists, read before, decide which TPS rows and column come back.
+    Liste_Click();
+}
+
 void MP_PienoCarico::Liste_Click()
 {
     const auto aspetto = AspettoPerListe(lista(RigaTipoPC)->currentIndex(), lista(RigaPcConf)->currentIndex(),

@@ -181,10 +181,21 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     });
     connect(&p.datiLive, &DatiLive::inMarciaCambiata, this, &Korvantine::AggiornaMenu);
     connect(&p.datiLive, &DatiLive::ecuPersa, this, [this] {
+        // A page that the silence closes with edits not yet applied says so, once the
+        // frame has come back to the menu.
+        const QPointer<QWidget> pagina = m_pagina;
+        const bool nonApplicate = pagina && pagina->property("modificheNonApplicate").toBool();
         if (m_programma.stato.TaraturaInCorso != FaseTaratura::Nessuna)
             ChiudiPagineTaratura();
         else
             RitornoMenu();
+        if (nonApplicate && !paginaAperta(pagina)) {
+            const Lingua &l = m_programma.lingua;
+            const QString testo = l.LeggiTesto("MESSAPUNTO", "LINEA_PERSA")
+                                      .replace(QLatin1String("XXX"), pagina->windowTitle());
+            const QString titolo = l.LeggiTesto("SEGNALAZIONI", "TITOLO_1");
+            QTimer::singleShot(0, this, [this, testo, titolo] { avvisa(testo, titolo, 48); });
+        }
         aggiornaStatoCollegamento();
     });
 #ifndef QT_NO_SESSIONMANAGER

@@ -165,6 +165,9 @@ private slots:
         QCOMPARE(s.PassoTaratura, 2);
         QVERIFY(giri->GiriTeo()->hasFocus());
         QCOMPARE(giri->GiriTeo()->text(), sul(giri, "GiriReali")); // it follows the reading
+        // Confirmed as it stands, the ECU would be calibrated against itself: refused.
+        tasto(Qt::Key_F2);
+        QCOMPARE(sul(giri, "Segnalazione1"), testo("T_Giri", "SEGNALAZIONE.2"));
         // The first digit replaces the followed reading; the field then keeps digits only.
         QTest::keyClicks(giri->GiriTeo(), "99.,x");
         scorri(80);
@@ -349,7 +352,7 @@ private slots:
         tasto(Qt::Key_Escape);
         scorri(200);
         QCOMPARE(risponditore->visti.size(), 1);
-        QCOMPARE(risponditore->visti[0].testo, p->lingua.LeggiTesto("SEGNALAZIONI", parola));
+        QVERIFY(risponditore->visti[0].testo.endsWith(p->lingua.LeggiTesto("SEGNALAZIONI", parola)));
         QCOMPARE(ricevuti.size(), scritture);
         // Mended or refused, the page stays with the step; left, the calibration is over.
         QCOMPARE(pagina<T_Parametri>() == w, resta);

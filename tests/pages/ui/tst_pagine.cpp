@@ -7,6 +7,7 @@
 #include "link/Frame.h"
 #include "pages/DialogoPagina.h"
 #include "pages/GriglieMessaPunto.h"
+#include "pages/ui/CampoDato.h"
 #include "pages/ui/GrigliaMessaPunto.h"
 #include "pages/ui/MP_Normale.h"
 #include "pages/ui/RegistroMessaPunto.h"
@@ -198,47 +199,55 @@ private slots:
         premi(Qt::Key_Right);
         QCOMPARE(mappa->currentIndex(), m->index(10, 4));
         const int ricco = Par::SogliaRiccoMappa + 10;
-        const QString prima = m->testoDi(ricco);
 
-        // A digit opens the field with that digit in it; Esc drops it and stays on the page.
-        QSignalSpy chiusa(pagina.get(), &TelaioMessaPunto::chiusa);
+        // A digit opens the field with that digit in it; an arrow keeps the value and moves.
         scrivi("1");
         QVERIFY(mappa->campoAperto() && mappa->campoAperto()->hasFocus());
         QCOMPARE(mappa->campoAperto()->text(), QString("1"));
-        premi(Qt::Key_Escape);
-        QTRY_VERIFY(!mappa->inModifica());
-        QCOMPARE(m->testoDi(ricco), prima);
-        QVERIFY(chiusa.isEmpty() && mappa->hasFocus());
-
-        // Enter opens it on the value, typing replaces it, Enter keeps it.
-        premi(Qt::Key_Return);
-        QCOMPARE(mappa->campoAperto()->text(), prima);
-        scrivi("170");
-        premi(Qt::Key_Return);
-        QCOMPARE(m->testoDi(ricco), QString("170"));
-        QVERIFY(mappa->hasFocus());
-        QCOMPARE(mappa->currentIndex(), m->index(10, 4));
-
-        // Down to the lean cell and above the rich one: both red, the message, no save.
+        scrivi("70");
         premi(Qt::Key_Down);
+        QCOMPARE(m->testoDi(ricco), QString("170"));
+        QVERIFY(!mappa->inModifica() && mappa->hasFocus());
+        QCOMPARE(mappa->currentIndex(), m->index(11, 4));
+
+        // The lean cell above the rich one: both red, the message, the grid stays, no save.
         scrivi("180");
-        premi(Qt::Key_Tab);
+        premi(Qt::Key_Return);
         auto *segnalazione = pagina->findChild<QLabel *>("Segnalazione");
         QCOMPARE(segnalazione->text(), testo("SEGNALAZIONI", "SEGNALAZIONE_59"));
         QVERIFY(m->index(11, 4).data(ModelloGriglia::RuoloErrata).toBool());
+        QTRY_COMPARE(mappa->currentIndex(), m->index(11, 4));
         porta->scritti.clear();
         premi(Qt::Key_F2);
         QVERIFY(porta->scritti.isEmpty());
-        QTRY_COMPARE(mappa->currentIndex(), m->index(11, 4));
 
-        // Put right, the message goes; F2 writes the cells to the ECU's RAM.
+        // Put right, Enter goes on to the next cell as Tab would; F2 writes the cells to RAM.
         scrivi("160");
         premi(Qt::Key_Return);
         QCOMPARE(segnalazione->text(), QString());
+        QCOMPARE(mappa->currentIndex(), m->index(11, 5));
         premi(Qt::Key_F2);
         QVERIFY(attendi());
         QCOMPARE(this->ram(ricco), 682); // 170 on 0..1023
         QCOMPARE(this->ram(Par::SogliaMagroMappa + 10), 642);
+
+        // Esc in an open field is the page's: No puts back what was read, and the page goes.
+        risposta = 7;
+        QSignalSpy chiusa(pagina.get(), &TelaioMessaPunto::chiusa);
+        scrivi("1");
+        premi(Qt::Key_Escape);
+        QVERIFY(attendi());
+        QCOMPARE(chiusa.size(), 1);
+    }
+
+    void fullLoadTpsRowsComeBackWhenTheReadFindsATps()
+    {
+        // A page before found no TPS; this one's read finds one, with its thresholds in force.
+        p->stato.TpsPresente = false;
+        voce(Par::PcConf, 1);
+        apri(IdPagina::MP_PienoCarico);
+        QVERIFY(p->stato.TpsPresente);
+        QVERIFY(pagina->campo(2)->isVisible() && pagina->campo(3)->isVisible());
     }
 
     void thresholdsInForceHideTheMapYetSendIt()
