@@ -2,6 +2,7 @@
 #include "MenuOperatore.h"
 
 #include "base/IstanzaUnica.h"
+#include "base/Lingua.h"
 #include "base/PercorsoApp.h"
 #include "calibration/ui/RegistroTaratura.h"
 #include "link/PortaSeriale.h"
@@ -14,27 +15,53 @@
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/Logo.h"
+#include "shell/ui/MsgBox1.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFileInfo>
 
 #include <cstdio>
 #include <memory>
 
 using namespace kv;
 
+namespace {
+
+// The language for a word before the program's folder is in use: the folder's own choice
+// when it can be read, else a shipped file.
+Lingua linguaDiAvvio(const QString &percorsoApp, const QStringList &distribuite)
+{
+    for (const QString &cartella : QStringList{percorsoApp} + distribuite) {
+        Lingua l(cartella);
+        l.LeggiImpLingua();
+        if (!l.LeggiTesto(QStringLiteral("SEGNALAZIONI"), QStringLiteral("TITOLO_1")).isEmpty())
+            return l;
+    }
+    return Lingua();
+}
+
+void avvisoDiAvvio(const QString &percorsoApp, const QString &chiave, int flags)
+{
+    const Lingua l =
+        linguaDiAvvio(percorsoApp, CartelleLingueDistribuite(QCoreApplication::applicationDirPath()));
+    const QString testo =
+        l.LeggiTesto(QStringLiteral("KORVANTINE"), chiave).replace(QStringLiteral("XXX"), percorsoApp);
+    if (!testo.isEmpty())
+        MostraMsg(l, testo, flags, l.LeggiTesto(QStringLiteral("SEGNALAZIONI"), QStringLiteral("TITOLO_1")));
+}
+
+} // namespace
+
 int main(int argc, char *argv[])
 {
-    QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Korvantine"));
-    QApplication::setApplicationVersion(QStringLiteral(KORVANTINE_VERSION));
-    QGuiApplication::setDesktopFileName(QStringLiteral("korvantine"));
-    QApplication::setWindowIcon(IconaProgramma());
+    QCoreApplication::setApplicationName(QStringLiteral("Korvantine"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(KORVANTINE_VERSION));
 
     QCommandLineParser opzioni;
     opzioni.setApplicationDescription(QStringLiteral("Workshop tool for gas-conversion ECUs."));
-    opzioni.addHelpOption();
-    opzioni.addVersionOption();
+    const QCommandLineOption aiuto = opzioni.addHelpOption();
+    const QCommandLineOption versione = opzioni.addVersionOption();
     const QCommandLineOption home(QStringLiteral("home"),
                                   QStringLiteral("Keep settings, archives and logs in DIR."),
                                   QStringLiteral("DIR"));
@@ -48,7 +75,27 @@ int main(int argc, char *argv[])
     opzioni.addOption(home);
     opzioni.addOption(demo);
     opzioni.addOption(demoSenzaApplicazione);
-    opzioni.process(app);
+    // Read before the window system is asked for: help and version need no display.
+    QStringList argomenti;
+    for (int i = 0; i < argc; ++i)
+        argomenti << QString::fromLocal8Bit(argv[i]);
+    if (!opzioni.parse(argomenti)) {
+        std::fprintf(stderr, "korvantine: %s\n", qPrintable(opzioni.errorText()));
+        return 2;
+    }
+    if (opzioni.isSet(aiuto) || opzioni.isSet(QStringLiteral("help-all"))) {
+        // There is no application object yet to name the program.
+        std::fputs(qPrintable(opzioni.helpText().replace(QStringLiteral("<executable_name>"),
+                                                         QFileInfo(argomenti.constFirst()).fileName())),
+                   stdout);
+        return 0;
+    }
+    if (opzioni.isSet(versione))
+        opzioni.showVersion();
+
+    QApplication app(argc, argv);
+    QGuiApplication::setDesktopFileName(QStringLiteral("korvantine"));
+    QApplication::setWindowIcon(IconaProgramma());
 
     const QString cartellaEseguibile = QCoreApplication::applicationDirPath();
     const QString percorsoApp =
@@ -58,9 +105,22 @@ int main(int argc, char *argv[])
     case Avvio::Esito::Prosegui:
         break;
     case Avvio::Esito::AltraIstanza:
+        // The one that runs comes forward; if it does not answer, the fitter is told.
+        if (istanza.richiamaAltra()) {
+            std::fprintf(stderr, "korvantine: already running with %s; its window has been raised\n",
+                         qPrintable(percorsoApp));
+        } else {
+            std::fprintf(stderr, "korvantine: already running with %s\n", qPrintable(percorsoApp));
+            avvisoDiAvvio(percorsoApp, QStringLiteral("GIA_IN_USO"), 64);
+        }
         return 0;
     case Avvio::Esito::CartellaInutilizzabile:
         std::fprintf(stderr, "korvantine: cannot use the folder %s\n", qPrintable(percorsoApp));
+        avvisoDiAvvio(percorsoApp,
+                      istanza.motivo() == IstanzaUnica::Motivo::NonCreabile   ? QStringLiteral("CARTELLA.0")
+                      : istanza.motivo() == IstanzaUnica::Motivo::SolaLettura ? QStringLiteral("CARTELLA.1")
+                                                                              : QStringLiteral("CARTELLA.2"),
+                      16);
         return 1;
     }
     SeminaLingue(percorsoApp, CartelleLingueDistribuite(cartellaEseguibile));
@@ -88,6 +148,12 @@ int main(int argc, char *argv[])
     // The frame exists before the port is opened, so that a failure reaches its message box,
     // which comes up once the frame is on screen.
     Korvantine finestra(programma);
+    istanza.ascoltaRichiami([&finestra] {
+        if (finestra.isMinimized())
+            finestra.showNormal();
+        finestra.raise();
+        finestra.activateWindow();
+    });
     QObject::connect(&finestra, &Korvantine::uscita, &app, [] { QCoreApplication::exit(0); });
     // Each unit of pages puts its own into the frame's registry; a menu entry whose page is
     // in none of them tells the fitter it is not there yet.

@@ -68,6 +68,13 @@ QString TestoScambio(const Lingua &lingua, const QString &sezione, const QString
     return lingua.LeggiTesto(sezione, chiave).trimmed().replace(QLatin1String("XXX"), testo);
 }
 
+QString TestoConteggio(const Lingua &lingua, const QString &sezione, const QString &chiave, int n)
+{
+    QString uno = lingua.LeggiTesto(sezione, chiave + QStringLiteral(".1")).trimmed();
+    return n == 1 && !uno.isEmpty() ? uno.replace(QLatin1String("XXX"), QString::number(n))
+                                    : TestoScambio(lingua, sezione, chiave, QString::number(n));
+}
+
 QString PreparaTemp(const QString &percorsoApp)
 {
     const QString temp = PercorsoFile(percorsoApp, FileArchivi::CartellaTemp);

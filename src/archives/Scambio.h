@@ -52,6 +52,9 @@ QString NomeVisibile(const QString &nome);
 // The text of a key of the language file with testo in the place of "XXX".
 QString TestoScambio(const Lingua &lingua, const QString &sezione, const QString &chiave,
                      const QString &testo = {});
+// The same with a count in place of XXX: the key with ".1" behind it says one, when the
+// language file has it.
+QString TestoConteggio(const Lingua &lingua, const QString &sezione, const QString &chiave, int n);
 
 // The work folder TEMP of the program, emptied and made again: what was in it goes, a link in
 // its place is removed, not followed. Empty when it cannot be made.

@@ -268,8 +268,7 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua
     ChiudiArchivioSoftware(locale);
     CancellaTemp(percorsoApp);
     esito.fatto = true;
-    esito.messaggio =
-        TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE1.3"), QString::number(esito.voci));
+    esito.messaggio = TestoConteggio(lingua, Ripri, QStringLiteral("SEGNALAZIONE1.3"), esito.voci);
     return esito;
 }
 

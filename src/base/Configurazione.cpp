@@ -3,10 +3,14 @@
 #include "base/FileIni.h"
 #include "base/FileSystem.h"
 
+#include <QFile>
 #include <QSerialPortInfo>
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
+
+#include <sys/stat.h>
 
 namespace kv {
 
@@ -143,6 +147,21 @@ QStringList PortiSeriali()
         porti.append(porta.systemLocation());
     std::stable_sort(porti.begin(), porti.end(), primaNaturale);
     return porti;
+}
+
+EsitoDispositivo ControllaDispositivo(const QString &testo)
+{
+    const QString t = testo.trimmed();
+    if (!t.startsWith(u'/') || t.size() < 2)
+        return EsitoDispositivo::NonPercorso;
+    for (QChar c : t)
+        if (c.category() == QChar::Other_Control)
+            return EsitoDispositivo::NonPercorso;
+    struct stat info
+    {};
+    if (::stat(QFile::encodeName(t).constData(), &info) != 0)
+        return errno == ENOENT ? EsitoDispositivo::Valido : EsitoDispositivo::NonDispositivo;
+    return S_ISCHR(info.st_mode) ? EsitoDispositivo::Valido : EsitoDispositivo::NonDispositivo;
 }
 
 bool scriviImpSeriale(const QString &percorsoIni, const QString &porta, qint32 baud)

@@ -38,6 +38,15 @@ QString NomeDispositivo(const QString &porta, int portaCom, const QStringList &p
 // The paths of the serial ports the system reports now, in that same order.
 QStringList PortiSeriali();
 
+// A device typed for "Porta".
+enum class EsitoDispositivo {
+    Valido,
+    NonPercorso,   // not a path from the root, or with control characters in it
+    NonDispositivo // something is there, but not a character device
+};
+// A missing device is taken: an adapter may be plugged in later.
+EsitoDispositivo ControllaDispositivo(const QString &testo);
+
 // Writes "Porta" and "Baudrate" (that spelling, as the program always wrote it) under
 // "SERIALE" in one safe replacement of the file. False when nothing could be written.
 bool scriviImpSeriale(const QString &percorsoIni, const QString &porta, qint32 baud);

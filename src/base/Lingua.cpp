@@ -97,4 +97,23 @@ QString Lingua::LeggiTesto(const QString &sezione, const QString &chiave, const 
     return {};
 }
 
+QString Lingua::testo(const Messaggio &m) const
+{
+    QString t = m.chiave.isEmpty() ? QString() : LeggiTesto(m.sezione, m.chiave);
+    for (const Messaggio::Valore &v : m.valori) {
+        if (!v.soloPrimo) {
+            t.replace(v.segnaposto, v.testo);
+        } else if (const qsizetype i = t.indexOf(v.segnaposto); i >= 0) {
+            t.replace(i, v.segnaposto.size(), v.testo);
+        }
+    }
+    t.prepend(m.prima);
+    for (const Messaggio &altro : m.seguito) {
+        const QString poi = testo(altro);
+        if (!poi.isEmpty())
+            t += (t.isEmpty() ? QString() : QStringLiteral("\n\n")) + poi;
+    }
+    return t;
+}
+
 } // namespace kv

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/FileIni.h"
+#include "base/Messaggio.h"
 
 #include <QDateTime>
 #include <QString>
@@ -20,6 +21,8 @@ public:
 
     QString LeggiTesto(const QString &sezione, const QString &chiave,
                        const QString &estensione = QStringLiteral(".LNG")) const;
+    // A message of the logic, looked up and filled in; an empty message gives empty text.
+    QString testo(const Messaggio &m) const;
 
     // The folders of the language files shipped with this build, first choice first.
     // A home made by an older build keeps its own files, which lack the newer keys: a key
@@ -27,6 +30,7 @@ public:
     // name. A key the fitter has emptied stays empty (that is how an entry is hidden), and
     // whatever the fitter has reworded wins.
     void impostaCartelleDistribuite(QStringList cartelle) { m_cartelleDistribuite = std::move(cartelle); }
+    const QStringList &cartelleDistribuite() const { return m_cartelleDistribuite; }
 
     QString LinguaCorrente;
     QString PercorsoApp;

@@ -108,14 +108,14 @@ MotoreDialogo &LogicaTaratura::motore() const
     return m_sequenza.motore();
 }
 
-QString LogicaTaratura::testo(const QString &chiave) const
+Messaggio LogicaTaratura::testo(const QString &chiave) const
 {
-    return m_sequenza.programma().lingua.LeggiTesto(sezione(), chiave);
+    return {sezione(), chiave};
 }
 
-QString LogicaTaratura::segnalazione(const char *chiave) const
+Messaggio LogicaTaratura::segnalazione(const char *chiave)
 {
-    return m_sequenza.programma().lingua.LeggiTesto(QStringLiteral("SEGNALAZIONI"), QLatin1String(chiave));
+    return {QStringLiteral("SEGNALAZIONI"), QLatin1String(chiave)};
 }
 
 void LogicaTaratura::carica()
@@ -171,7 +171,7 @@ void LogicaTaratura::Esci()
 void LogicaTaratura::risposta(char lettera, int statoDialogo, const QByteArray &payload)
 {
     if (lettera == 'e' && (payload.size() < 2 || static_cast<quint8>(payload.at(1)) != 0xFF)) {
-        m_vista.mostraSegnalazione1(TestoErroreEcu(m_sequenza.programma().lingua, payload));
+        m_vista.mostraSegnalazione1(ErroreEcu(payload));
         m_vista.abilitaPagina(true);
         return;
     }
@@ -190,7 +190,7 @@ void LogicaTaratura::fineComando(int statoDialogo)
         chiudiDopoAvviso(segnalazione("SEGNALAZIONE_56"));
 }
 
-void LogicaTaratura::chiudiDopoAvviso(const QString &testo)
+void LogicaTaratura::chiudiDopoAvviso(const Messaggio &testo)
 {
     m_sequenza.avvisoDifferito(testo, SequenzaTaratura::FlagInformazione, this, [this](int risposta) {
         if (risposta == SequenzaTaratura::RispostaOk)

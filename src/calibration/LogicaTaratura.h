@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Messaggio.h"
 #include "link/MotoreDialogo.h"
 #include "shell/FaseTaratura.h"
 #include "shell/IdPagina.h"
@@ -18,11 +19,11 @@ class VistaTaratura
 public:
     virtual ~VistaTaratura() = default;
 
-    virtual void mostraTitolo(const QString &testo) = 0;
+    virtual void mostraTitolo(const Messaggio &testo) = 0;
     // What the fitter has to do now, in large letters (Segnalazione, Msg_TPS, Msg_Lambda).
-    virtual void mostraIstruzione(const QString &testo) = 0;
+    virtual void mostraIstruzione(const Messaggio &testo) = 0;
     // How the exchange with the ECU stands (Segnalazione1).
-    virtual void mostraSegnalazione1(const QString &testo) = 0;
+    virtual void mostraSegnalazione1(const Messaggio &testo) = 0;
     // Disabled from the first frame of a dialogue to its last reply.
     virtual void abilitaPagina(bool abilitata) = 0;
     // The ECU did not answer a single page: only Esci is left, which tells it nothing.
@@ -75,8 +76,9 @@ public:
     int statoUscita() const;
 
 protected:
-    QString testo(const QString &chiave) const;
-    QString segnalazione(const char *chiave) const;
+    // A key of the page's own section, and one of the common messages.
+    Messaggio testo(const QString &chiave) const;
+    static Messaggio segnalazione(const char *chiave);
     // The page's captions, once the frame's are set.
     virtual void caricaTesti() {}
     // A reply in one of the page's own states; false leaves it to the common end.
@@ -84,7 +86,7 @@ protected:
     // The common end of a single page's 'A' reply, once the queue is empty.
     virtual void fineComando(int stato);
     // The information box, raised after the handler; an OK closes the calibration pages.
-    void chiudiDopoAvviso(const QString &testo);
+    void chiudiDopoAvviso(const Messaggio &testo);
     // 'A' codice under stato: page disabled until the reply. False when the port is closed.
     bool inviaComando(int codice, int stato, int intervallo);
 

@@ -64,16 +64,10 @@ void SequenzaTaratura::terminata()
     m_passo = -1;
 }
 
-QString SequenzaTaratura::ComponiPasso(const QString &testo, int passo)
+Messaggio SequenzaTaratura::ComponiPasso(Messaggio testo, int passo)
 {
-    QString t = testo;
-    const qsizetype xx = t.indexOf(QLatin1String("xx"));
-    if (xx >= 0)
-        t.replace(xx, 2, FormattaNumero(passo, QStringLiteral("#0")));
-    const qsizetype yy = t.indexOf(QLatin1String("yy"));
-    if (yy >= 0)
-        t.replace(yy, 2, FormattaNumero(PassiSequenza, QStringLiteral("#0")));
-    return t;
+    return testo.conPrimo(QStringLiteral("xx"), FormattaNumero(passo, QStringLiteral("#0")))
+        .conPrimo(QStringLiteral("yy"), FormattaNumero(PassiSequenza, QStringLiteral("#0")));
 }
 
 void SequenzaTaratura::AzzeraDatiLive()
@@ -82,15 +76,15 @@ void SequenzaTaratura::AzzeraDatiLive()
     m_precedente.Valore.fill(-1.0);
 }
 
-int SequenzaTaratura::domanda(const QString &testo, int flags)
+int SequenzaTaratura::domanda(const Messaggio &testo, int flags)
 {
     if (m_inDomanda)
         return 0;
     QScopedValueRollback inDomanda(m_inDomanda, true);
-    return m_telaio.MostraMsg(testo, flags, m_programma.lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
+    return m_telaio.MostraMsg(testo, flags);
 }
 
-void SequenzaTaratura::avvisoDifferito(const QString &testo, int flags, LogicaTaratura *contesto,
+void SequenzaTaratura::avvisoDifferito(const Messaggio &testo, int flags, LogicaTaratura *contesto,
                                        std::function<void(int)> poi)
 {
     if (m_inDomanda)
@@ -135,7 +129,7 @@ void SequenzaTaratura::apri(IdPagina id)
     if (m_telaio.apriPagina(id))
         return;
     // A step whose page this build lacks ends the calibration where it stands.
-    const QString testo = m_programma.lingua.LeggiTesto("KORVANTINE", "NON_DISPONIBILE");
+    const Messaggio testo(QStringLiteral("KORVANTINE"), QStringLiteral("NON_DISPONIBILE"));
     ChiudiPagineTaratura();
     // Said after the handler that got here, so the menu is on view and the stream goes on.
     QTimer::singleShot(0, this, [this, testo] { domanda(testo, FlagInformazione); });
@@ -233,7 +227,7 @@ void SequenzaTaratura::risposta(char lettera, int statoDialogo, const QByteArray
     if (statoDialogo != StatoMemorizzazione || lettera != 'e')
         return;
     if (payload.size() < 2 || static_cast<quint8>(payload.at(1)) != 0xFF) {
-        emit segnalazione1(TestoErroreEcu(m_programma.lingua, payload));
+        emit segnalazione1(ErroreEcu(payload));
         m_telaio.abilitaFrame(true);
         return;
     }
@@ -259,18 +253,17 @@ void SequenzaTaratura::marciaNormale(const RecordDati &attuale)
     if (m_completa || m_attesaIni || motore().StatoDialogo() != -1 || m_inDomanda
         || m_telaio.paginaTaratura() == IdPagina::Nessuna)
         return;
-    const Lingua &l = m_programma.lingua;
-    QString testo;
+    Messaggio testo;
     switch (m_fase) {
     case FaseTaratura::Giri:
     case FaseTaratura::Tps:
     case FaseTaratura::Lambda:
-        testo = l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_60");
+        testo = Segnalazione("SEGNALAZIONE_60");
         break;
     case FaseTaratura::Nessuna:
         return;
     default:
-        testo = l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_56");
+        testo = Segnalazione("SEGNALAZIONE_56");
         break;
     }
     avvisoDifferito(testo, FlagInformazione, nullptr, [this](int risposta) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Messaggio.h"
 #include "link/DatiLive.h"
 #include "link/ErroreEcu.h"
 #include "link/MotoreDialogo.h"
@@ -108,19 +109,19 @@ public:
     void passoSuccessivo(LogicaTaratura &pagina, FaseTaratura passo);
 
     // testo with its first "xx" as passo and its first "yy" as the number of steps.
-    static QString ComponiPasso(const QString &testo, int passo);
+    static Messaggio ComponiPasso(Messaggio testo, int passo);
     // The sample counter to -1 and the previous record to -1.0: a page's frames count from 0
     // and the first status always reads as a change.
     void AzzeraDatiLive();
 
     // The common box with the title of section SEGNALAZIONI, for the fitter's own actions.
     // One at a time: a box asked for while another is up is not shown and answers 0.
-    int domanda(const QString &testo, int flags);
+    int domanda(const Messaggio &testo, int flags);
     bool domandaInCorso() const { return m_inDomanda; }
     // The same box raised by the ECU's frames or replies: it comes up once the handler has
     // returned, so that the stream goes on under it, and poi gets the answer. Not shown, nor
     // poi called, if contesto has gone or left the frame by then.
-    void avvisoDifferito(const QString &testo, int flags, LogicaTaratura *contesto,
+    void avvisoDifferito(const Messaggio &testo, int flags, LogicaTaratura *contesto,
                          std::function<void(int)> poi);
 
     // The page whose logic takes the status byte now; a later one replaces it.
@@ -144,7 +145,7 @@ public:
 
 signals:
     // For the frame's message line: the ECU refused the store.
-    void segnalazione1(const QString &testo);
+    void segnalazione1(const kv::Messaggio &testo);
 
 private:
     void inviaIngresso();

@@ -187,7 +187,7 @@ bool TaraturaGiri::rispostaPropria(char lettera, int statoDialogo, const QByteAr
         if (m.prosegui() != MotoreDialogo::Seguito::Concluso)
             return true;
         m_vista.mostraSegnalazione1(statoDialogo == StatoScrittura ? segnalazione("SEGNALAZIONE_55")
-                                                                   : QString());
+                                                                   : Messaggio());
         m_vista.abilitaPagina(true);
         return true;
     default:

@@ -63,24 +63,22 @@ TaraturaParametri::TaraturaParametri(SequenzaTaratura &sequenza, DialogoPagina &
     , m_inSequenza(sequenza.TaraturaCompleta())
 {}
 
-QString TaraturaParametri::titolo() const
+Messaggio TaraturaParametri::titolo() const
 {
-    const Lingua &l = m_sequenza.programma().lingua;
     const QString &sezione = m_dialogo.descrizione().sezione;
     if (!m_inSequenza)
-        return l.LeggiTesto(sezione, QStringLiteral("CAPTION.0"));
-    return SequenzaTaratura::ComponiPasso(l.LeggiTesto(sezione, QStringLiteral("CAPTION.1")),
+        return {sezione, QStringLiteral("CAPTION.0")};
+    return SequenzaTaratura::ComponiPasso({sezione, QStringLiteral("CAPTION.1")},
                                           int(m_sequenza.TaraturaInCorso()));
 }
 
 void TaraturaParametri::EsciTar(bool validi, const QString &motivo)
 {
-    const Lingua &l = m_sequenza.programma().lingua;
     m_salvataggio = Salvataggio::Nessuno;
     if (!validi) {
-        QString domanda = l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_57");
+        Messaggio domanda = Segnalazione("SEGNALAZIONE_57");
         if (!motivo.isEmpty())
-            domanda = motivo + QLatin1Char(' ') + domanda;
+            domanda.prima = motivo + QLatin1Char(' ');
         if (m_sequenza.domanda(domanda, SequenzaTaratura::FlagDomanda) == DialogoPagina::RispostaNo)
             m_sequenza.ChiudiPagineTaratura();
         return;
@@ -94,8 +92,8 @@ void TaraturaParametri::EsciTar(bool validi, const QString &motivo)
         m_salvataggio = Salvataggio::Riuscito;
     m_sequenza.sequenzaConclusa();
     // The frames go on behind the box.
-    const int risposta = m_sequenza.domanda(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_56"),
-                                            SequenzaTaratura::FlagInformazione);
+    const int risposta =
+        m_sequenza.domanda(Segnalazione("SEGNALAZIONE_56"), SequenzaTaratura::FlagInformazione);
     if (risposta != SequenzaTaratura::RispostaOk)
         m_salvataggio = Salvataggio::Nessuno;
     else if (m_salvataggio == Salvataggio::InCorso)

@@ -2,6 +2,8 @@
 
 #include "pages/DescrizioniPagine.h"
 
+#include "base/Messaggio.h"
+
 #include <QString>
 
 namespace kv {
@@ -23,7 +25,7 @@ public:
 
     // Opened by the guided sequence rather than from the menu; decided on opening.
     bool inSequenza() const { return m_inSequenza; }
-    QString titolo() const;
+    Messaggio titolo() const;
 
     // validi: ControlloValori's verdict; when it passed, Corrente holds the fields already.
     // Valid values go to RAM and EEPROM and the calibration ends once the fitter has read

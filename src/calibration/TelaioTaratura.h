@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Messaggio.h"
 #include "shell/IdPagina.h"
 
 #include <QString>
@@ -25,8 +26,8 @@ public:
     // The pages' area (the menu with it) while the handshake holds the link.
     virtual void abilitaFrame(bool abilitato) = 0;
     virtual void abilitaMenu(bool abilitato) = 0;
-    // The common message box; returns the code of the key pressed.
-    virtual int MostraMsg(const QString &testo, int flags, const QString &titolo) = 0;
+    // The common message box with the program's title; returns the code of the key pressed.
+    virtual int MostraMsg(const Messaggio &testo, int flags) = 0;
 };
 
 } // namespace kv

@@ -1,14 +1,13 @@
 #pragma once
 
+#include "base/Messaggio.h"
+
 #include <QByteArray>
-#include <QString>
 
 namespace kv {
 
-class Lingua;
-
-// The line a page shows for an 'E' reply: the code in hex with its text, codes the language
+// The line a page shows for an 'E' reply: the code in hex before its text, codes the language
 // file does not know falling back to the generic one.
-QString TestoErroreEcu(const Lingua &lingua, const QByteArray &payload);
+Messaggio ErroreEcu(const QByteArray &payload);
 
 } // namespace kv

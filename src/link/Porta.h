@@ -26,6 +26,9 @@ public:
     // One write of the whole frame; false when the port refused it.
     virtual bool scrivi(const QByteArray &bytes) = 0;
     virtual QString descrizioneErrore() const = 0;
+    // After an opening refused for lack of permission: the group whose members may use the
+    // device. Empty when that was not the reason.
+    virtual QString gruppoMancante() const { return {}; }
 
 signals:
     void arrivati(const QByteArray &bytes);

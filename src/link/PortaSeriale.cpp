@@ -1,6 +1,32 @@
 #include "link/PortaSeriale.h"
 
+#include <QFile>
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <grp.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace kv {
+
+QString GruppoPerDispositivo(const QString &dispositivo)
+{
+    const QByteArray nome = QFile::encodeName(dispositivo);
+    // As the opening itself is checked: with the effective ids, not the real ones.
+    if (nome.isEmpty() || ::faccessat(AT_FDCWD, nome.constData(), R_OK | W_OK, AT_EACCESS) == 0
+        || errno != EACCES)
+        return {};
+    struct stat info
+    {};
+    if (::stat(nome.constData(), &info) == 0 && info.st_gid != 0
+        && (info.st_mode & (S_IRGRP | S_IWGRP)) == (S_IRGRP | S_IWGRP)) {
+        if (const group *g = ::getgrgid(info.st_gid))
+            return QString::fromLocal8Bit(g->gr_name);
+    }
+    return QStringLiteral("dialout");
+}
 
 PortaSeriale::PortaSeriale(QObject *parent) : Porta(parent)
 {
@@ -17,6 +43,7 @@ bool PortaSeriale::apri(const ImpostazioniPorta &impostazioni)
 {
     chiudi();
     m_errore.clear();
+    m_gruppo.clear();
     m_porta.setPortName(impostazioni.dispositivo);
     if (impostazioni.dispositivo.isEmpty()) {
         m_errore = QStringLiteral("no such serial port");
@@ -24,6 +51,7 @@ bool PortaSeriale::apri(const ImpostazioniPorta &impostazioni)
     }
     if (!m_porta.open(QIODevice::ReadWrite)) {
         m_errore = m_porta.errorString();
+        m_gruppo = GruppoPerDispositivo(impostazioni.dispositivo);
         return false;
     }
     const bool ok = m_porta.setBaudRate(impostazioni.velocita) && m_porta.setDataBits(QSerialPort::Data8)

@@ -18,6 +18,7 @@ public:
     bool PortOpen() const override;
     bool scrivi(const QByteArray &bytes) override;
     QString descrizioneErrore() const override;
+    QString gruppoMancante() const override { return m_gruppo; }
 
 private:
     void leggi();
@@ -25,6 +26,12 @@ private:
 
     QSerialPort m_porta;
     QString m_errore;
+    QString m_gruppo;
 };
+
+// The group to join for a device this process may not open; empty when it may, or when
+// something else stands in the way. The device's own group when that group may read and
+// write it, otherwise the one that holds serial ports on Debian.
+QString GruppoPerDispositivo(const QString &dispositivo);
 
 } // namespace kv

@@ -55,10 +55,12 @@ void SessioneLinea::IniDialogo()
 bool SessioneLinea::apri(const ImpostazioniPorta &impostazioni)
 {
     m_porta->chiudi();
+    m_gruppoMancante.clear();
     if (m_porta->apri(impostazioni)) {
         m_sorveglianza.aperta(impostazioni);
         return true;
     }
+    m_gruppoMancante = m_porta->gruppoMancante();
     m_porta->chiudi();
     m_sorveglianza.chiusa();
     return false;

@@ -43,6 +43,9 @@ public:
     // Opens the port; the line watch follows it. False when it cannot be opened: the port is
     // closed and the program goes on without a link.
     bool apri(const ImpostazioniPorta &impostazioni);
+    // After an opening refused for lack of permission: the group whose members may use the
+    // device; empty otherwise.
+    [[nodiscard]] const QString &gruppoMancante() const { return m_gruppoMancante; }
 
     [[nodiscard]] const StatoEcu &ecu() const { return m_ecu; }
     // A page has read the throttle sensor's calibration again.
@@ -83,6 +86,7 @@ private:
     Identificazione m_identificazione;
     DatiLive m_datiLive;
     SorveglianzaLinea m_sorveglianza;
+    QString m_gruppoMancante;
 };
 
 } // namespace kv

@@ -284,11 +284,18 @@ QString AnelloRegistrazione::LeggiFileRegistrazione() const
     if (nome.isEmpty() || !PercorsoNellaCartella(nome, m_cartella))
         return {};
     QFile f(nome);
+    // Only the file may be missing: a card whose folder has gone is no choice any more.
     if (!f.exists())
-        return nome;
+        return QFileInfo(QFileInfo(nome).path()).isDir() ? nome : QString();
     if (!f.open(QIODevice::ReadOnly))
         return {};
     return nome;
+}
+
+bool AnelloRegistrazione::fileConDati() const
+{
+    const QFileInfo info(FileRegistrazione);
+    return !FileRegistrazione.isEmpty() && info.isFile() && info.size() > 0;
 }
 
 bool AnelloRegistrazione::impostaFileRegistrazione(const QString &percorso)

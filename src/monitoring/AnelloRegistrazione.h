@@ -82,10 +82,13 @@ public:
     void chiudiFinestra();
 
     // The stored recording file, tried: a missing file still gives its name, one that
-    // cannot be opened or lies outside the program's folder gives none.
+    // cannot be opened, whose folder has gone or that lies outside the program's folder
+    // gives none.
     QString LeggiFileRegistrazione() const;
     // Sets FileRegistrazione; false, and none set, for a path outside the program's folder.
     bool impostaFileRegistrazione(const QString &percorso);
+    // The chosen file already holds a recording, which a start would add to.
+    bool fileConDati() const;
 
     // The last write failure, once; the recording has been stopped by it.
     std::optional<Errore> prendiErrore();

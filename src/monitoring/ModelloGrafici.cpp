@@ -67,6 +67,17 @@ const RecordDati *AnelloGrafici::ultimo() const
     return IndiceGrafici < 0 ? nullptr : &BufferGrafici[static_cast<std::size_t>(IndiceGrafici)];
 }
 
+std::optional<std::pair<qint32, qint32>> AnelloGrafici::intervallo() const
+{
+    const RecordDati *nuovo = ultimo();
+    if (!nuovo)
+        return std::nullopt;
+    // Behind the newest comes the oldest, or a free element before the ring has gone round.
+    const int dopo = IndiceGrafici < LimiteSuperiore ? IndiceGrafici + 1 : 0;
+    const RecordDati &r = BufferGrafici[static_cast<std::size_t>(dopo)];
+    return std::pair{r.Progressivo == -1 ? BufferGrafici[0].Progressivo : r.Progressivo, nuovo->Progressivo};
+}
+
 std::optional<std::pair<double, double>> AnelloGrafici::estremi(int canale, double xMin, double xMax) const
 {
     if (!canaleValido(canale))
@@ -294,6 +305,35 @@ std::array<AggiornamentoSlot, NumeroGrafici> ModelloGrafici::tick(const RecordDa
 void ModelloGrafici::Blocca()
 {
     GraficoBloccato = -1;
+    m_maxBloccato = m_canali.Canali[0].MaxAsse;
+}
+
+bool ModelloGrafici::scorri(double campioni)
+{
+    const auto tenuti = anello.intervallo();
+    if (!bloccato() || !tenuti || !std::isfinite(campioni))
+        return false;
+    Canale &tempo = m_canali.Canali[0];
+    const qint64 ampiezza = qint64(tempo.MaxAsse) - tempo.MinAsse;
+    const qint64 basso = std::min<qint64>(tenuti->first, tempo.MinAsse);
+    const qint64 alto = std::max<qint64>(qint64(std::max(tenuti->second, m_maxBloccato)) - ampiezza, basso);
+    const qint64 minimo =
+        std::clamp<qint64>(tempo.MinAsse + std::llround(std::clamp(campioni, -1e9, 1e9)), basso, alto);
+    if (minimo == tempo.MinAsse)
+        return false;
+    tempo.MinAsse = qint32(minimo);
+    tempo.MaxAsse = qint32(minimo + ampiezza);
+    for (const RigaDati &r : righe) {
+        if (r.Canale < 0)
+            break;
+        ScalaFinestra(r.Canale, tempo.MinAsse, tempo.MaxAsse);
+    }
+    return true;
+}
+
+bool ModelloGrafici::scorriAlBordo(int verso)
+{
+    return scorri(verso < 0 ? -1e9 : 1e9);
 }
 
 void ModelloGrafici::Sblocca()

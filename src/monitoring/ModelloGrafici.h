@@ -14,12 +14,13 @@ namespace kv {
 
 class Lingua;
 
-// The last 201 samples of the channels the chart window lists: one window's worth, so that
-// a chart added mid-run is filled at once.
+// The last samples of the channels the chart window lists: more than a window's worth, so
+// that a chart added mid-run is filled at once and frozen charts can be looked back over
+// (some five minutes at the display's pace).
 class AnelloGrafici
 {
 public:
-    static constexpr int LimiteSuperiore = 200;
+    static constexpr int LimiteSuperiore = 3000;
     static constexpr int Dimensione = LimiteSuperiore + 1;
 
     AnelloGrafici() { azzera(); }
@@ -29,6 +30,8 @@ public:
     // The next sample: the count goes on, the next element takes it and the rows' channels.
     void aggiungi(const RecordDati &campione, const RigheDati &righe);
     const RecordDati *ultimo() const;
+    // The numbers of the oldest and the newest sample held; none when empty.
+    std::optional<std::pair<qint32, qint32>> intervallo() const;
 
     // The smallest and largest value of a channel among the samples numbered xMin..xMax;
     // none when no sample lies there.
@@ -82,6 +85,13 @@ public:
     void Blocca();
     void Sblocca();
     bool bloccato() const { return GraficoBloccato != 0; }
+    // Frozen charts move over the samples the ring holds, by campioni (less than 0: back in
+    // time), the window keeping its width, as far as the oldest sample and back to where
+    // they were frozen; the value scales follow what comes on show. True when the window
+    // moved: the charts are then set and replotted from the ring.
+    bool scorri(double campioni);
+    // The same, to the oldest samples (verso < 0) or back to the newest.
+    bool scorriAlBordo(int verso);
 
     // The measured range of a channel over the window, and the scale from it.
     void ScalaFinestra(int canale, double xMin, double xMax);
@@ -125,6 +135,7 @@ private:
     TabellaCanali &m_canali;
     const Lingua &m_lingua;
     QString m_percorsoIni;
+    qint32 m_maxBloccato = 0; // the window's right edge when frozen
 };
 
 } // namespace kv

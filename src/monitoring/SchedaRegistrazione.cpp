@@ -231,6 +231,49 @@ SchedaRegistrazione::Esito SchedaRegistrazione::Memorizza(const Caselle &caselle
     return e;
 }
 
+QString SchedaRegistrazione::NomeNumerato(const QString &file, int n)
+{
+    QString base = file.trimmed();
+    // FILE_2 goes on as FILE_3, not FILE_2_2.
+    const qsizetype trattino = base.lastIndexOf(u'_');
+    if (trattino > 0) {
+        bool numero = false;
+        base.mid(trattino + 1).toInt(&numero);
+        if (numero)
+            base.truncate(trattino);
+    }
+    const QString coda = u'_' + QString::number(n);
+    return base.left(Lunghezza[File] - coda.size()).trimmed() + coda;
+}
+
+SchedaRegistrazione::Esito SchedaRegistrazione::NuovoFile()
+{
+    const QString attuale = m_anello.FileRegistrazione;
+    const QFileInfo info(attuale);
+    Caselle card = {
+        QFileInfo(info.path()).dir().dirName(), info.dir().dirName(), info.completeBaseName(), {}};
+    for (const Voce &v : ElencoEsi(card[Marca], card[Modello])) {
+        const std::optional<Caselle> c = LeggiScheda(v);
+        if (c && PercorsoRegistrazione((*c)[Marca], (*c)[Modello], (*c)[File]) == attuale) {
+            card = *c;
+            break;
+        }
+    }
+    for (int n = 2; n < 1000; ++n) {
+        Caselle nuova = card;
+        nuova[File] = NomeNumerato(card[File], n);
+        const QString percorso = PercorsoRegistrazione(nuova[Marca], nuova[Modello], nuova[File]);
+        if (percorso.isEmpty())
+            break;
+        if (QFileInfo::exists(percorso)
+            || (m_db.Aperto()
+                && m_db.Cerca(u"PER_FILE", {card[Marca].trimmed(), card[Modello].trimmed(), nuova[File]})))
+            continue;
+        return Memorizza(nuova, [] { return false; });
+    }
+    return nuovoEsito(Esito::Tipo::NomeRifiutato, File, card[File]);
+}
+
 QString TestoEsitoScheda(const Lingua &lingua, const SchedaRegistrazione::Esito &esito)
 {
     using T = SchedaRegistrazione::Esito::Tipo;

@@ -83,6 +83,14 @@ public:
     // a file at its path already exists. Nothing is written unless every name passes.
     Esito Memorizza(const Caselle &caselle, const std::function<bool()> &sostituire);
 
+    // A recording started again goes to a file of its own: the card of the recorder's file
+    // copied under the next free name (FILE_2, FILE_3...), stored as Memorizza stores it.
+    // Nothing is replaced; without a card (or without the archive) the folders' names stand
+    // for make and model.
+    Esito NuovoFile();
+    // The file's name with the number n behind it, cut to fit the box.
+    static QString NomeNumerato(const QString &file, int n);
+
     QString cartellaDati() const;
     // The file a card names; empty, with the reason in rifiuto, when a name is refused or
     // the path leaves DATI. Existing folders are matched without regard to case.

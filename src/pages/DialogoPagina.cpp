@@ -1,7 +1,6 @@
 #include "pages/DialogoPagina.h"
 #include "link/ErroreEcu.h"
 
-#include "base/Lingua.h"
 #include "link/Frame.h"
 #include "link/SessioneLinea.h"
 #include "pages/PannelloLive.h"
@@ -32,13 +31,12 @@ bool TestoNumerico(const QString &testo)
 }
 
 DialogoPagina::DialogoPagina(DescrizionePagina descrizione, Catalogo &catalogo, SessioneLinea &linea,
-                             bool assistenza, const Lingua &lingua, VistaPagina &vista)
+                             bool assistenza, VistaPagina &vista)
     : m_descrizione(std::move(descrizione))
     , m_voci(m_descrizione.vociInUso(assistenza))
     , m_catalogo(catalogo)
     , m_motore(linea.motore())
     , m_linea(linea)
-    , m_lingua(lingua)
     , m_vista(vista)
 {
     m_motore.registra(m_descrizione.primoStato, this);
@@ -62,7 +60,7 @@ bool DialogoPagina::avviaLettura()
         m_motore.accoda(RichiestaLettura(m_catalogo, riga));
     if (!m_motore.PortOpen())
         return false;
-    m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_1"));
+    m_vista.mostraSegnalazione(Messaggio(QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_1")));
     m_vista.abilitaPagina(false);
     return m_motore.avvia(m_descrizione.primoStato, MotoreDialogo::IntervalloLettura);
 }
@@ -90,7 +88,7 @@ void DialogoPagina::ApplicaValori(int origine, int stato, bool ram, bool eeprom)
         fineScrittura(stato);
         return;
     }
-    m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_4"));
+    m_vista.mostraSegnalazione(Messaggio(QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_4")));
     m_vista.abilitaPagina(false);
     if (!m_motore.avvia(stato, MotoreDialogo::IntervalloLettura))
         m_vista.abilitaPagina(true);
@@ -115,16 +113,16 @@ bool DialogoPagina::valoreValido(int parametro, const QString &testo) const
     return v >= p.Min && v <= p.Max;
 }
 
-QString DialogoPagina::motivoRespinto(int parametro, const QString &nome, const QString &testo) const
+Messaggio DialogoPagina::motivoRespinto(int parametro, const QString &nome, const QString &testo) const
 {
     if (!Catalogo::indiceValido(parametro) || valoreValido(parametro, testo))
         return {};
-    QString motivo = TestoNumerico(testo) ? m_lingua.LeggiTesto("MESSAPUNTO", "FUORI_LIMITI")
-                                          : m_lingua.LeggiTesto("MESSAPUNTO", "NON_NUMERO");
+    Messaggio motivo(QStringLiteral("MESSAPUNTO"),
+                     TestoNumerico(testo) ? QStringLiteral("FUORI_LIMITI") : QStringLiteral("NON_NUMERO"));
     // The caption last: whatever it holds is not taken for a mark.
-    motivo.replace(QLatin1String("ZZZ"), m_catalogo.suggerimentoIntervallo(parametro));
-    motivo.replace(QLatin1String("YYY"), testo.trimmed());
-    return motivo.replace(QLatin1String("XXX"), nome.trimmed());
+    return motivo.con(QStringLiteral("ZZZ"), m_catalogo.suggerimentoIntervallo(parametro))
+        .con(QStringLiteral("YYY"), testo.trimmed())
+        .con(QStringLiteral("XXX"), nome.trimmed());
 }
 
 void DialogoPagina::valoreModificato(int parametro, double valore)
@@ -231,9 +229,11 @@ void DialogoPagina::scadenza(int stato)
     const bool soloMessaggio = m_descrizione.scadenza == Scadenza::SoloMessaggio
                                || (m_descrizione.scadenza == Scadenza::LetturaEmergenza && !lettura);
     if (lettura || soloMessaggio)
-        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_2"));
+        m_vista.mostraSegnalazione(
+            Messaggio(QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_2")));
     else
-        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_5"));
+        m_vista.mostraSegnalazione(
+            Messaggio(QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_5")));
     if (!soloMessaggio && (lettura || stato == primoStato() + 2))
         m_vista.uscitaEmergenza();
     if (!lettura)
@@ -242,7 +242,7 @@ void DialogoPagina::scadenza(int stato)
 
 void DialogoPagina::erroreEcu(int stato, const QByteArray &payload)
 {
-    m_vista.mostraSegnalazione(TestoErroreEcu(m_lingua, payload));
+    m_vista.mostraSegnalazione(ErroreEcu(payload));
     m_vista.abilitaPagina(true);
     if (stato == primoStato())
         m_vista.uscitaEmergenza();
@@ -253,8 +253,7 @@ void DialogoPagina::erroreEcu(int stato, const QByteArray &payload)
 void DialogoPagina::rispostaLettura(const QByteArray &payload)
 {
     if (m_descrizione.zonaLavoro)
-        m_vista.mostraZonaLavoro(
-            TestoZona(m_lingua, m_linea.datiLive().ultimoRecord().Valore[Canale::MZonAct]));
+        m_vista.mostraZonaLavoro(NomeZona(m_linea.datiLive().ultimoRecord().Valore[Canale::MZonAct]));
     const int passo = m_motore.PassoDialogo();
     const auto &piano = m_descrizione.piano;
     if (passo >= 0 && passo < static_cast<int>(piano.size())) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Messaggio.h"
 #include "link/MotoreDialogo.h"
 #include "pages/DescrizioniPagine.h"
 
@@ -8,7 +9,6 @@
 namespace kv {
 
 class Catalogo;
-class Lingua;
 class VistaPagina;
 class SessioneLinea;
 
@@ -26,7 +26,7 @@ public:
 
     // assistenza: the page opens in service mode, with the entries that mode shows.
     DialogoPagina(DescrizionePagina descrizione, Catalogo &catalogo, SessioneLinea &linea, bool assistenza,
-                  const Lingua &lingua, VistaPagina &vista);
+                  VistaPagina &vista);
     ~DialogoPagina() override;
 
     DialogoPagina(const DialogoPagina &) = delete;
@@ -52,7 +52,7 @@ public:
     bool valoreValido(int parametro, const QString &testo) const;
     // Why the page may not send testo for the entry, the field named nome: not a number, or
     // outside its limits, which it names. Empty when it may.
-    QString motivoRespinto(int parametro, const QString &nome, const QString &testo) const;
+    Messaggio motivoRespinto(int parametro, const QString &nome, const QString &testo) const;
 
     // The fitter left a field holding valore: the limits hanging on it follow at once.
     void valoreModificato(int parametro, double valore);
@@ -98,7 +98,6 @@ private:
     Catalogo &m_catalogo;
     MotoreDialogo &m_motore;
     SessioneLinea &m_linea;
-    const Lingua &m_lingua;
     VistaPagina &m_vista;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Messaggio.h"
 #include "monitoring/Canali.h"
 
 #include <QString>
@@ -8,19 +9,17 @@
 
 namespace kv {
 
-class Lingua;
-
-// The small live panel of the tuning pages, as texts: what a 'd' frame shows there.
+// The small live panel of the tuning pages: what a 'd' frame shows there.
 struct TestiPannelloLive
 {
     // Dato(0..3): engine speed, lambda, TPS, stepper position.
     std::array<QString, 4> dato;
-    QString zona;
+    Messaggio zona;
 };
 
 // Name of a working zone; any value outside 1..5 gets the text for an unknown zone.
-QString TestoZona(const Lingua &lingua, double zona);
+Messaggio NomeZona(double zona);
 
-TestiPannelloLive TestiPannello(const Lingua &lingua, const RecordDati &record);
+TestiPannelloLive TestiPannello(const RecordDati &record);
 
 } // namespace kv

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Messaggio.h"
+
 #include <QString>
 
 namespace kv {
@@ -23,8 +25,8 @@ public:
     // TpsAutoadattante reads 0: the ECU adapts this TPS threshold itself.
     virtual void bloccaCampoTps(int parametro) = 0;
     // The page's one-line message, empty to clear it.
-    virtual void mostraSegnalazione(const QString &testo) = 0;
-    virtual void mostraZonaLavoro(const QString &testo) = 0;
+    virtual void mostraSegnalazione(const Messaggio &testo) = 0;
+    virtual void mostraZonaLavoro(const Messaggio &zona) = 0;
     // Disabled from the first frame of a dialogue to its last reply.
     virtual void abilitaPagina(bool abilitata) = 0;
     // The opening read failed: only Esci_Out is left.

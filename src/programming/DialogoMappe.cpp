@@ -125,7 +125,7 @@ void LetturaMappe::risposta(char lettera, int stato, const QByteArray &payload)
     if (!m_inCorso || stato != Stato)
         return;
     if (lettera == 'e') {
-        interrompi(TestoErroreEcu(m_programma.lingua, payload), false);
+        interrompi(m_programma.lingua.testo(ErroreEcu(payload)), false);
         return;
     }
     if (lettera != 'r')
@@ -267,7 +267,7 @@ void ScritturaMappe::risposta(char lettera, int stato, const QByteArray &payload
 {
     if (lettera == 'e' && (payload.size() < 2 || quint8(payload.at(1)) != 0xFF)) {
         // The ECU keeps what was written before the refusal; nothing is repeated.
-        m_vista.mostraSegnalazione(TestoErroreEcu(m_programma.lingua, payload));
+        m_vista.mostraSegnalazione(m_programma.lingua.testo(ErroreEcu(payload)));
         m_vista.abilitaPagina(true);
         return;
     }

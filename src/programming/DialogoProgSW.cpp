@@ -214,7 +214,7 @@ void DialogoProgSW::bloccoIlleggibile()
 
 void DialogoProgSW::erroreEcu(const QByteArray &payload)
 {
-    m_vista.mostraSegnalazione(TestoErroreEcu(m_lingua, payload));
+    m_vista.mostraSegnalazione(m_lingua.testo(ErroreEcu(payload)));
     m_vista.mostraBarra(false);
     m_vista.abilitaPagina(true);
 }

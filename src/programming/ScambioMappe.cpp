@@ -217,8 +217,7 @@ EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, c
     ChiudiArchivioMappe(locale);
     CancellaTemp(percorsoApp);
     esito.fatto = true;
-    esito.messaggio =
-        TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE_3"), QString::number(esito.voci));
+    esito.messaggio = TestoConteggio(lingua, Ripri, QStringLiteral("SEGNALAZIONE_3"), esito.voci);
     return esito;
 }
 

@@ -42,7 +42,7 @@ bool Programma::ApriPorta()
     imp.velocita = seriale.VelocitaCom;
     if (linea.apri(imp))
         return true;
-    emit portaNonAperta();
+    emit portaNonAperta(imp.dispositivo, linea.gruppoMancante());
     return false;
 }
 

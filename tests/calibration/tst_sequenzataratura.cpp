@@ -36,9 +36,10 @@ QByteArray dati(quint8 stato, int tps = 100, int lambda = 500, int motorino = 90
 
 struct VistaFinta : VistaStriscia
 {
-    void mostraTitolo(const QString &t) override { titolo = t; }
-    void mostraIstruzione(const QString &t) override { istruzione = t; }
-    void mostraSegnalazione1(const QString &t) override { segnalazione1 = t; }
+    // The keys of what the page is asked to show.
+    void mostraTitolo(const Messaggio &t) override { titolo = t.chiave; }
+    void mostraIstruzione(const Messaggio &t) override { istruzione = t.chiave; }
+    void mostraSegnalazione1(const Messaggio &t) override { segnalazione1 = t.chiave; }
     void abilitaPagina(bool a) override { abilitata = a; }
     void uscitaEmergenza() override { emergenza = true; }
     void mostraDato(int i, const QString &t) override { dato[static_cast<size_t>(i)] = t; }
@@ -94,9 +95,9 @@ struct TelaioFinto : TelaioTaratura
     IdPagina paginaTaratura() const override { return aperta; }
     void abilitaFrame(bool a) override { frameAbilitato = a; }
     void abilitaMenu(bool a) override { menuAbilitato = a; }
-    int MostraMsg(const QString &testo, int, const QString &) override
+    int MostraMsg(const Messaggio &testo, int) override
     {
-        messaggi.append(testo);
+        messaggi.append(testo.chiave);
         return risposta;
     }
 
@@ -198,8 +199,9 @@ private slots:
 
     void captionStep()
     {
-        QCOMPARE(SequenzaTaratura::ComponiPasso("Step xx of yy, xx", 3), QStringLiteral("Step 3 of 5, xx"));
-        QCOMPARE(SequenzaTaratura::ComponiPasso("no marks", 3), QStringLiteral("no marks"));
+        const Messaggio m =
+            SequenzaTaratura::ComponiPasso({QStringLiteral("IniTaratura"), QStringLiteral("CAPTION")}, 3);
+        QCOMPARE(p->lingua.testo(m), QStringLiteral("Calibration - step 3 of 5: before you start"));
     }
 
     void handshakeOnlyInState121()
@@ -310,7 +312,7 @@ private slots:
         const QString sezione = QString::fromLatin1(id == IdPagina::T_TPS          ? "T_TPS"
                                                     : id == IdPagina::T_TPS_Single ? "T_TPS_Single"
                                                                                    : "T_Lambda");
-        QCOMPARE(v.istruzione, istruzione.isEmpty() ? QString() : p->lingua.LeggiTesto(sezione, istruzione));
+        QCOMPARE(v.istruzione, istruzione);
         QCOMPARE(v.mosseCursore, mosse);
         QCOMPARE(v.dato[3], massimo);
         QCOMPARE(v.punti[0], int(stati.size()));
@@ -348,7 +350,7 @@ private slots:
         telaio->risposta = 99;
         arriva(dati(204));
         arriva(dati(29));
-        QCOMPARE(telaio->messaggi, QStringList(2, testo("SEGNALAZIONI", "SEGNALAZIONE_58")));
+        QCOMPARE(telaio->messaggi, QStringList(2, "SEGNALAZIONE_58"));
         QCOMPARE(telaio->aperta, IdPagina::T_Lambda_Single);
         telaio->risposta = 1;
         arriva(dati(29));
@@ -376,9 +378,7 @@ private slots:
             arriva("e\xFF");
         sequenza->entraInFase(fase);
         arriva(dati(0));
-        QCOMPARE(telaio->messaggi, chiave.isEmpty()
-                                       ? QStringList()
-                                       : QStringList{p->lingua.LeggiTesto("SEGNALAZIONI", chiave)});
+        QCOMPARE(telaio->messaggi, chiave.isEmpty() ? QStringList() : QStringList{chiave});
         QCOMPARE(telaio->aperta == IdPagina::Nessuna, !chiave.isEmpty());
     }
 };

@@ -148,6 +148,31 @@ private slots:
         QCOMPARE(m->tick(campione(5))[0].nuovo, QPointF(0, 5));
     }
 
+    void frozenChartsScrollOverWhatTheyHold()
+    {
+        QVERIFY(m->RidisegnoGrafici(2));
+        for (int n = 0; n < 260; ++n)
+            m->tick(campione(1000 + n));
+        QVERIFY(!m->scorri(-10)); // only frozen charts move
+        m->Blocca();
+        const Canale &tempo = canali.Canali[0];
+        const auto finestra = [&] { return QList<int>({tempo.MinAsse, tempo.MaxAsse}); };
+        // Back from 80..280 as far as the oldest sample held, the width kept.
+        QVERIFY(m->scorri(-50));
+        QCOMPARE(finestra(), QList<int>({30, 230}));
+        QVERIFY(m->scorri(-1000));
+        QCOMPARE(finestra(), QList<int>({0, 200}));
+        QVERIFY(!m->scorri(-1));
+        QCOMPARE(m->RidisegnoTraccia(0).front(), QPointF(0, 1000));
+        QCOMPARE(int(m->RidisegnoTraccia(0).size()), 201);
+        QCOMPARE(QList<double>({canali.Canali[2].MinMisurato, canali.Canali[2].MaxMisurato}),
+                 QList<double>({1000, 1200}));
+        // And forward no further than where they were frozen.
+        QVERIFY(m->scorriAlBordo(1));
+        QCOMPARE(finestra(), QList<int>({80, 280}));
+        QCOMPARE(m->RidisegnoTraccia(0).back(), QPointF(259, 1259));
+    }
+
     void slotsInTheSettings()
     {
         QVERIFY(m->RidisegnoGrafici(3));

@@ -193,6 +193,9 @@ private slots:
         QCOMPARE(r().LeggiFileRegistrazione(), QString());
         memorizzato(cartella.filePath("DATI"));
         QCOMPARE(r().LeggiFileRegistrazione(), QString());
+        // Only a missing file keeps its name, not one whose folder has gone.
+        memorizzato(cartella.filePath("DATI/GONE/X.ACQ"));
+        QCOMPARE(r().LeggiFileRegistrazione(), QString());
     }
 };
 

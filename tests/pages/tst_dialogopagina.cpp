@@ -25,8 +25,8 @@ struct VistaFinta : VistaPagina
     void mostraSuggerimento(int parametro, const QString &testo) override { suggerimenti[parametro] = testo; }
     void nascondiRigheTps() override { righeTpsNascoste = true; }
     void bloccaCampoTps(int parametro) override { bloccati.insert(parametro); }
-    void mostraSegnalazione(const QString &testo) override { segnalazioni.append(testo); }
-    void mostraZonaLavoro(const QString &testo) override { zone.append(testo); }
+    void mostraSegnalazione(const Messaggio &m) override { segnalazioni.append(lingua->testo(m)); }
+    void mostraZonaLavoro(const Messaggio &m) override { zone.append(lingua->testo(m)); }
     void abilitaPagina(bool a) override
     {
         disabilitazioni += a ? 0 : 1;
@@ -45,6 +45,7 @@ struct VistaFinta : VistaPagina
     int disabilitazioni = 0;
     bool emergenza = false;
     int chiusure = 0;
+    const Lingua *lingua = nullptr;
 };
 
 // The shown value of a 10-bit reading: on 0..255, rounded to a whole number.
@@ -69,8 +70,8 @@ class TstDialogoPagina : public QObject, ProgrammaSimulato
 
     void crea(const DescrizionePagina &d)
     {
-        dialogo = std::make_unique<DialogoPagina>(d, p->catalogo, p->linea, p->menu.ModoAssistenza(),
-                                                  p->lingua, vista);
+        vista.lingua = &p->lingua;
+        dialogo = std::make_unique<DialogoPagina>(d, p->catalogo, p->linea, p->menu.ModoAssistenza(), vista);
     }
 
     bool apri(const DescrizionePagina &d)

@@ -28,8 +28,8 @@ struct VistaGriglia : VistaPagina
     void mostraSuggerimento(int, const QString &) override {}
     void nascondiRigheTps() override {}
     void bloccaCampoTps(int) override {}
-    void mostraSegnalazione(const QString &) override {}
-    void mostraZonaLavoro(const QString &) override {}
+    void mostraSegnalazione(const Messaggio &) override {}
+    void mostraZonaLavoro(const Messaggio &) override {}
     void abilitaPagina(bool) override {}
     void uscitaEmergenza() override {}
     void chiudiPagina() override {}
@@ -50,7 +50,7 @@ class TstGriglie : public QObject, ProgrammaSimulato
     void creaMappa()
     {
         dialogo = std::make_unique<DialogoPagina>(*DescrizioneDi(IdPagina::MP_Normale), p->catalogo, p->linea,
-                                                  p->menu.ModoAssistenza(), p->lingua, vista);
+                                                  p->menu.ModoAssistenza(), vista);
         mappa = std::make_unique<ModelloMappaLambda>(*dialogo, p->catalogo);
         vista.griglia = mappa.get();
     }
@@ -271,7 +271,7 @@ private slots:
     void fullLoadMarkerTakesTheRpmZone()
     {
         dialogo = std::make_unique<DialogoPagina>(*DescrizioneDi(IdPagina::MP_PienoCarico), p->catalogo,
-                                                  p->linea, p->menu.ModoAssistenza(), p->lingua, vista);
+                                                  p->linea, p->menu.ModoAssistenza(), vista);
         ModelloGrigliaRTS rts(*dialogo, p->catalogo);
         vista.griglia = &rts;
         QVERIFY(dialogo->avviaLettura() && attendi());

@@ -6,11 +6,15 @@
 #include "shell/Avvio.h"
 #include "shell/Programma.h"
 #include "support/FileDiProva.h"
+#include "support/SolaLettura.h"
 
 #include <QDir>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <grp.h>
+#include <unistd.h>
 
 using namespace kv;
 using namespace kv::sim;
@@ -102,6 +106,34 @@ private slots:
         p.reset();
         // The version request, as sent, in the log of the folder the program was started in.
         QVERIFY(leggi(home + "/MESSAGGI.TXT").split('\n').contains("02873AF1560803\r"));
+    }
+
+    void aPortRefusedForLackOfPermissionNamesTheGroupToJoin()
+    {
+        const group *dialout = getgrnam("dialout");
+        if (!dialout)
+            QSKIP("no dialout group here");
+        EcuSimulata ecu{OpzioniEcu{}};
+        QVERIFY(ecu.apriPty());
+        const QString dispositivo = ecu.percorsoDispositivo();
+        QCOMPARE(chown(QFile::encodeName(dispositivo).constData(), uid_t(-1), dialout->gr_gid), 0);
+        QTemporaryDir dir;
+        QVERIFY(SeminaLingue(dir.path(), {QStringLiteral(KV_SOURCE_DIR "/lang")}) > 0);
+        auto p = nuovoProgramma(dir.path());
+        p->lingua.LeggiImpLingua();
+        p->dispositivoForzato = dispositivo;
+        QSignalSpy fallita(p.get(), &Programma::portaNonAperta);
+        {
+            // Owner and group may use it, and this process is neither.
+            SolaLettura vietato(dispositivo, QFile::ReadGroup | QFile::WriteGroup);
+            QVERIFY(!p->ApriPorta());
+        }
+        QCOMPARE(fallita.size(), 1);
+        QCOMPARE(fallita.at(0).at(1).toString(), QStringLiteral("dialout"));
+        // Any other failure says nothing of groups.
+        p->dispositivoForzato = dir.filePath("no-such-port");
+        QVERIFY(!p->ApriPorta());
+        QVERIFY(fallita.at(1).at(1).toString().isEmpty());
     }
 };
 

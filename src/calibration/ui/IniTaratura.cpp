@@ -20,7 +20,8 @@ IniTaratura::IniTaratura(SequenzaTaratura &sequenza, QWidget *parent)
 {
     setObjectName(QStringLiteral("IniTaratura"));
     const Lingua &l = sequenza.programma().lingua;
-    setWindowTitle(SequenzaTaratura::ComponiPasso(l.LeggiTesto("IniTaratura", "CAPTION"), 1));
+    setWindowTitle(l.testo(
+        SequenzaTaratura::ComponiPasso({QStringLiteral("IniTaratura"), QStringLiteral("CAPTION")}, 1)));
     m_segnalazione->setObjectName(QStringLiteral("Segnalazione"));
     m_segnalazione->setText(l.LeggiTesto("IniTaratura", "SEGNALAZIONE.1"));
     // A warning to read before starting, at the desk: large, but not the size of an instruction.

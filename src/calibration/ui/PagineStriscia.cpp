@@ -174,19 +174,19 @@ void PaginaStriscia::hideEvent(QHideEvent *evento)
         m_logica->chiusa();
 }
 
-void PaginaStriscia::mostraTitolo(const QString &testo)
+void PaginaStriscia::mostraTitolo(const Messaggio &testo)
 {
-    setWindowTitle(testo);
+    setWindowTitle(m_sequenza.programma().lingua.testo(testo));
 }
 
-void PaginaStriscia::mostraIstruzione(const QString &testo)
+void PaginaStriscia::mostraIstruzione(const Messaggio &testo)
 {
-    m_istruzione->setText(testo);
+    m_istruzione->setText(m_sequenza.programma().lingua.testo(testo));
 }
 
-void PaginaStriscia::mostraSegnalazione1(const QString &testo)
+void PaginaStriscia::mostraSegnalazione1(const Messaggio &testo)
 {
-    m_segnalazione1->setText(testo);
+    m_segnalazione1->setText(m_sequenza.programma().lingua.testo(testo));
 }
 
 void PaginaStriscia::abilitaPagina(bool abilitata)

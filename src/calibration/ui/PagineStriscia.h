@@ -37,9 +37,9 @@ protected:
     void hideEvent(QHideEvent *evento) override;
 
     // VistaStriscia
-    void mostraTitolo(const QString &testo) override;
-    void mostraIstruzione(const QString &testo) override;
-    void mostraSegnalazione1(const QString &testo) override;
+    void mostraTitolo(const Messaggio &testo) override;
+    void mostraIstruzione(const Messaggio &testo) override;
+    void mostraSegnalazione1(const Messaggio &testo) override;
     void abilitaPagina(bool abilitata) override;
     void uscitaEmergenza() override;
     void mostraDato(int indice, const QString &testo) override;

@@ -6,6 +6,7 @@
 #include "calibration/ui/PagineStriscia.h"
 #include "calibration/ui/T_Giri.h"
 #include "calibration/ui/T_Parametri.h"
+#include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/MainLambda.h"
 
@@ -49,9 +50,10 @@ public:
             m->setEnabled(abilitato);
     }
 
-    int MostraMsg(const QString &testo, int flags, const QString &titolo) override
+    int MostraMsg(const Messaggio &testo, int flags) override
     {
-        return m_frame.MostraMsg(testo, flags, titolo);
+        const Lingua &l = m_frame.programma().lingua;
+        return m_frame.MostraMsg(l.testo(testo), flags, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
     }
 
 private:
@@ -81,7 +83,9 @@ SequenzaTaratura &RegistraPagineTaratura(Korvantine &frame)
     auto *telaio = new TelaioKorvantine(frame);
     auto *sequenza = new SequenzaTaratura(frame.programma(), *telaio, telaio);
     frame.impostaTaratura(new TaraturaNelFrame(*sequenza, sequenza));
-    QObject::connect(sequenza, &SequenzaTaratura::segnalazione1, &frame, &Korvantine::impostaSegnalazione1);
+    QObject::connect(sequenza, &SequenzaTaratura::segnalazione1, &frame, [&frame](const Messaggio &m) {
+        frame.impostaSegnalazione1(frame.programma().lingua.testo(m));
+    });
     frame.registraPagina(
         IdPagina::IniTaratura, [sequenza](Korvantine &) { return new IniTaratura(*sequenza); },
         Korvantine::Apertura::SopraIlMenu);

@@ -234,19 +234,19 @@ void T_Giri::hideEvent(QHideEvent *evento)
         m_logica->chiusa();
 }
 
-void T_Giri::mostraTitolo(const QString &testo)
+void T_Giri::mostraTitolo(const Messaggio &testo)
 {
-    setWindowTitle(testo);
+    setWindowTitle(m_sequenza.programma().lingua.testo(testo));
 }
 
-void T_Giri::mostraIstruzione(const QString &testo)
+void T_Giri::mostraIstruzione(const Messaggio &testo)
 {
-    m_segnalazione->setText(testo);
+    m_segnalazione->setText(m_sequenza.programma().lingua.testo(testo));
 }
 
-void T_Giri::mostraSegnalazione1(const QString &testo)
+void T_Giri::mostraSegnalazione1(const Messaggio &testo)
 {
-    m_segnalazione1->setText(testo);
+    m_segnalazione1->setText(m_sequenza.programma().lingua.testo(testo));
 }
 
 void T_Giri::abilitaPagina(bool abilitata)

@@ -51,7 +51,7 @@ T_Parametri::T_Parametri(SequenzaTaratura &sequenza, QWidget *parent)
 
 void T_Parametri::caricaTestiAltrove()
 {
-    setWindowTitle(m_logica->titolo());
+    setWindowTitle(programma().lingua.testo(m_logica->titolo()));
     const Lingua &l = programma().lingua;
     const bool sequenza = m_logica->inSequenza();
     const QString uscita = l.LeggiTesto("TASTI", sequenza ? "ESCI" : "FINE");

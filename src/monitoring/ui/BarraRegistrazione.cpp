@@ -1,6 +1,7 @@
 #include "monitoring/ui/BarraRegistrazione.h"
 
 #include "monitoring/AnelloRegistrazione.h"
+#include "monitoring/SchedaRegistrazione.h"
 #include "monitoring/ui/Memorf.h"
 #include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
@@ -21,6 +22,8 @@ namespace kv {
 namespace {
 
 constexpr int LatoIcona = 32;
+constexpr int Si = 6;
+constexpr int No = 7;
 
 // The toolbar's pictures, drawn here so that they scale and need no files.
 QIcon icona(const QString &chiave)
@@ -181,11 +184,6 @@ BarraRegistrazione::BarraRegistrazione(Programma &programma, QWidget *finestra, 
         if (QAction *a = azione(QString::fromLatin1(nome)))
             a->setShortcut(QKeySequence(tasto));
 
-    // Settings have never had anything behind them; they stand greyed so nobody looks there.
-    for (const char *nome : {"Impostazioni", "MenuImp_0"})
-        if (QAction *a = azione(QString::fromLatin1(nome)))
-            a->setEnabled(false);
-
     connect(&m_programma, &Programma::campioneRegistrato, this, &BarraRegistrazione::campioneRegistrato);
 }
 
@@ -238,16 +236,18 @@ void BarraRegistrazione::carica()
         a->setToolTip(senzaAcceleratore(t));
     }
     AnelloRegistrazione &r = m_programma.anello;
+    // A failure met while no window could tell it (the frame closing) is old news by now.
+    r.prendiErrore();
     r.impostaFileRegistrazione(r.LeggiFileRegistrazione());
     mostraLabRegistro();
     aggiorna();
 }
 
-void BarraRegistrazione::mostraLabRegistro()
+void BarraRegistrazione::mostraLabRegistro(bool conFile)
 {
     if (m_labRegistro)
         m_labRegistro->setText(m_programma.lingua.LeggiTesto("STRUMENTI", "LABREGISTRO.0") + QLatin1Char(' ')
-                               + m_programma.anello.FileRegistrazione);
+                               + (conFile ? m_programma.anello.FileRegistrazione : QString()));
 }
 
 void BarraRegistrazione::aggiorna()
@@ -304,14 +304,17 @@ void BarraRegistrazione::comando(const QString &chiave)
     const QString k = chiave.trimmed().toUpper();
     AnelloRegistrazione &r = m_programma.anello;
     const Lingua &l = m_programma.lingua;
+    bool conFile = true;
     if (k == QLatin1String("INIZIO")) {
+        if (!sceltaFile())
+            return;
         if (r.Inizio() == AnelloRegistrazione::Esito::SenzaFile)
             m_messaggio(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE.0"), 64,
                         l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
     } else if (k == QLatin1String("PAUSA")) {
         r.Pausa();
     } else if (k == QLatin1String("FINE")) {
-        r.Fine();
+        conFile = r.Fine() != AnelloRegistrazione::Esito::Fatto;
     } else if (k == QLatin1String("START_MEM")) {
         apriScheda();
     } else if (k == QLatin1String("BLOCCA")) {
@@ -327,20 +330,61 @@ void BarraRegistrazione::comando(const QString &chiave)
         return;
     }
     aggiorna();
-    mostraLabRegistro();
+    mostraLabRegistro(conFile);
     segnalaErrore();
+}
+
+bool BarraRegistrazione::sceltaFile()
+{
+    AnelloRegistrazione &r = m_programma.anello;
+    if (r.StatoRegistrazione != AnelloRegistrazione::Fermo || !r.fileConDati())
+        return true;
+    const Lingua &l = m_programma.lingua;
+    const QString testo =
+        l.LeggiTesto("REGISTRAZIONE", "ACCODA").replace(QStringLiteral("XXX"), r.FileRegistrazione);
+    const int risposta = m_messaggio(testo, 3 | 32, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
+    if (risposta == Si)
+        return true;
+    if (risposta != No)
+        return false;
+    SchedaRegistrazione scheda(m_programma.PercorsoApp, r);
+    scheda.Apri();
+    const SchedaRegistrazione::Esito esito = scheda.NuovoFile();
+    scheda.Chiudi();
+    if (!esito.ok()) {
+        QString t = TestoEsitoScheda(l, esito);
+        if (t.isEmpty())
+            t = l.LeggiTesto("REGISTRAZIONE", "NUOVO_FILE")
+                    .replace(QStringLiteral("XXX"), r.FileRegistrazione);
+        m_messaggio(t, 16, l.LeggiTesto("SEGNALAZIONI", "TITOLO_2"));
+        mostraLabRegistro();
+        return false;
+    }
+    return true;
 }
 
 void BarraRegistrazione::apriScheda()
 {
+    // The card stands alone while it is filled; the window comes back when it closes.
+    const bool visibile = m_finestra->isVisible();
+    m_finestra->hide();
     if (m_apriScheda) {
         m_apriScheda(m_finestra);
     } else {
         Memorf scheda(m_programma, m_finestra);
         scheda.exec();
     }
+    if (visibile)
+        m_finestra->show();
     AnelloRegistrazione &r = m_programma.anello;
     r.impostaFileRegistrazione(r.LeggiFileRegistrazione());
+}
+
+void BarraRegistrazione::chiudi()
+{
+    m_programma.anello.chiudiFinestra();
+    m_programma.anello.RegistrazioneAttiva = false;
+    segnalaErrore();
 }
 
 void BarraRegistrazione::campioneRegistrato(bool alLimite)

@@ -65,6 +65,11 @@ public:
     void comando(const QString &chiave);
     // The freeze keys of the chart window: which of the two stands.
     void mostraBlocco(bool bloccato);
+    // The window closes: what the ring holds goes to the file if recording, and a write
+    // that fails is told now, while the window that recorded is still there.
+    void chiudi();
+    // The last write failure, if one waits: the recording has stopped; the fitter is told.
+    void segnalaErrore();
 
 signals:
     void esci();
@@ -77,8 +82,10 @@ protected:
 
 private:
     QAction *creaAzione(const QString &nome, const QString &chiave, QObject *genitore);
-    void mostraLabRegistro();
-    void segnalaErrore();
+    void mostraLabRegistro(bool conFile = true);
+    // Before a recording starts in a file that already holds one: add to it, or go on in a
+    // new file; false when nothing is to start.
+    bool sceltaFile();
     void apriScheda();
 
     Programma &m_programma;

@@ -291,7 +291,27 @@ Grafici::Grafici(Programma &programma, QWidget *parent)
         g->impostaDivisioni(GraficoStriscia::AsseX, 5, 8);
         g->hide();
         g->setEnabled(false);
+        connect(g, &GraficoStriscia::scorrimento, this, &Grafici::scorri);
         m_grafici[s] = g;
+    }
+    // Frozen, the charts are looked back over: a tenth of the window, a window, the ends.
+    const auto ampiezza = [this] {
+        return double(m_modello.canale(0).MaxAsse - m_modello.canale(0).MinAsse);
+    };
+    const std::pair<Qt::Key, std::function<void()>> tasti[] = {
+        {Qt::Key_Left, [=, this] { scorri(-ampiezza() / 10); }},
+        {Qt::Key_Right, [=, this] { scorri(ampiezza() / 10); }},
+        {Qt::Key_PageUp, [=, this] { scorri(-ampiezza()); }},
+        {Qt::Key_PageDown, [=, this] { scorri(ampiezza()); }},
+        {Qt::Key_Home, [this] { scorriAlBordo(-1); }},
+        {Qt::Key_End, [this] { scorriAlBordo(1); }},
+    };
+    for (const auto &[tasto, azione] : tasti) {
+        auto *s = new QShortcut(QKeySequence(tasto), this);
+        s->setContext(Qt::WidgetWithChildrenShortcut);
+        s->setEnabled(false);
+        connect(s, &QShortcut::activated, this, azione);
+        m_tastiScorrimento.push_back(s);
     }
 
     auto *esc = new QShortcut(QKeySequence(Qt::Key_Escape), this);
@@ -477,12 +497,51 @@ void Grafici::blocca()
 {
     m_modello.Blocca();
     m_barra->mostraBlocco(true);
+    for (QShortcut *s : m_tastiScorrimento)
+        s->setEnabled(true);
+    const QString aiuto = m_programma.lingua.LeggiTesto("Grafici", "SCORRI").trimmed();
+    for (GraficoStriscia *g : m_grafici) {
+        g->setToolTip(aiuto);
+        g->setCursor(Qt::OpenHandCursor);
+    }
+}
+
+void Grafici::scorri(double campioni)
+{
+    if (m_modello.scorri(campioni))
+        ridisegnaTracce();
+}
+
+void Grafici::scorriAlBordo(int verso)
+{
+    if (m_modello.scorriAlBordo(verso))
+        ridisegnaTracce();
+}
+
+void Grafici::ridisegnaTracce()
+{
+    const Canale &tempo = m_modello.canale(0);
+    for (int s = 0; s < NumeroGrafici; ++s) {
+        const int c = m_modello.slot[static_cast<std::size_t>(s)].Canale;
+        if (c < 0)
+            continue;
+        GraficoStriscia *g = m_grafici[static_cast<std::size_t>(s)];
+        const Canale &k = m_modello.canale(c);
+        PreparaAssi(g, k.MinAsse, k.MaxAsse, tempo.MinAsse, tempo.MaxAsse, c);
+        g->impostaPunti(0, m_modello.RidisegnoTraccia(s));
+    }
 }
 
 void Grafici::sblocca()
 {
     m_modello.Sblocca();
     m_barra->mostraBlocco(false);
+    for (QShortcut *s : m_tastiScorrimento)
+        s->setEnabled(false);
+    for (GraficoStriscia *g : m_grafici) {
+        g->setToolTip(QString());
+        g->unsetCursor();
+    }
     const Canale &tempo = m_modello.canale(0);
     for (int s = 0; s < NumeroGrafici; ++s) {
         GraficoStriscia *g = m_grafici[static_cast<std::size_t>(s)];
@@ -500,8 +559,7 @@ void Grafici::Esci()
         return;
     m_chiusa = true;
     m_visDati->stop();
-    m_programma.anello.chiudiFinestra();
-    m_programma.anello.RegistrazioneAttiva = false;
+    m_barra->chiudi();
     emit chiusa();
 }
 

@@ -7,8 +7,10 @@
 
 #include <array>
 #include <optional>
+#include <vector>
 
 class QLabel;
+class QShortcut;
 class QTimer;
 
 namespace kv {
@@ -106,6 +108,11 @@ private:
     void coloraRighe();
     void blocca();
     void sblocca();
+    // Frozen charts: the window moved by so many samples, or to an end of what is held.
+    void scorri(double campioni);
+    void scorriAlBordo(int verso);
+    // Axes and curves of every slot in use, again from the ring.
+    void ridisegnaTracce();
 
     Programma &m_programma;
     ModelloGrafici m_modello;
@@ -117,6 +124,7 @@ private:
     std::array<RigaDatoGrafico *, NumeroCanali> m_righe{};
     std::array<GraficoStriscia *, NumeroGrafici> m_grafici{};
     QLabel *m_labRegistro;
+    std::vector<QShortcut *> m_tastiScorrimento; // live only while frozen
     bool m_chiusa = false;
     // The newest live record not shown yet.
     std::optional<RecordDati> m_datoNuovo;

@@ -3,8 +3,10 @@
 #include "variables/Formato.h"
 
 #include <QEvent>
+#include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QWheelEvent>
 
 #include <algorithm>
 #include <cmath>
@@ -284,6 +286,51 @@ void GraficoStriscia::impagina()
     const int basso = cifre.height() * 2 + Tacca + 6;
     m_area = QRect(sinistra, alto, std::max(width() - sinistra - destra, 10),
                    std::max(height() - alto - basso, 10));
+}
+
+void GraficoStriscia::chiediScorrimento(double asseX)
+{
+    m_residuo += asseX;
+    const double intero = std::trunc(m_residuo);
+    m_residuo -= intero;
+    if (intero != 0)
+        emit scorrimento(intero);
+}
+
+void GraficoStriscia::wheelEvent(QWheelEvent *evento)
+{
+    // A notch away from the fitter goes back by a tenth of the window.
+    const QPoint d = evento->angleDelta();
+    const double tacche = (d.y() != 0 ? d.y() : d.x()) / 120.0;
+    const DatiAsse &x = m_assi[AsseX];
+    chiediScorrimento(-tacche * (x.massimo - x.minimo) / 10);
+    evento->accept();
+}
+
+void GraficoStriscia::mousePressEvent(QMouseEvent *evento)
+{
+    if (evento->button() != Qt::LeftButton)
+        return QWidget::mousePressEvent(evento);
+    m_trascinoDa = evento->position().x();
+    m_residuo = 0;
+}
+
+void GraficoStriscia::mouseMoveEvent(QMouseEvent *evento)
+{
+    if (!m_trascinoDa || m_area.width() <= 0)
+        return QWidget::mouseMoveEvent(evento);
+    // The curve follows the pointer: dragged to the right, it shows what came before.
+    const DatiAsse &x = m_assi[AsseX];
+    const double dx = evento->position().x() - *m_trascinoDa;
+    m_trascinoDa = evento->position().x();
+    chiediScorrimento(-dx * (x.massimo - x.minimo) / m_area.width());
+}
+
+void GraficoStriscia::mouseReleaseEvent(QMouseEvent *evento)
+{
+    if (evento->button() == Qt::LeftButton)
+        m_trascinoDa.reset();
+    QWidget::mouseReleaseEvent(evento);
 }
 
 void GraficoStriscia::resizeEvent(QResizeEvent *)

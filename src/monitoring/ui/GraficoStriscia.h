@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include <array>
+#include <optional>
 #include <vector>
 
 namespace kv {
@@ -74,10 +75,19 @@ public:
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
+signals:
+    // The wheel turned or the plot was dragged: the window asked to move by so many whole
+    // units of the X axis (less than 0: towards the start). Whoever shows the chart decides.
+    void scorrimento(double asseX);
+
 protected:
     void paintEvent(QPaintEvent *evento) override;
     void resizeEvent(QResizeEvent *evento) override;
     void changeEvent(QEvent *evento) override;
+    void wheelEvent(QWheelEvent *evento) override;
+    void mousePressEvent(QMouseEvent *evento) override;
+    void mouseMoveEvent(QMouseEvent *evento) override;
+    void mouseReleaseEvent(QMouseEvent *evento) override;
 
 private:
     struct DatiAsse
@@ -109,6 +119,7 @@ private:
     double mappaY(Asse asse, double y) const;
     QRect rettangoloCursore(int cursore) const;
     void sfoltisci();
+    void chiediScorrimento(double asseX);
     QFont fontCifre() const;
     QFont fontTitoli() const;
 
@@ -121,6 +132,8 @@ private:
     QPixmap m_immagine;
     QRect m_area;
     bool m_daRidisegnare = true;
+    std::optional<double> m_trascinoDa; // x of the pointer while the plot is dragged
+    double m_residuo = 0;               // the part of a unit not yet asked for
     int m_ridisegni = 0;
     int m_segmenti = 0;
 };

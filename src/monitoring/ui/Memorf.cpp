@@ -2,6 +2,7 @@
 
 #include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
+#include "shell/ui/Stile.h"
 
 #include <QApplication>
 #include <QFocusEvent>
@@ -105,8 +106,8 @@ Memorf::Memorf(Programma &programma, QWidget *parent)
 
     m_memorizza->setObjectName(QStringLiteral("Memorizza"));
     m_esci->setObjectName(QStringLiteral("Esci"));
-    m_memorizza->setText(l.LeggiTesto("TASTI", "MEMORIZZA").trimmed() + QStringLiteral(" (F2)"));
-    m_esci->setText(l.LeggiTesto("TASTI", "ESCI").trimmed());
+    m_memorizza->setText(ConTastoAlt(l.LeggiTesto("TASTI", "MEMORIZZA").trimmed()) + QStringLiteral(" (F2)"));
+    m_esci->setText(ConTastoAlt(l.LeggiTesto("TASTI", "ESCI").trimmed()));
     m_memorizza->setAutoDefault(false);
     m_esci->setAutoDefault(false);
     connect(m_memorizza, &QPushButton::clicked, this, &Memorf::Memorizza);

@@ -409,7 +409,7 @@ void Strumenti::VisDati()
         coloraStato(m_statoPompata, attiva ? ColorePompa : Cruscotto);
     }
     if (c.zona) {
-        m_zonaLavoro->setText(TestoZona(m_programma.lingua, q.zona));
+        m_zonaLavoro->setText(m_programma.lingua.testo(NomeZona(q.zona)));
         coloraStato(m_zonaLavoro, Cruscotto);
     }
 }
@@ -421,6 +421,7 @@ void Strumenti::Esci()
     m_chiusa = true;
     m_visDati->stop();
     m_lettura->chiudi();
+    m_barra->segnalaErrore();
     emit chiusa();
 }
 

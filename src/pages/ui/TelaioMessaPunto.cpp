@@ -44,9 +44,9 @@ TelaioMessaPunto::TelaioMessaPunto(Programma &programma, const DescrizionePagina
     , m_sezione(descrizione.sezione)
     , m_righeTps(descrizione.righeTps)
 {
-    m_dialogo = std::make_unique<DialogoPagina>(descrizione, programma.catalogo, programma.linea,
-                                                programma.menu.ModoAssistenza(), programma.lingua,
-                                                static_cast<VistaPagina &>(*this));
+    m_dialogo =
+        std::make_unique<DialogoPagina>(descrizione, programma.catalogo, programma.linea,
+                                        programma.menu.ModoAssistenza(), static_cast<VistaPagina &>(*this));
     setObjectName(m_sezione);
 
     auto *principale = new QVBoxLayout(this);
@@ -92,7 +92,7 @@ TelaioMessaPunto::TelaioMessaPunto(Programma &programma, const DescrizionePagina
     m_zonaLavoro->setFixedHeight(2 * m_zonaLavoro->fontMetrics().height() + 4);
     int parolaPiuLunga = 0;
     for (int z = 0; z <= 5; ++z) {
-        const QStringList parole = TestoZona(m_programma.lingua, z).split(u' ', Qt::SkipEmptyParts);
+        const QStringList parole = m_programma.lingua.testo(NomeZona(z)).split(u' ', Qt::SkipEmptyParts);
         for (const QString &parola : parole)
             parolaPiuLunga = std::max(parolaPiuLunga, m_zonaLavoro->fontMetrics().horizontalAdvance(parola));
     }
@@ -521,14 +521,19 @@ void TelaioMessaPunto::bloccaCampoTps(int parametro)
         r->campo->blocca(true);
 }
 
-void TelaioMessaPunto::mostraSegnalazione(const QString &testo)
+void TelaioMessaPunto::mostraMessaggio(const QString &testo)
 {
     m_segnalazione->setText(testo);
 }
 
-void TelaioMessaPunto::mostraZonaLavoro(const QString &testo)
+void TelaioMessaPunto::mostraSegnalazione(const Messaggio &testo)
 {
-    m_zonaLavoro->setText(testo);
+    mostraMessaggio(m_programma.lingua.testo(testo));
+}
+
+void TelaioMessaPunto::mostraZonaLavoro(const Messaggio &zona)
+{
+    m_zonaLavoro->setText(m_programma.lingua.testo(zona));
 }
 
 void TelaioMessaPunto::abilitaPagina(bool abilitata)
@@ -581,11 +586,11 @@ void TelaioMessaPunto::chiudiPagina()
 
 void TelaioMessaPunto::frameNormale(const RecordDati &record)
 {
-    const TestiPannelloLive t = TestiPannello(m_programma.lingua, record);
+    const TestiPannelloLive t = TestiPannello(record);
     for (size_t i = 0; i < m_dato.size(); ++i)
         m_dato[i]->setText(t.dato[i]);
     if (m_dialogo->descrizione().zonaLavoro)
-        m_zonaLavoro->setText(t.zona);
+        m_zonaLavoro->setText(m_programma.lingua.testo(t.zona));
     for (GrigliaMessaPunto *g : m_griglie)
         g->modello()->impostaPuntoVivo(record.Valore[Canale::Giri], record.Valore[Canale::Tps]);
 }
@@ -654,7 +659,8 @@ QString TelaioMessaPunto::primoRespinto(bool modificati, QWidget **dove)
             continue;
         if (modificati && !r.campo->cambiato())
             continue;
-        const QString motivo = m_dialogo->motivoRespinto(r.parametro, r.etichetta->text(), r.campo->text());
+        const QString motivo = m_programma.lingua.testo(
+            m_dialogo->motivoRespinto(r.parametro, r.etichetta->text(), r.campo->text()));
         if (motivo.isEmpty())
             continue;
         r.campo->segnaErrato(true);
@@ -672,8 +678,8 @@ QString TelaioMessaPunto::primoRespinto(bool modificati, QWidget **dove)
         if (dove)
             *dove = g;
         const int p = cella.data(ModelloGriglia::RuoloParametro).toInt();
-        return m_dialogo->motivoRespinto(p, m_programma.lingua.LeggiTesto("MESSAPUNTO", "CELLA"),
-                                         m->testoDi(p));
+        return m_programma.lingua.testo(m_dialogo->motivoRespinto(
+            p, m_programma.lingua.LeggiTesto("MESSAPUNTO", "CELLA"), m->testoDi(p)));
     }
     return {};
 }

@@ -116,7 +116,7 @@ protected:
     // What Esc presses: the first of these that is enabled and in view. Esci alone unless
     // a page says otherwise.
     void tastiEsc(std::initializer_list<QPushButton *> tasti);
-    void mostraMessaggio(const QString &testo) { mostraSegnalazione(testo); }
+    void mostraMessaggio(const QString &testo);
     QString testo(const QString &chiave) const;
     // A command's caption with its Alt key and its function key: "&Apply  (F2)".
     static QString testoComando(const QString &caption, const QString &tasto);
@@ -132,8 +132,8 @@ protected:
     void nascondiRigheTps() override;
     void mostraRigheTps() override;
     void bloccaCampoTps(int parametro) override;
-    void mostraSegnalazione(const QString &testo) override;
-    void mostraZonaLavoro(const QString &testo) override;
+    void mostraSegnalazione(const Messaggio &testo) override;
+    void mostraZonaLavoro(const Messaggio &zona) override;
     void abilitaPagina(bool abilitata) override;
     void uscitaEmergenza() override;
     void chiudiPagina() override;

@@ -3,6 +3,9 @@
 #include "base/Lingua.h"
 #include "shell/ui/Stile.h"
 
+#include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QApplication>
 #include <QCompleter>
 #include <QDir>
 #include <QFileDialog>
@@ -10,8 +13,10 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QStorageInfo>
+#include <QTimer>
 #include <QUrl>
 
 namespace kv {
@@ -48,6 +53,39 @@ QList<QUrl> volumi()
     return primi + altri;
 }
 
+// A click beside the open list of completions closes the list and is not lost with it: the
+// button under the pointer is pressed, any other widget gets the click as it came.
+class ClicOltreLaLista : public QObject
+{
+public:
+    using QObject::QObject;
+
+protected:
+    bool eventFilter(QObject *oggetto, QEvent *evento) override
+    {
+        auto *lista = qobject_cast<QWidget *>(oggetto);
+        if (!lista || evento->type() != QEvent::MouseButtonPress)
+            return false;
+        const auto *clic = static_cast<QMouseEvent *>(evento);
+        const QPoint dove = clic->globalPosition().toPoint();
+        if (lista->rect().contains(lista->mapFromGlobal(dove)))
+            return false;
+        lista->hide();
+        QWidget *sotto = QApplication::widgetAt(dove);
+        if (!sotto || sotto->window() == lista->window())
+            return true;
+        if (auto *tasto = qobject_cast<QAbstractButton *>(sotto)) {
+            if (tasto->isEnabled())
+                QTimer::singleShot(0, tasto, [tasto] { tasto->click(); });
+            return true;
+        }
+        QMouseEvent copia(QEvent::MouseButtonPress, sotto->mapFromGlobal(clic->globalPosition()),
+                          clic->globalPosition(), clic->button(), clic->buttons(), clic->modifiers());
+        QCoreApplication::sendEvent(sotto, &copia);
+        return true;
+    }
+};
+
 } // namespace
 
 SceltaCartella::SceltaCartella(QWidget *parent)
@@ -65,6 +103,7 @@ SceltaCartella::SceltaCartella(QWidget *parent)
     modello->setRootPath(QString());
     auto *completamento = new QCompleter(modello, this);
     m_campo->setCompleter(completamento);
+    completamento->popup()->installEventFilter(new ClicOltreLaLista(this));
 
     auto *riga = new QHBoxLayout(this);
     riga->setContentsMargins(0, 0, 0, 0);

@@ -4,6 +4,7 @@
 #include "programming/ui/SceltaCartella.h"
 #include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
+#include "shell/ui/Stile.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -117,6 +118,13 @@ void TelaioScambio::caricaTesti(const QString &tastoComando, const QString &etic
                     + QStringLiteral("  (Esc)"));
     if (m_cartella)
         m_cartella->caricaTesti(m_programma.lingua, etichettaCartella);
+}
+
+void TelaioScambio::showEvent(QShowEvent *evento)
+{
+    // The page's texts are all in by now: the folder's label gives way to the buttons.
+    DistinguiTastiAlt(this);
+    QWidget::showEvent(evento);
 }
 
 QString TelaioScambio::segnalazione() const

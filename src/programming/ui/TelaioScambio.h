@@ -48,6 +48,8 @@ signals:
     void chiusa();
 
 protected:
+    void showEvent(QShowEvent *evento) override;
+
     // The wait cursor for as long as an operation runs.
     class Attesa
     {

@@ -9,6 +9,7 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QScopedValueRollback>
@@ -66,6 +67,7 @@ Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &p
     , m_frame(frame)
     , m_seriali(new QListWidget(this))
     , m_baud(new QListWidget(this))
+    , m_dispositivo(new QLineEdit(this))
     , m_salva(new QPushButton(this))
     , m_esci(new QPushButton(this))
 {
@@ -76,6 +78,8 @@ Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &p
 
     m_seriali->setObjectName(QStringLiteral("Seriali"));
     m_baud->setObjectName(QStringLiteral("Baud"));
+    m_dispositivo->setObjectName(QStringLiteral("Dispositivo"));
+    m_dispositivo->setPlaceholderText(QStringLiteral("/dev/ttyUSB0"));
     m_salva->setObjectName(QStringLiteral("Salva"));
     m_esci->setObjectName(QStringLiteral("Esci"));
 
@@ -110,6 +114,11 @@ Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &p
     etichettaBaud->setObjectName(QStringLiteral("LabCom_1"));
     etichettaPorta->setBuddy(m_seriali);
     etichettaBaud->setBuddy(m_baud);
+    auto *etichettaDispositivo =
+        new QLabel(ConTastoAlt(l.LeggiTesto("Comunicazione", "LABCOM.2").trimmed()), this);
+    etichettaDispositivo->setObjectName(QStringLiteral("LabCom_2"));
+    etichettaDispositivo->setBuddy(m_dispositivo);
+    etichettaDispositivo->setWordWrap(true);
     auto *segnalazione = new QLabel(l.LeggiTesto("Comunicazione", "SEGNALAZIONE.0").trimmed(), this);
     segnalazione->setObjectName(QStringLiteral("Segnalazione"));
     segnalazione->setWordWrap(true);
@@ -134,6 +143,8 @@ Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &p
     griglia->addWidget(etichettaBaud, 0, 1);
     griglia->addWidget(m_seriali, 1, 0, Qt::AlignTop);
     griglia->addWidget(m_baud, 1, 1, Qt::AlignTop);
+    griglia->addWidget(etichettaDispositivo, 2, 0);
+    griglia->addWidget(m_dispositivo, 3, 0);
 
     auto *tasti = new QHBoxLayout;
     tasti->addStretch(1);
@@ -166,6 +177,9 @@ Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &p
             break;
         }
     }
+    // A device the system does not list (not plugged in, or no serial port to it) stands typed.
+    if (m_seriali->selectedItems().isEmpty() && attuale.startsWith(u'/'))
+        m_dispositivo->setText(attuale);
     for (int i = 0; i < m_baud->count(); ++i) {
         if (m_baud->item(i)->data(RuoloValore).toInt() == p.seriale.VelocitaCom)
             m_baud->setCurrentRow(i);
@@ -173,7 +187,17 @@ Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &p
 
     connect(m_salva, &QPushButton::clicked, this, &Comunicazione::Salva);
     connect(m_esci, &QPushButton::clicked, this, &Comunicazione::Esci);
-    connect(m_seriali, &QListWidget::itemSelectionChanged, this, [this] { rendiNormale(m_seriali); });
+    // The port is either chosen in the list or typed: one clears the other.
+    connect(m_seriali, &QListWidget::itemSelectionChanged, this, [this] {
+        rendiNormale(m_seriali);
+        if (!m_seriali->selectedItems().isEmpty())
+            m_dispositivo->clear();
+    });
+    connect(m_dispositivo, &QLineEdit::textEdited, this, [this](const QString &testo) {
+        if (!testo.trimmed().isEmpty())
+            m_seriali->clearSelection();
+    });
+    connect(m_dispositivo, &QLineEdit::returnPressed, this, &Comunicazione::Salva);
     connect(m_baud, &QListWidget::itemSelectionChanged, this, [this] { rendiNormale(m_baud); });
     auto *f2 = new QShortcut(QKeySequence(Qt::Key_F2), this, this, &Comunicazione::Salva);
     auto *esc = new QShortcut(QKeySequence(Qt::Key_Escape), this, this, &Comunicazione::Esci);
@@ -197,18 +221,33 @@ void Comunicazione::Salva()
     if (m_inSalvataggio || !m_frame.paginaAperta(this))
         return;
     QScopedValueRollback inSalvataggio(m_inSalvataggio, true);
+    Programma &p = m_frame.programma();
     const QList<QListWidgetItem *> porta = m_seriali->selectedItems();
     const QList<QListWidgetItem *> baud = m_baud->selectedItems();
-    if (porta.isEmpty()) {
+    const QString digitato = m_dispositivo->text().trimmed();
+    if (porta.isEmpty() && digitato.isEmpty()) {
         segnalaMancante(m_seriali);
         return;
+    }
+    if (porta.isEmpty()) {
+        const EsitoDispositivo esito = ControllaDispositivo(digitato);
+        if (esito != EsitoDispositivo::Valido) {
+            const QString chiave = esito == EsitoDispositivo::NonPercorso ? QStringLiteral("SEGNALAZIONE.1")
+                                                                          : QStringLiteral("SEGNALAZIONE.2");
+            m_frame.MostraMsg(
+                p.lingua.LeggiTesto("Comunicazione", chiave).replace(QStringLiteral("XXX"), digitato), 48,
+                p.lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
+            if (m_frame.paginaAperta(this))
+                m_dispositivo->setFocus(Qt::OtherFocusReason);
+            return;
+        }
     }
     if (baud.isEmpty()) {
         segnalaMancante(m_baud);
         return;
     }
-    Programma &p = m_frame.programma();
-    if (!scriviImpSeriale(p.percorsoIni(), porta.first()->data(RuoloValore).toString(),
+    if (!scriviImpSeriale(p.percorsoIni(),
+                          porta.isEmpty() ? digitato : porta.first()->data(RuoloValore).toString(),
                           baud.first()->data(RuoloValore).toInt())) {
         // Nothing was written and the old file is whole: the fitter may try again.
         m_frame.MostraMsg(p.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_19"), 16,

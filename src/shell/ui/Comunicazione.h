@@ -5,6 +5,7 @@
 #include <QWidget>
 
 class QLabel;
+class QLineEdit;
 class QListWidget;
 class QPushButton;
 
@@ -22,8 +23,8 @@ struct PortaDisponibile
 // The system's ports now, in the order that "COMn" counts them.
 QList<PortaDisponibile> PorteDisponibili();
 
-// The port page: the port and the speed, written to KORVANTINE.INI by Salva, which then
-// reopens the port.
+// The port page: the port (chosen in the list, or a device path typed) and the speed,
+// written to KORVANTINE.INI by Salva, which then reopens the port.
 class Comunicazione : public QWidget
 {
     Q_OBJECT
@@ -39,6 +40,7 @@ private:
     Korvantine &m_frame;
     QListWidget *m_seriali;
     QListWidget *m_baud;
+    QLineEdit *m_dispositivo; // a device typed, for one the system does not list
     QPushButton *m_salva;
     QPushButton *m_esci;
     bool m_inSalvataggio = false;

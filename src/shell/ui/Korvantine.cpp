@@ -20,6 +20,7 @@
 #include <QPainter>
 #include <QScreen>
 #include <QStyle>
+#include <QTextLayout>
 #include <QThread>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -38,31 +39,51 @@ namespace {
 // How often a closed page is looked at again while a nested event loop keeps it alive.
 constexpr int IntervalloEliminazione = 50;
 
-// A label of the strip: one line whatever its text, cut with an ellipsis where the strip
-// ends; the whole text stays in text() and in the tooltip.
+// A label of the strip: two lines at most whatever its text, broken at words and cut with an
+// ellipsis at the end of the second; the whole text stays in text() (what a screen reader
+// says) and in the tooltip.
 class EtichettaStriscia : public QLabel
 {
 public:
     using QLabel::QLabel;
 
-    QSize sizeHint() const override { return {0, unaRiga()}; }
-    QSize minimumSizeHint() const override { return {0, unaRiga()}; }
+    QSize sizeHint() const override { return {0, dueRighe()}; }
+    QSize minimumSizeHint() const override { return {0, dueRighe()}; }
 
 protected:
     void paintEvent(QPaintEvent *) override
     {
         QPainter p(this);
         const QRect r = contentsRect();
-        const QString riga = QString(text()).replace(u'\n', u' ');
-        style()->drawItemText(&p, r, static_cast<int>(alignment()), palette(), isEnabled(),
-                              fontMetrics().elidedText(riga, Qt::ElideRight, r.width()), foregroundRole());
+        const QString testo = QString(text()).replace(u'\n', u' ');
+        const QFontMetrics fm = fontMetrics();
+        QTextLayout layout(testo, font());
+        layout.beginLayout();
+        QStringList righe;
+        for (QTextLine riga = layout.createLine(); riga.isValid(); riga = layout.createLine()) {
+            riga.setLineWidth(r.width());
+            if (righe.size() == 1) {
+                righe << fm.elidedText(testo.mid(riga.textStart()), Qt::ElideRight, r.width());
+                break;
+            }
+            righe << testo.mid(riga.textStart(), riga.textLength()).trimmed();
+        }
+        layout.endLayout();
+        const int alto = fm.height() * int(righe.size());
+        int y = r.top() + (r.height() - alto) / 2;
+        for (const QString &riga : std::as_const(righe)) {
+            style()->drawItemText(&p, QRect(r.left(), y, r.width(), fm.height()),
+                                  static_cast<int>(alignment()), palette(), isEnabled(), riga,
+                                  foregroundRole());
+            y += fm.height();
+        }
     }
 
 private:
-    int unaRiga() const
+    int dueRighe() const
     {
         const QMargins m = contentsMargins();
-        return fontMetrics().height() + m.top() + m.bottom() + 2 * margin();
+        return 2 * fontMetrics().height() + m.top() + m.bottom() + 2 * margin();
     }
 };
 
@@ -75,6 +96,7 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     , m_segnalazione(new QLabel(this))
     , m_segnalazione1(new EtichettaStriscia(this))
     , m_statoCollegamento(new EtichettaStriscia(this))
+    , m_modo(new QLabel(this))
     , m_timerEliminazione(new QTimer(this))
 {
     setObjectName(QStringLiteral("Korvantine"));
@@ -99,9 +121,15 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     m_segnalazione->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_segnalazione1->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_statoCollegamento->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    // Service mode is on for the rest of the run: said where it is seen from every page.
+    m_modo->setObjectName(QStringLiteral("ModoAssistenza"));
+    m_modo->setStyleSheet(
+        QStringLiteral("background: #ffb300; color: black; font-weight: bold; padding: 2px 8px;"));
+    m_modo->hide();
     auto *strip = new QHBoxLayout(box);
     const int margine = fontMetrics().averageCharWidth();
     strip->setContentsMargins(margine, margine / 2, margine, margine / 2);
+    strip->addWidget(m_modo);
     strip->addWidget(m_statoCollegamento, 4);
     strip->addWidget(m_segnalazione1, 2);
     strip->addWidget(m_segnalazione, 2);
@@ -128,10 +156,16 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     // their own units; until they are, their menu entries say they are not there yet.
 
     Programma &p = m_programma;
-    connect(&p, &Programma::portaNonAperta, this, [this] {
+    connect(&p, &Programma::portaNonAperta, this, [this](const QString &dispositivo, const QString &gruppo) {
         aggiornaStatoCollegamento();
         const Lingua &l = m_programma.lingua;
-        avvisa(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_3"), l.LeggiTesto("SEGNALAZIONI", "TITOLO_2"), 16);
+        QString testo = l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_3");
+        if (!gruppo.isEmpty())
+            testo += QStringLiteral("\n\n")
+                     + l.LeggiTesto("SEGNALAZIONI", "PERMESSO_PORTA")
+                           .replace(QStringLiteral("XXX"), dispositivo)
+                           .replace(QStringLiteral("YYY"), gruppo);
+        avvisa(testo, l.LeggiTesto("SEGNALAZIONI", "TITOLO_2"), 16);
     });
     SessioneLinea &linea = p.linea;
     connect(&linea, &SessioneLinea::segnalazione, this, [this](const QString &hex) {
@@ -278,6 +312,7 @@ void Korvantine::ChiudiPagina(QWidget *pagina, int prossima)
         return;
     if (pagina == m_sopra) {
         togliPagina(pagina);
+        mostraModo();
         riprendiTastiera(this);
         if (prossima == -1 && m_taratura)
             m_taratura->prosegui();
@@ -501,6 +536,15 @@ void Korvantine::aggiornaStatoCollegamento()
         m_statoCollegamento->setText(testo);
         m_statoCollegamento->setToolTip(testo);
     }
+    mostraModo();
+}
+
+void Korvantine::mostraModo()
+{
+    const bool assistenza = m_programma.menu.ModoAssistenza();
+    if (assistenza)
+        m_modo->setText(m_programma.lingua.LeggiTesto("KORVANTINE", "ASSISTENZA").trimmed());
+    m_modo->setVisible(assistenza && !m_modo->text().isEmpty());
 }
 
 void Korvantine::ripartisciStriscia()

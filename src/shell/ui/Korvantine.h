@@ -158,6 +158,7 @@ private:
     void eliminaSospese();
     void cursoreAttesa(bool attesa);
     void ripartisciStriscia();
+    void mostraModo();
     void riprendiTastiera(QWidget *finestra);
     void mostraAvvisi();
     int mostraMsg(const QString &testo, int flags, const QString &titolo, int predefinito,
@@ -171,6 +172,7 @@ private:
     QLabel *m_segnalazione;
     QLabel *m_segnalazione1;
     QLabel *m_statoCollegamento;
+    QLabel *m_modo;
     QTimer *m_timerEliminazione;
 
     QPointer<QWidget> m_pagina;

@@ -45,9 +45,17 @@ SceltaLingua::SceltaLingua(Korvantine &frame, QWidget *parent)
     for (const QString &nome : file) {
         if (nome.size() <= Estensione.size() || !nome.endsWith(Estensione, Qt::CaseInsensitive))
             continue;
-        m_elenco->addItem(nome);
-        if (confrontabile(nome.chopped(Estensione.size())) == confrontabile(l.LinguaCorrente))
-            m_elenco->setCurrentRow(m_elenco->count() - 1);
+        // Each language by its own name, as its file gives it; the file's name otherwise.
+        Lingua questa(p.PercorsoApp);
+        questa.impostaCartelleDistribuite(l.cartelleDistribuite());
+        questa.LinguaCorrente = nome.chopped(Estensione.size());
+        const QString proprio =
+            questa.LeggiTesto(QStringLiteral("SceltaLingua"), QStringLiteral("NOME")).trimmed();
+        auto *voce = new QListWidgetItem(proprio.isEmpty() ? nome : proprio, m_elenco);
+        voce->setData(Qt::UserRole, questa.LinguaCorrente);
+        voce->setToolTip(nome);
+        if (confrontabile(questa.LinguaCorrente) == confrontabile(l.LinguaCorrente))
+            m_elenco->setCurrentItem(voce);
     }
 
     auto *etichetta = new QLabel(l.LeggiTesto("SceltaLingua", "LABLINGUA.0").trimmed(), this);
@@ -101,7 +109,7 @@ void SceltaLingua::Scegli()
         QApplication::beep();
         m_elenco->setFocus(Qt::OtherFocusReason);
     } else {
-        const QString nome = scelta.first()->text().chopped(Estensione.size());
+        const QString nome = scelta.first()->data(Qt::UserRole).toString();
         if (confrontabile(nome) == confrontabile(l.LinguaCorrente)) {
             m_frame.MostraMsg(l.LeggiTesto("SceltaLingua", "SEGNALAZIONE.0"), 64,
                               l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));

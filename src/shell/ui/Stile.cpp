@@ -1,7 +1,9 @@
 #include "shell/ui/Stile.h"
 
+#include <QAbstractButton>
 #include <QLabel>
 #include <QListWidget>
+#include <QSet>
 
 #include <algorithm>
 #include <cmath>
@@ -49,6 +51,50 @@ QString ConTastoAlt(const QString &testo)
         if (testo.at(i).isLetterOrNumber())
             return QString(testo).insert(i, QLatin1Char('&'));
     return testo;
+}
+
+namespace {
+
+// The letter after the lone '&' of a caption, none when it marks no key.
+QChar tastoAlt(const QString &testo)
+{
+    for (qsizetype i = 0; i + 1 < testo.size(); ++i) {
+        if (testo.at(i) != u'&')
+            continue;
+        if (testo.at(i + 1) != u'&')
+            return testo.at(i + 1).toLower();
+        ++i;
+    }
+    return {};
+}
+
+} // namespace
+
+void DistinguiTastiAlt(QWidget *pagina)
+{
+    QSet<QChar> presi;
+    for (const QAbstractButton *b : pagina->findChildren<QAbstractButton *>())
+        if (const QChar t = tastoAlt(b->text()); !t.isNull())
+            presi.insert(t);
+    for (QLabel *l : pagina->findChildren<QLabel *>()) {
+        const QChar t = tastoAlt(l->text());
+        if (!l->buddy() || t.isNull() || !presi.contains(t)) {
+            if (!t.isNull())
+                presi.insert(t);
+            continue;
+        }
+        QString testo = l->text();
+        testo.remove(testo.indexOf(u'&'), 1);
+        for (qsizetype i = 0; i < testo.size(); ++i) {
+            const QChar c = testo.at(i).toLower();
+            if (c.isLetterOrNumber() && !presi.contains(c)) {
+                testo.insert(i, u'&');
+                presi.insert(c);
+                break;
+            }
+        }
+        l->setText(testo);
+    }
 }
 
 } // namespace kv

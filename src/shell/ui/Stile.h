@@ -23,6 +23,11 @@ void DimensionaElenco(QListWidget *elenco, int righe);
 // a caption that marks its own key keeps it.
 QString ConTastoAlt(const QString &testo);
 
+// The Alt keys of a page kept apart: a label that would share its key with a button, or
+// with a label before it, takes the first letter of its text that is still free. Buttons
+// keep theirs.
+void DistinguiTastiAlt(QWidget *pagina);
+
 namespace Tavolozza {
 // Fields and grid cells: at rest, with the focus, wrong, locked because the ECU adapts them.
 inline constexpr QColor SfondoCampo(255, 255, 255);

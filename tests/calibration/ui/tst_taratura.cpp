@@ -148,7 +148,8 @@ private slots:
         tasto(Qt::Key_F5, Qt::ShiftModifier);
         auto *avviso = qobject_cast<IniTaratura *>(frame->paginaSopra());
         QVERIFY(avviso);
-        QCOMPARE(avviso->windowTitle(), SequenzaTaratura::ComponiPasso(testo("IniTaratura", "CAPTION"), 1));
+        QCOMPARE(avviso->windowTitle(),
+                 p->lingua.testo(SequenzaTaratura::ComponiPasso({"IniTaratura", "CAPTION"}, 1)));
         QApplication::setActiveWindow(avviso);
         QTest::keyClick(avviso, Qt::Key_F2);
         QCOMPARE(ricevuti, QByteArrayList{comando("4102")});
@@ -159,7 +160,8 @@ private slots:
         QApplication::setActiveWindow(frame.get());
         auto *giri = pagina<T_Giri>();
         QVERIFY(giri);
-        QCOMPARE(giri->windowTitle(), SequenzaTaratura::ComponiPasso(testo("T_Giri", "CAPTION.1"), 2));
+        QCOMPARE(giri->windowTitle(),
+                 p->lingua.testo(SequenzaTaratura::ComponiPasso({"T_Giri", "CAPTION.1"}, 2)));
         QCOMPARE(sul(giri, "Segnalazione"), testo("T_Giri", "SEGNALAZIONE.0"));
         scorri(2500);
         QCOMPARE(sul(giri, "Segnalazione"), testo("T_Giri", "SEGNALAZIONE.1"));
@@ -207,7 +209,8 @@ private slots:
         // Lambda, then the parameters.
         auto *lambda = pagina<PaginaStriscia>();
         QVERIFY(lambda && lambda->objectName() == "T_Lambda");
-        QCOMPARE(lambda->windowTitle(), SequenzaTaratura::ComponiPasso(testo("T_Lambda", "CAPTION.1"), 4));
+        QCOMPARE(lambda->windowTitle(),
+                 p->lingua.testo(SequenzaTaratura::ComponiPasso({"T_Lambda", "CAPTION.1"}, 4)));
         QCOMPARE(sul(lambda, "Msg_Lambda"), testo("T_Lambda", "MSG_LAMBDA.0"));
         QVERIFY(lambda->sonda(0)->isChecked() && !lambda->sonda(1)->isEnabled());
         scorri(Taratura::LambdaSweepMs);
@@ -216,7 +219,7 @@ private slots:
         auto *parametri = pagina<T_Parametri>();
         QVERIFY(parametri);
         QCOMPARE(parametri->windowTitle(),
-                 SequenzaTaratura::ComponiPasso(testo("T_Parametri", "CAPTION.1"), 5));
+                 p->lingua.testo(SequenzaTaratura::ComponiPasso({"T_Parametri", "CAPTION.1"}, 5)));
         scorri(200);
         // 512 of 1023 on a range of 80, the ECU's -5 (0x85), from 10: 45.
         QCOMPARE(parametri->D_Parametri(0)->text().trimmed(), QStringLiteral("45"));

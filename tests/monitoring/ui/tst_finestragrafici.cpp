@@ -1,6 +1,6 @@
 // The chart window on screen, fed by the simulated ECU through the program's port: four
 // charts picked by keyboard, their curves growing a segment at a time, a recording whose
-// file is chosen by the card and then made read-only, and Esc.
+// file is chosen by the card and then made read-only, started again in a new file, and Esc.
 
 #include "support/FileDiProva.h"
 #include "support/ProgrammaSimulato.h"
@@ -24,6 +24,7 @@ class TstFinestraGrafici : public QObject, ProgrammaSimulato
 
     std::unique_ptr<Grafici> g;
     QStringList messaggi;
+    int risposta = 1;
 
     // One live frame through the port, then the display tick (unless the page's own timer
     // has just run it).
@@ -42,7 +43,7 @@ class TstFinestraGrafici : public QObject, ProgrammaSimulato
         g = std::make_unique<Grafici>(*p);
         g->barra().impostaMessaggio([this](const QString &t, int, const QString &) {
             messaggi << t;
-            return 1;
+            return risposta;
         });
         g->resize(1024, 700);
         g->show();
@@ -182,6 +183,32 @@ private slots:
         QCOMPARE(p->anello.StatoRegistrazione, qint16(AnelloRegistrazione::Fermo));
         QVERIFY(inizio->isVisible() && !pausa->isVisible());
         QCOMPARE(leggi(file), scritto);
+
+        // The file holds a recording: asked first. Cancel starts nothing; No goes on in a new
+        // file on a card of its own, the old file untouched.
+        const QString accoda = testo("REGISTRAZIONE", "ACCODA").replace("XXX", file);
+        tasto(Qt::Key_F5);
+        QCOMPARE(messaggi.last(), accoda);
+        QCOMPARE(p->anello.StatoRegistrazione, qint16(AnelloRegistrazione::Fermo));
+        risposta = 7;
+        QVERIFY(frame());
+        tasto(Qt::Key_F5);
+        QCOMPARE(messaggi.size(), 3);
+        const QString nuovo = cartella.filePath("DATI/A/B/GIRO_2.ACQ");
+        QCOMPARE(p->anello.FileRegistrazione, nuovo);
+        QCOMPARE(FileIni::leggi(p->percorsoIni(), "MEMORIZZAZIONE", "FileMemor"), nuovo);
+        QCOMPARE(p->anello.StatoRegistrazione, qint16(AnelloRegistrazione::InRegistrazione));
+        QVERIFY(leggi(nuovo).startsWith(scritto.left(scritto.indexOf('\n', scritto.indexOf('\n') + 1) + 1)));
+        QCOMPARE(leggi(file), scritto);
+
+        // A write that fails as the window closes is told then, before it has gone.
+        QVERIFY(frame());
+        SolaLettura protetto(nuovo);
+        QSignalSpy chiusa(g.get(), &Grafici::chiusa);
+        connect(g.get(), &Grafici::chiusa, this, [&] { QCOMPARE(messaggi.size(), 4); });
+        tasto(Qt::Key_Escape);
+        QCOMPARE(chiusa.size(), 1);
+        QCOMPARE(messaggi.last(), testo("REGISTRAZIONE", "ERRORE.0").replace("XXX", nuovo));
     }
 };
 

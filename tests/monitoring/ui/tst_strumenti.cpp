@@ -226,7 +226,7 @@ private slots:
         record(800, 10, 10, 10, zona, pompa, alimentazione);
         QVERIFY(modello->tick().alimentazione);
         const M::Quadro &q = modello->quadro();
-        QCOMPARE(QStringList({TestoZona(p->lingua, q.zona), q.chiavePompata, q.chiaveAlimentazione}),
+        QCOMPARE(QStringList({p->lingua.testo(NomeZona(q.zona)), q.chiavePompata, q.chiaveAlimentazione}),
                  QStringList({testo("ZONE", chiavi[0]), chiavi[1], chiavi[2]}));
         QCOMPARE(q.coloreAlimentazione, colore);
     }

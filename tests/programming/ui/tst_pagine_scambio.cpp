@@ -157,7 +157,7 @@ private slots:
         tasti({Qt::Key_Insert}, Qt::ControlModifier);
         QCOMPARE(pagina->selezione().chiavi().size(), 1);
         tasti({Qt::Key_F2});
-        QCOMPARE(pagina->segnalazione(), testo("RipriMappe", "SEGNALAZIONE_3").replace("XXX", "1"));
+        QCOMPARE(pagina->segnalazione(), testo("RipriMappe", "SEGNALAZIONE_3.1"));
         QVERIFY(domande.isEmpty());
         QCOMPARE(leggi(d("MAPPATURE/LPG/Fiat/Punto/tuned.LKV")), QByteArray("tuned map"));
         tasti({Qt::Key_Escape});
@@ -220,7 +220,7 @@ private slots:
         tasti({Qt::Key_Return});
         QCOMPARE(ripri->LSoftware()->count(), 1);
         tasti({Qt::Key_F2});
-        QCOMPARE(ripri->segnalazione(), testo("RipriDiscoSW", "SEGNALAZIONE1.3").replace("XXX", "1"));
+        QCOMPARE(ripri->segnalazione(), testo("RipriDiscoSW", "SEGNALAZIONE1.3.1"));
         QCOMPARE(leggi(d("SOFTWARE/FILES19/KV3.S19")), QByteArray("three"));
         QVERIFY(domande.isEmpty());
         tasti({Qt::Key_Escape});

@@ -161,7 +161,13 @@ private slots:
         QVERIFY(a.frame->apriPagina(IdPagina::SceltaLingua));
         auto *elenco = a.sullaPagina<QListWidget>("ElencoLingue");
         QCOMPARE(elenco->count(), 2);
-        QCOMPARE(elenco->currentItem()->text(), QStringLiteral("ENGLISH.LNG"));
+        // Each language by its own name, as its file says it.
+        for (int i = 0; i < 2; ++i)
+            QCOMPARE(elenco->item(i)->text(),
+                     FileIni::leggi(a.cartella.filePath(QStringList{"ENGLISH.LNG", "ITALIANO.LNG"}[i]),
+                                    "SceltaLingua", "NOME")
+                         .trimmed());
+        QCOMPARE(elenco->currentRow(), 0);
         a.sullaPagina("Scegli")->click();
         QCOMPARE(r.visti.size(), 1);
         QCOMPARE(r.visti[0].testo, a.testo("SceltaLingua", "SEGNALAZIONE.0"));

@@ -376,14 +376,14 @@ private slots:
     {
         Ambiente a(false, false);
         aiuto::Risponditore r;
-        emit a.programma->portaNonAperta();
+        emit a.programma->portaNonAperta({}, {});
         QTest::qWait(20);
         QVERIFY(r.visti.isEmpty());
         a.avviaFrame();
         QTRY_COMPARE(r.visti.size(), 1);
         QCOMPARE(r.visti[0].testo, a.testo("SEGNALAZIONI", "SEGNALAZIONE_3"));
         QCOMPARE(r.visti[0].titolo, a.testo("SEGNALAZIONI", "TITOLO_2"));
-        emit a.programma->portaNonAperta();
+        emit a.programma->portaNonAperta({}, {});
         QCOMPARE(r.visti.size(), 2); // once the frame is up, at once
     }
 };
