@@ -5,7 +5,9 @@
 #include "base/PercorsoApp.h"
 #include "calibration/ui/RegistroTaratura.h"
 #include "link/PortaSeriale.h"
+#include "monitoring/Canali.h"
 #include "monitoring/ui/RegistroStrumenti.h"
+#include "monitoring/ui/Visore.h"
 #include "pages/ui/RegistroMessaPunto.h"
 #include "programming/ui/RegistroMappe.h"
 #include "programming/ui/RegistroProgSW.h"
@@ -17,11 +19,38 @@
 
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QFileInfo>
 
 #include <cstdio>
 #include <memory>
 
 using namespace kv;
+
+namespace {
+
+// The viewer alone on a recording named on the command line (as a file manager opens it):
+// no port, no ECU, not held back by a program already running in the folder, and nothing
+// made or written there; the language and the names of the channels are read from it.
+int soloVisore(const QString &file, const QString &home)
+{
+    const QString cartellaEseguibile = QCoreApplication::applicationDirPath();
+    const QString percorsoApp = RisolviPercorsoApp(home, cartellaEseguibile, CartellaDatiUtente());
+    Lingua lingua(percorsoApp);
+    lingua.impostaCartelleDistribuite(CartelleLingueDistribuite(cartellaEseguibile));
+    lingua.LeggiImpLingua();
+    if (!ContieneLingue(percorsoApp))
+        lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+    TabellaCanali canali;
+    canali.InizializzaCanali(lingua);
+    Visore visore(percorsoApp, lingua, canali);
+    visore.permettiSchede(false);
+    visore.resize(1100, 720);
+    visore.show();
+    visore.apri(QFileInfo(file).absoluteFilePath());
+    return QApplication::exec();
+}
+
+} // namespace
 
 int main(int argc, char *argv[])
 {
@@ -48,7 +77,13 @@ int main(int argc, char *argv[])
     opzioni.addOption(home);
     opzioni.addOption(demo);
     opzioni.addOption(demoSenzaApplicazione);
+    opzioni.addPositionalArgument(
+        QStringLiteral("FILE.ACQ"),
+        QStringLiteral("Open only the viewer on this recording, with no ECU and no port."),
+        QStringLiteral("[FILE.ACQ]"));
     opzioni.process(app);
+    if (!opzioni.positionalArguments().isEmpty())
+        return soloVisore(opzioni.positionalArguments().constFirst(), opzioni.value(home));
 
     const QString cartellaEseguibile = QCoreApplication::applicationDirPath();
     const QString percorsoApp =
