@@ -380,16 +380,23 @@ bool RegistrazioneAcq::riga(const char *b, const char *e)
 void RegistrazioneAcq::riassumi()
 {
     const std::size_t n = m_progressivi.size();
-    const std::size_t blocchi = n / Blocco;
     for (std::size_t c = 0; c < m_colonne.size(); ++c) {
         Riassunto &r = m_riassunti[c];
-        r.minimo.resize(blocchi);
-        r.massimo.resize(blocchi);
-        r.somma.resize(blocchi);
+        r.minimo16.resize(n / Piccolo);
+        r.massimo16.resize(n / Piccolo);
+        r.minimo.resize(n / Grande);
+        r.massimo.resize(n / Grande);
+        r.somma.resize(n / Grande);
         m_colonne[c].visita([&](const auto &v) {
-            for (std::size_t b = 0; b < blocchi; ++b) {
-                double minimo = v[b * Blocco], massimo = minimo, somma = 0;
-                for (std::size_t i = b * Blocco; i < (b + 1) * Blocco; ++i) {
+            for (std::size_t b = 0; b < n / Piccolo; ++b) {
+                double minimo = v[b * Piccolo], massimo = minimo;
+                scorri(v, b * Piccolo, (b + 1) * Piccolo, minimo, massimo);
+                r.minimo16[b] = float(minimo);
+                r.massimo16[b] = float(massimo);
+            }
+            for (std::size_t b = 0; b < n / Grande; ++b) {
+                double minimo = v[b * Grande], massimo = minimo, somma = 0;
+                for (std::size_t i = b * Grande; i < (b + 1) * Grande; ++i) {
                     const double x = v[i];
                     minimo = std::min(minimo, x);
                     massimo = std::max(massimo, x);
@@ -425,19 +432,31 @@ void RegistrazioneAcq::estremi(std::size_t colonna, std::size_t da, std::size_t 
                                double &massimo) const
 {
     const Riassunto &r = m_riassunti[colonna];
-    const std::size_t b0 = (da + Blocco - 1) / Blocco;
-    const std::size_t b1 = a / Blocco;
+    const auto su = [](std::size_t i, std::size_t passo) { return (i + passo - 1) / passo * passo; };
+    const auto blocchi = [&](const auto &basso, const auto &alto, std::size_t i0, std::size_t i1,
+                             std::size_t passo) {
+        for (std::size_t b = i0 / passo; b < i1 / passo; ++b) {
+            minimo = std::min<double>(minimo, basso[b]);
+            massimo = std::max<double>(massimo, alto[b]);
+        }
+    };
     m_colonne[colonna].visita([&](const auto &v) {
-        if (b0 >= b1) {
+        // Samples up to a run of 16, runs of 16 up to one of 256, runs of 256, and back down.
+        const std::size_t da16 = su(da, Piccolo), a16 = a / Piccolo * Piccolo;
+        if (da16 >= a16) {
             scorri(v, da, a, minimo, massimo);
             return 0;
         }
-        scorri(v, da, b0 * Blocco, minimo, massimo);
-        for (std::size_t b = b0; b < b1; ++b) {
-            minimo = std::min(minimo, r.minimo[b]);
-            massimo = std::max(massimo, r.massimo[b]);
+        scorri(v, da, da16, minimo, massimo);
+        const std::size_t da256 = su(da16, Grande), a256 = a16 / Grande * Grande;
+        if (da256 >= a256) {
+            blocchi(r.minimo16, r.massimo16, da16, a16, Piccolo);
+        } else {
+            blocchi(r.minimo16, r.massimo16, da16, da256, Piccolo);
+            blocchi(r.minimo, r.massimo, da256, a256, Grande);
+            blocchi(r.minimo16, r.massimo16, a256, a16, Piccolo);
         }
-        scorri(v, b1 * Blocco, a, minimo, massimo);
+        scorri(v, a16, a, minimo, massimo);
         return 0;
     });
 }
@@ -449,27 +468,34 @@ RegistrazioneAcq::Statistiche RegistrazioneAcq::statistiche(int canale, qsizetyp
     a = std::clamp<qsizetype>(a, da, campioni());
     if (!registrato(canale) || a == da)
         return s;
+    // Exact whatever the values: samples and runs of 256, none of the runs of 16 kept as float.
     const auto c = std::size_t(ColonnaDi[std::size_t(canale)]);
+    const Riassunto &r = m_riassunti[c];
     double minimo = std::numeric_limits<double>::infinity();
     double massimo = -minimo;
-    estremi(c, std::size_t(da), std::size_t(a), minimo, massimo);
-    const Riassunto &r = m_riassunti[c];
-    const std::size_t b0 = (std::size_t(da) + Blocco - 1) / Blocco;
-    const std::size_t b1 = std::size_t(a) / Blocco;
     double somma = 0;
     m_colonne[c].visita([&](const auto &v) {
         const auto parte = [&](std::size_t i0, std::size_t i1) {
-            for (std::size_t i = i0; i < i1; ++i)
-                somma += v[i];
+            for (std::size_t i = i0; i < i1; ++i) {
+                const double x = v[i];
+                minimo = std::min(minimo, x);
+                massimo = std::max(massimo, x);
+                somma += x;
+            }
         };
+        const std::size_t b0 = (std::size_t(da) + Grande - 1) / Grande;
+        const std::size_t b1 = std::size_t(a) / Grande;
         if (b0 >= b1) {
             parte(std::size_t(da), std::size_t(a));
             return 0;
         }
-        parte(std::size_t(da), b0 * Blocco);
-        for (std::size_t b = b0; b < b1; ++b)
+        parte(std::size_t(da), b0 * Grande);
+        for (std::size_t b = b0; b < b1; ++b) {
+            minimo = std::min(minimo, r.minimo[b]);
+            massimo = std::max(massimo, r.massimo[b]);
             somma += r.somma[b];
-        parte(b1 * Blocco, std::size_t(a));
+        }
+        parte(b1 * Grande, std::size_t(a));
         return 0;
     });
     s.minimo = minimo;
@@ -488,11 +514,20 @@ void RegistrazioneAcq::decima(int canale, double x0, double x1, int n,
     const auto c = std::size_t(ColonnaDi[std::size_t(canale)]);
     const ColonnaAcq &v = m_colonne[c];
     const double larghezza = (x1 - x0) / n;
+    const std::size_t totale = m_posizioni.size();
+    const auto prima = [](qint64 p, double x) { return double(p) < x; };
     auto j = std::size_t(indiceDa(x0));
-    for (int k = 0; k < n && j < m_posizioni.size(); ++k) {
+    for (int k = 0; k < n && j < totale; ++k) {
         const double limite = k + 1 == n ? x1 : x0 + larghezza * (k + 1);
-        const auto fine = std::lower_bound(m_posizioni.begin() + qsizetype(j), m_posizioni.end(), limite,
-                                           [](qint64 p, double x) { return double(p) < x; });
+        // The column's end, galloping from its start: columns are short against the whole.
+        std::size_t basso = j, passo = 1;
+        while (basso + passo < totale && double(m_posizioni[basso + passo]) < limite) {
+            basso += passo;
+            passo *= 2;
+        }
+        const auto inizio = m_posizioni.begin() + qsizetype(basso);
+        const auto fine = std::lower_bound(
+            inizio, m_posizioni.begin() + qsizetype(std::min(basso + passo, totale)), limite, prima);
         const auto a = std::size_t(fine - m_posizioni.begin());
         if (a == j)
             continue;
@@ -515,9 +550,9 @@ std::size_t RegistrazioneAcq::byteInMemoria() const
     std::size_t n = m_progressivi.capacity() * sizeof(qint32) + m_posizioni.capacity() * sizeof(qint64);
     for (std::size_t c = 0; c < m_colonne.size(); ++c) {
         n += m_colonne[c].byte();
-        n += (m_riassunti[c].minimo.capacity() + m_riassunti[c].massimo.capacity()
-              + m_riassunti[c].somma.capacity())
-             * sizeof(double);
+        const Riassunto &r = m_riassunti[c];
+        n += (r.minimo16.capacity() + r.massimo16.capacity()) * sizeof(float)
+             + (r.minimo.capacity() + r.massimo.capacity() + r.somma.capacity()) * sizeof(double);
     }
     return n;
 }

@@ -157,9 +157,14 @@ public:
     std::size_t byteInMemoria() const;
 
 private:
-    static constexpr std::size_t Blocco = 64;
+    // Two levels of summaries: the range of each run of 16 samples, and range and sum of
+    // each run of 256, so that the range of any stretch takes a few dozen steps.
+    static constexpr std::size_t Piccolo = 16;
+    static constexpr std::size_t Grande = 256;
     struct Riassunto
     {
+        std::vector<float> minimo16;
+        std::vector<float> massimo16;
         std::vector<double> minimo;
         std::vector<double> massimo;
         std::vector<double> somma;

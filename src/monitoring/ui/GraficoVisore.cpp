@@ -159,7 +159,7 @@ void GraficoVisore::paintEvent(QPaintEvent *)
     if (m_daRidisegnare || m_immagine.size() != size() * dpr)
         disegnaTutto();
     QPainter p(this);
-    p.drawPixmap(0, 0, m_immagine);
+    p.drawImage(0, 0, m_immagine);
     disegnaCursori(p);
     if (hasFocus()) {
         p.setPen(QPen(palette().color(QPalette::Highlight), 2));
@@ -171,14 +171,25 @@ void GraficoVisore::paintEvent(QPaintEvent *)
 void GraficoVisore::disegnaTutto()
 {
     const qreal dpr = devicePixelRatioF();
-    m_immagine = QPixmap(size() * dpr);
-    m_immagine.setDevicePixelRatio(dpr);
+    if (m_immagine.size() != size() * dpr) {
+        m_immagine = QImage(size() * dpr, QImage::Format_RGB32);
+        m_immagine.setDevicePixelRatio(dpr);
+    }
     m_immagine.fill(Fondo);
     impagina();
-    QPainter p(&m_immagine);
+    {
+        QPainter p(&m_immagine);
+        for (const Striscia &s : m_strisce)
+            disegnaStriscia(p, s);
+        disegnaAsseX(p);
+        for (const Striscia &s : m_strisce)
+            if (perCampioni(s))
+                disegnaCampioni(p, s);
+    }
+    // Over the grid, with the painter gone: the dense curves are pixels of their own.
     for (const Striscia &s : m_strisce)
-        disegnaStriscia(p, s);
-    disegnaAsseX(p);
+        if (!perCampioni(s))
+            disegnaColonne(s);
     m_daRidisegnare = false;
 }
 
@@ -205,7 +216,7 @@ void GraficoVisore::disegnaStriscia(QPainter &p, const Striscia &s)
     for (int i = 0; i <= divisioni; ++i) {
         const int y = int(std::lround(r.bottom() + 1 - passo * i));
         if (i > 0 && i < divisioni && passo >= 4) {
-            p.setPen(QPen(Griglia, 1, Qt::DotLine));
+            p.setPen(QPen(Griglia, 1));
             p.drawLine(r.left(), y, r.right(), y);
         }
         p.setPen(QPen(Cifre, 1));
@@ -220,53 +231,82 @@ void GraficoVisore::disegnaStriscia(QPainter &p, const Striscia &s)
     p.setPen(QPen(Griglia, 1));
     p.setBrush(Qt::NoBrush);
     p.drawRect(r.adjusted(0, 0, -1, -1));
+}
 
-    // The curve.
+bool GraficoVisore::perCampioni(const Striscia &s) const
+{
+    const auto [da, a] = m_modello.visibili();
+    // Two pixels a sample at least, or the columns say more.
+    return a - da <= s.rettangolo.width() / 2;
+}
+
+void GraficoVisore::disegnaCampioni(QPainter &p, const Striscia &s)
+{
     const RegistrazioneAcq &reg = m_modello.registrazione();
     if (reg.vuota())
         return;
     p.save();
-    p.setClipRect(r);
+    p.setClipRect(s.rettangolo);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(QPen(coloreCanale(s.canale), 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    std::vector<QPointF> punti;
+    const auto traccia = [&] {
+        if (punti.size() == 1)
+            p.drawPoint(punti.front());
+        else if (punti.size() > 1)
+            p.drawPolyline(punti.data(), int(punti.size()));
+        punti.clear();
+    };
+    // The neighbours outside the view carry the line to the edges.
     const auto [da, a] = m_modello.visibili();
-    const int colonne = r.width();
-    if (a - da <= colonne) {
-        // Few enough to draw sample by sample; the neighbours outside carry the line to the edges.
-        p.setRenderHint(QPainter::Antialiasing);
-        p.setPen(QPen(colore, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        std::vector<QPointF> punti;
-        const auto traccia = [&] {
-            if (punti.size() == 1)
-                p.drawPoint(punti.front());
-            else if (punti.size() > 1)
-                p.drawPolyline(punti.data(), int(punti.size()));
-            punti.clear();
-        };
-        for (qsizetype i = std::max<qsizetype>(da - 1, 0); i < std::min(a + 1, reg.campioni()); ++i) {
-            if (!reg.segue(i))
-                traccia();
-            punti.emplace_back(xPixel(double(reg.posizione(i))), yPixel(s, reg.valore(s.canale, i)));
-        }
-        traccia();
-    } else {
-        reg.decima(s.canale, m_modello.xMin(), m_modello.xMax(), colonne, m_colonne);
-        std::vector<QLineF> tratti;
-        tratti.reserve(m_colonne.size());
-        for (std::size_t k = 0; k < m_colonne.size(); ++k) {
-            const RegistrazioneAcq::ColonnaPixel &cp = m_colonne[k];
-            if (cp.vuota)
-                continue;
-            double basso = cp.minimo, alto = cp.massimo;
-            if (cp.unita && k > 0 && !m_colonne[k - 1].vuota) {
-                basso = std::min<double>(basso, m_colonne[k - 1].ultimo);
-                alto = std::max<double>(alto, m_colonne[k - 1].ultimo);
-            }
-            const double x = r.left() + double(k) + 0.5;
-            tratti.emplace_back(x, yPixel(s, basso), x, yPixel(s, alto));
-        }
-        p.setPen(QPen(colore, 1.5));
-        p.drawLines(tratti.data(), int(tratti.size()));
+    for (qsizetype i = std::max<qsizetype>(da - 1, 0); i < std::min(a + 1, reg.campioni()); ++i) {
+        if (!reg.segue(i))
+            traccia();
+        punti.emplace_back(xPixel(double(reg.posizione(i))), yPixel(s, reg.valore(s.canale, i)));
     }
+    traccia();
     p.restore();
+}
+
+void GraficoVisore::disegnaColonne(const Striscia &s)
+{
+    const RegistrazioneAcq &reg = m_modello.registrazione();
+    if (reg.vuota())
+        return;
+    // In device pixels: one column of them each.
+    const qreal dpr = m_immagine.devicePixelRatio();
+    const int sinistra = int(std::lround(s.rettangolo.left() * dpr));
+    const int alto = int(std::lround(s.rettangolo.top() * dpr));
+    const int basso = int(std::lround((s.rettangolo.bottom() + 1) * dpr)) - 1;
+    const int colonne = std::min(int(std::lround(s.rettangolo.width() * dpr)), m_immagine.width() - sinistra);
+    if (colonne <= 0 || basso < alto)
+        return;
+    reg.decima(s.canale, m_modello.xMin(), m_modello.xMax(), colonne, m_colonne);
+    const QRgb colore = coloreCanale(s.canale).rgb();
+    const auto riga = [&](double v) { return yPixel(s, v) * dpr; };
+    auto *pixel = reinterpret_cast<QRgb *>(m_immagine.bits());
+    const qsizetype passo = m_immagine.bytesPerLine() / qsizetype(sizeof(QRgb));
+    for (std::size_t k = 0; k < m_colonne.size(); ++k) {
+        const RegistrazioneAcq::ColonnaPixel &cp = m_colonne[k];
+        if (cp.vuota)
+            continue;
+        double minimo = cp.minimo, massimo = cp.massimo;
+        // The line runs on from the column before when no sample is missing between them.
+        if (cp.unita && k > 0 && !m_colonne[k - 1].vuota) {
+            minimo = std::min<double>(minimo, m_colonne[k - 1].ultimo);
+            massimo = std::max<double>(massimo, m_colonne[k - 1].ultimo);
+        }
+        int y0 = int(std::floor(riga(massimo)));
+        int y1 = int(std::floor(riga(minimo)));
+        // Two pixels at least, so that a flat stretch reads as a line.
+        if (y1 - y0 < 1)
+            y1 = y0 + 1;
+        y0 = std::clamp(y0, alto, basso);
+        y1 = std::clamp(y1, alto, basso);
+        QRgb *p = pixel + qsizetype(y0) * passo + sinistra + qsizetype(k);
+        for (int y = y0; y <= y1; ++y, p += passo)
+            *p = colore;
+    }
 }
 
 void GraficoVisore::disegnaAsseX(QPainter &p)
@@ -282,7 +322,7 @@ void GraficoVisore::disegnaAsseX(QPainter &p)
     for (auto k = qint64(std::ceil(a / passo)); double(k) * passo <= b; ++k) {
         const double v = double(k) * passo;
         const int x = int(std::lround(xPixel(v * scala)));
-        p.setPen(QPen(Griglia, 1, Qt::DotLine));
+        p.setPen(QPen(Griglia, 1));
         for (const Striscia &s : m_strisce)
             p.drawLine(x, s.rettangolo.top(), x, s.rettangolo.bottom());
         p.setPen(QPen(Cifre, 1));

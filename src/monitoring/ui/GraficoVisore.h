@@ -2,7 +2,7 @@
 
 #include "monitoring/RegistrazioneAcq.h"
 
-#include <QPixmap>
+#include <QImage>
 #include <QWidget>
 
 #include <vector>
@@ -17,7 +17,8 @@ class TabellaCanali;
 // theirs; the cursor and the second cursor across all of them.
 //
 // At most one vertical stroke is drawn for each column of pixels, from the least to the
-// greatest sample that falls in it, so a day of samples draws as fast as a minute. A
+// greatest sample that falls in it, written straight into the picture's pixels, so a day of
+// samples draws as fast as a minute. A
 // sample missing between two others (a pause) leaves the line broken. The strips are kept
 // as a picture: moving a cursor paints the cursors alone over it.
 //
@@ -70,6 +71,10 @@ private:
     void impagina();
     void disegnaTutto();
     void disegnaStriscia(QPainter &p, const Striscia &s);
+    // True when the curve is drawn sample by sample (few in view), false when by columns.
+    bool perCampioni(const Striscia &s) const;
+    void disegnaCampioni(QPainter &p, const Striscia &s);
+    void disegnaColonne(const Striscia &s);
     void disegnaAsseX(QPainter &p);
     void disegnaCursori(QPainter &p);
     double xPixel(double x) const;
@@ -82,7 +87,7 @@ private:
     QString m_titoloSecondi;
     std::vector<Striscia> m_strisce;
     std::vector<RegistrazioneAcq::ColonnaPixel> m_colonne;
-    QPixmap m_immagine;
+    QImage m_immagine;
     QRect m_area;
     bool m_daRidisegnare = true;
     QPoint m_premuto;
