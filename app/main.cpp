@@ -35,16 +35,19 @@ int soloVisore(const QString &file, const QString &home)
 {
     const QString cartellaEseguibile = QCoreApplication::applicationDirPath();
     const QString percorsoApp = RisolviPercorsoApp(home, cartellaEseguibile, CartellaDatiUtente());
+    // A folder never started in has no language files yet: the shipped ones serve unseeded.
     Lingua lingua(percorsoApp);
-    lingua.impostaCartelleDistribuite(CartelleLingueDistribuite(cartellaEseguibile));
+    const QStringList distribuite = CartelleLingueDistribuite(cartellaEseguibile);
+    lingua.impostaCartelleDistribuite(distribuite);
+    for (const QString &cartella : distribuite)
+        if (!ContieneLingue(lingua.PercorsoApp) && ContieneLingue(cartella))
+            lingua.PercorsoApp = cartella;
     lingua.LeggiImpLingua();
-    if (!ContieneLingue(percorsoApp))
-        lingua.LinguaCorrente = QStringLiteral("ENGLISH");
     TabellaCanali canali;
     canali.InizializzaCanali(lingua);
     Visore visore(percorsoApp, lingua, canali);
     visore.permettiSchede(false);
-    visore.resize(1100, 720);
+    visore.resize(1280, 780);
     visore.show();
     visore.apri(QFileInfo(file).absoluteFilePath());
     return QApplication::exec();

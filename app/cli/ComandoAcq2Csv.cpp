@@ -55,10 +55,12 @@ int acq2csv(const QStringList &argomenti)
     // is written to the program's folder for that.
     const QString eseguibile = QCoreApplication::applicationDirPath();
     Lingua lingua(RisolviPercorsoApp({}, eseguibile, CartellaDatiUtente()));
-    lingua.impostaCartelleDistribuite(CartelleLingueDistribuite(eseguibile));
+    const QStringList distribuite = CartelleLingueDistribuite(eseguibile);
+    lingua.impostaCartelleDistribuite(distribuite);
+    for (const QString &cartella : distribuite)
+        if (!ContieneLingue(lingua.PercorsoApp) && ContieneLingue(cartella))
+            lingua.PercorsoApp = cartella;
     lingua.LeggiImpLingua();
-    if (!ContieneLingue(lingua.PercorsoApp))
-        lingua.LinguaCorrente = QStringLiteral("ENGLISH");
     TabellaCanali canali;
     canali.InizializzaCanali(lingua);
 

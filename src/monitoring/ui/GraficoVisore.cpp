@@ -286,16 +286,7 @@ void GraficoVisore::disegnaColonne(const Striscia &s)
     const auto riga = [&](double v) { return yPixel(s, v) * dpr; };
     auto *pixel = reinterpret_cast<QRgb *>(m_immagine.bits());
     const qsizetype passo = m_immagine.bytesPerLine() / qsizetype(sizeof(QRgb));
-    for (std::size_t k = 0; k < m_colonne.size(); ++k) {
-        const RegistrazioneAcq::ColonnaPixel &cp = m_colonne[k];
-        if (cp.vuota)
-            continue;
-        double minimo = cp.minimo, massimo = cp.massimo;
-        // The line runs on from the column before when no sample is missing between them.
-        if (cp.unita && k > 0 && !m_colonne[k - 1].vuota) {
-            minimo = std::min<double>(minimo, m_colonne[k - 1].ultimo);
-            massimo = std::max<double>(massimo, m_colonne[k - 1].ultimo);
-        }
+    const auto tratto = [&](std::size_t k, double minimo, double massimo) {
         int y0 = int(std::floor(riga(massimo)));
         int y1 = int(std::floor(riga(minimo)));
         // Two pixels at least, so that a flat stretch reads as a line.
@@ -306,6 +297,29 @@ void GraficoVisore::disegnaColonne(const Striscia &s)
         QRgb *p = pixel + qsizetype(y0) * passo + sinistra + qsizetype(k);
         for (int y = y0; y <= y1; ++y, p += passo)
             *p = colore;
+    };
+    std::ptrdiff_t ultima = -1; // the last column with samples
+    for (std::size_t k = 0; k < m_colonne.size(); ++k) {
+        const RegistrazioneAcq::ColonnaPixel &cp = m_colonne[k];
+        if (cp.vuota)
+            continue;
+        double minimo = cp.minimo, massimo = cp.massimo;
+        // The line runs on from the last column with samples when none is missing between
+        // them, straight across the columns that fall between two samples.
+        if (cp.unita && ultima >= 0) {
+            const double da = m_colonne[std::size_t(ultima)].ultimo;
+            const double salto = (cp.primo - da) / double(std::ptrdiff_t(k) - ultima);
+            for (auto j = std::size_t(ultima + 1); j < k; ++j) {
+                const double meta = double(std::ptrdiff_t(j) - ultima);
+                tratto(j, std::min(da + salto * (meta - 0.5), da + salto * (meta + 0.5)),
+                       std::max(da + salto * (meta - 0.5), da + salto * (meta + 0.5)));
+            }
+            const double prima = std::ptrdiff_t(k) - ultima == 1 ? da : cp.primo - salto / 2;
+            minimo = std::min(minimo, prima);
+            massimo = std::max(massimo, prima);
+        }
+        tratto(k, minimo, massimo);
+        ultima = std::ptrdiff_t(k);
     }
 }
 

@@ -27,6 +27,7 @@
 #include <QPushButton>
 #include <QShortcut>
 #include <QSplitter>
+#include <QStyle>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
@@ -216,8 +217,8 @@ Visore::Visore(QString percorsoApp, const Lingua &lingua, const TabellaCanali &c
     m_tabella->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_tabella->setSelectionMode(QAbstractItemView::NoSelection);
     m_tabella->verticalHeader()->hide();
-    m_tabella->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    m_tabella->horizontalHeader()->setSectionResizeMode(ColNome, QHeaderView::Stretch);
+    m_tabella->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_tabella->setWordWrap(false);
     QStringList intestazioni;
     for (int k = 0; k < NumeroColonne; ++k)
         intestazioni << m_lingua.LeggiTesto("Visore", "COLONNA." + QString::number(k));
@@ -238,6 +239,19 @@ Visore::Visore(QString percorsoApp, const Lingua &lingua, const TabellaCanali &c
         }
     }
     aggiornaCanali();
+    // Every column whole and of a width that holds any figure, so that the readout is never
+    // cut and the charts beside it keep their width as the figures change.
+    QHeaderView *testata = m_tabella->horizontalHeader();
+    const QFontMetrics metrica(m_tabella->font());
+    const int cifre = metrica.horizontalAdvance(QStringLiteral("-00000.00")) + 12;
+    m_tabella->resizeColumnToContents(ColNome);
+    testata->setSectionResizeMode(ColNome, QHeaderView::Fixed);
+    for (int k = ColCursore; k < NumeroColonne; ++k) {
+        testata->setSectionResizeMode(k, QHeaderView::Fixed);
+        testata->resizeSection(k, std::max(cifre, metrica.horizontalAdvance(intestazioni.at(k)) + 16));
+    }
+    m_tabella->setMinimumWidth(testata->length() + 2 * m_tabella->frameWidth()
+                               + m_tabella->style()->pixelMetric(QStyle::PM_ScrollBarExtent));
     connect(m_tabella, &QTableWidget::itemChanged, this, [this](QTableWidgetItem *voce) {
         if (voce->column() != ColNome)
             return;
@@ -258,8 +272,9 @@ Visore::Visore(QString percorsoApp, const Lingua &lingua, const TabellaCanali &c
     auto *divisore = new QSplitter(Qt::Horizontal, this);
     divisore->addWidget(m_grafico);
     divisore->addWidget(lato);
-    divisore->setStretchFactor(0, 3);
-    divisore->setStretchFactor(1, 2);
+    // The charts take what the readout leaves.
+    divisore->setStretchFactor(0, 1);
+    divisore->setStretchFactor(1, 0);
     divisore->setChildrenCollapsible(false);
 
     m_stato->setObjectName(QStringLiteral("StatoVisore"));
@@ -581,7 +596,7 @@ Visore *ApriVisore(const QString &percorsoApp, const Lingua &lingua, const Tabel
     auto *v = new Visore(percorsoApp, lingua, canali, accanto ? accanto->window() : nullptr);
     v->setWindowFlag(Qt::Window);
     v->setAttribute(Qt::WA_DeleteOnClose);
-    v->resize(1100, 720);
+    v->resize(1280, 780);
     v->show();
     if (QFileInfo(registrazione).isFile())
         v->apri(registrazione);
