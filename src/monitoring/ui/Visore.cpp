@@ -170,8 +170,7 @@ Visore::Visore(QString percorsoApp, const Lingua &lingua, const TabellaCanali &c
     file->addSeparator();
     connect(azione(file, "ESPORTACSV", m_lingua.LeggiTesto("Visore", "ESPORTACSV"), Qt::CTRL | Qt::Key_E),
             &QAction::triggered, this, &Visore::esportaCsv);
-    connect(azione(file, "ESPORTAPNG", m_lingua.LeggiTesto("Visore", "ESPORTAPNG"),
-                   Qt::CTRL | Qt::SHIFT | Qt::Key_E),
+    connect(azione(file, "ESPORTAPNG", m_lingua.LeggiTesto("Visore", "ESPORTAPNG"), Qt::CTRL | Qt::Key_P),
             &QAction::triggered, this, &Visore::esportaPng);
     file->addSeparator();
     connect(azione(file, "ESCI", m_lingua.LeggiTesto("Visore", "ESCI"), {}), &QAction::triggered, this,
@@ -243,12 +242,12 @@ Visore::Visore(QString percorsoApp, const Lingua &lingua, const TabellaCanali &c
     // cut and the charts beside it keep their width as the figures change.
     QHeaderView *testata = m_tabella->horizontalHeader();
     const QFontMetrics metrica(m_tabella->font());
-    const int cifre = metrica.horizontalAdvance(QStringLiteral("-00000.00")) + 12;
+    const int cifre = metrica.horizontalAdvance(QStringLiteral("-00000.0")) + 10;
     m_tabella->resizeColumnToContents(ColNome);
     testata->setSectionResizeMode(ColNome, QHeaderView::Fixed);
     for (int k = ColCursore; k < NumeroColonne; ++k) {
         testata->setSectionResizeMode(k, QHeaderView::Fixed);
-        testata->resizeSection(k, std::max(cifre, metrica.horizontalAdvance(intestazioni.at(k)) + 16));
+        testata->resizeSection(k, std::max(cifre, metrica.horizontalAdvance(intestazioni.at(k)) + 14));
     }
     m_tabella->setMinimumWidth(testata->length() + 2 * m_tabella->frameWidth()
                                + m_tabella->style()->pixelMetric(QStyle::PM_ScrollBarExtent));
@@ -314,6 +313,7 @@ void Visore::permettiSchede(bool permesse)
 {
     m_apriScheda->setEnabled(permesse);
     m_apriScheda->setVisible(permesse);
+    aggiornaLettura();
 }
 
 QString Visore::numero(double v) const
@@ -372,7 +372,8 @@ void Visore::aggiornaLettura()
                      .replace(QStringLiteral("ZZZ"), zzz);
     };
     if (vuoto) {
-        righe << m_lingua.LeggiTesto("Visore", "NESSUNA");
+        righe << (m_apriScheda->isEnabled() ? m_lingua.LeggiTesto("Visore", "NESSUNA")
+                                            : m_lingua.LeggiTesto("Visore", "NESSUNAFILE"));
     } else {
         const qsizetype c = m_modello.cursore();
         riga(m_lingua.LeggiTesto("Visore", "CURSORE"), QString::number(reg.progressivo(c)),
