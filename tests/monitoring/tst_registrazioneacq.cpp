@@ -64,7 +64,7 @@ private slots:
                 DatiLive::decodifica(f.mid(4, f.size() - 6), inviati.last());
             }
         });
-        p->stato.RegistrazioneAttiva = true;
+        p->anello.RegistrazioneAttiva = true;
         const QString file = cartella.filePath("PROVA.ACQ");
         QVERIFY(p->anello.impostaFileRegistrazione(file));
         // History, a pause, then a second recording on the same file counting from 0.

@@ -189,13 +189,10 @@ BarraRegistrazione::BarraRegistrazione(Programma &programma, QWidget *finestra, 
         if (QAction *a = azione(QString::fromLatin1(nome)))
             a->setEnabled(false);
 
-    m_programma.datiLive.aggiungiAscoltatore(this);
+    connect(&m_programma, &Programma::campioneRegistrato, this, &BarraRegistrazione::campioneRegistrato);
 }
 
-BarraRegistrazione::~BarraRegistrazione()
-{
-    m_programma.datiLive.rimuoviAscoltatore(this);
-}
+BarraRegistrazione::~BarraRegistrazione() = default;
 
 QAction *BarraRegistrazione::creaAzione(const QString &nome, const QString &chiave, QObject *genitore)
 {
@@ -328,7 +325,7 @@ void BarraRegistrazione::comando(const QString &chiave)
         emit sblocca();
         return;
     } else if (k == QLatin1String("VISORE")) {
-        ApriVisore(m_programma.stato.PercorsoApp, m_programma.lingua, m_programma.canali,
+        ApriVisore(m_programma.PercorsoApp, m_programma.lingua, m_programma.canali,
                    m_programma.anello.FileRegistrazione, m_finestra);
         return;
     } else if (k == QLatin1String("ESCI")) {

@@ -52,7 +52,7 @@ void RegistraStrumenti(Korvantine &frame, BarraRegistrazione::ApriScheda apriSch
     // opens on the last recording when there is one.
     frame.registraPagina(IdPagina::Visore, [](Korvantine &f) -> QWidget * {
         Programma &p = f.programma();
-        auto *pagina = new Visore(p.stato.PercorsoApp, p.lingua, p.canali);
+        auto *pagina = new Visore(p.PercorsoApp, p.lingua, p.canali);
         pagina->impostaMessaggio([&f](const QString &testo, int flags, const QString &titolo) {
             return f.MostraMsg(testo, flags, titolo);
         });
