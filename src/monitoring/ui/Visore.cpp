@@ -163,10 +163,7 @@ Visore::Visore(QString percorsoApp, const Lingua &lingua, const TabellaCanali &c
     connect(azione(file, "APRIFILE", m_lingua.LeggiTesto("Visore", "APRIFILE"), QKeySequence::Open),
             &QAction::triggered, this, &Visore::scegliFile);
     connect(azione(file, "RICARICA", m_lingua.LeggiTesto("Visore", "RICARICA"), Qt::Key_F5),
-            &QAction::triggered, this, [this] {
-                if (!m_modello.percorso().isEmpty())
-                    apri(m_modello.percorso());
-            });
+            &QAction::triggered, this, &Visore::ricarica);
     file->addSeparator();
     connect(azione(file, "ESPORTACSV", m_lingua.LeggiTesto("Visore", "ESPORTACSV"), Qt::CTRL | Qt::Key_E),
             &QAction::triggered, this, &Visore::esportaCsv);
@@ -436,6 +433,19 @@ void Visore::mostraStato()
     else if (reg.unita().isEmpty())
         parti << m_lingua.LeggiTesto("Visore", "SENZAUNITA");
     m_stato->setText(parti.join(u' '));
+}
+
+void Visore::ricarica()
+{
+    // A recording that is still growing: read again, the same stretch in view.
+    const double xMin = m_modello.xMin(), xMax = m_modello.xMax();
+    const qsizetype cursore = m_modello.cursore();
+    if (m_modello.percorso().isEmpty() || !apri(m_modello.percorso()))
+        return;
+    m_modello.finestra(xMin, xMax);
+    m_modello.impostaCursore(cursore);
+    m_grafico->ridisegna();
+    aggiorna();
 }
 
 bool Visore::apri(const QString &percorso)

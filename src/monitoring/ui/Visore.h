@@ -44,6 +44,8 @@ public:
     // Reads the file and shows it; a file that cannot be read or is no recording is told,
     // and whatever was on show stays.
     bool apri(const QString &percorso);
+    // F5: the file read again, the same stretch and cursor kept.
+    void ricarica();
     void scegliScheda();
     void scegliFile();
     void esportaCsv();
@@ -57,9 +59,6 @@ public:
 
     ModelloVisore &modello() { return m_modello; }
     GraficoVisore *grafico() const { return m_grafico; }
-    QTableWidget *tabella() const { return m_tabella; }
-    QLabel *lettura() const { return m_lettura; }
-    QLabel *stato() const { return m_stato; }
 
 signals:
     void chiusa();
