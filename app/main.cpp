@@ -6,7 +6,9 @@
 #include "base/PercorsoApp.h"
 #include "calibration/ui/RegistroTaratura.h"
 #include "link/PortaSeriale.h"
+#include "monitoring/Canali.h"
 #include "monitoring/ui/RegistroStrumenti.h"
+#include "monitoring/ui/Visore.h"
 #include "pages/ui/RegistroMessaPunto.h"
 #include "programming/ui/RegistroMappe.h"
 #include "programming/ui/RegistroProgSW.h"
@@ -51,6 +53,31 @@ void avvisoDiAvvio(const QString &percorsoApp, const QString &chiave, int flags)
         MostraMsg(l, testo, flags, l.LeggiTesto(QStringLiteral("SEGNALAZIONI"), QStringLiteral("TITOLO_1")));
 }
 
+// The viewer alone on a recording named on the command line (as a file manager opens it):
+// no port, no ECU, not held back by a program already running in the folder, and nothing
+// made or written there; the language and the names of the channels are read from it.
+int soloVisore(const QString &file, const QString &home)
+{
+    const QString cartellaEseguibile = QCoreApplication::applicationDirPath();
+    const QString percorsoApp = RisolviPercorsoApp(home, cartellaEseguibile, CartellaDatiUtente());
+    // A folder never started in has no language files yet: the shipped ones serve unseeded.
+    Lingua lingua(percorsoApp);
+    const QStringList distribuite = CartelleLingueDistribuite(cartellaEseguibile);
+    lingua.impostaCartelleDistribuite(distribuite);
+    for (const QString &cartella : distribuite)
+        if (!ContieneLingue(lingua.PercorsoApp) && ContieneLingue(cartella))
+            lingua.PercorsoApp = cartella;
+    lingua.LeggiImpLingua();
+    TabellaCanali canali;
+    canali.InizializzaCanali(lingua);
+    Visore visore(percorsoApp, lingua, canali);
+    visore.permettiSchede(false);
+    visore.resize(1280, 780);
+    visore.show();
+    visore.apri(QFileInfo(file).absoluteFilePath());
+    return QApplication::exec();
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -75,6 +102,10 @@ int main(int argc, char *argv[])
     opzioni.addOption(home);
     opzioni.addOption(demo);
     opzioni.addOption(demoSenzaApplicazione);
+    opzioni.addPositionalArgument(
+        QStringLiteral("FILE.ACQ"),
+        QStringLiteral("Open only the viewer on this recording, with no ECU and no port."),
+        QStringLiteral("[FILE.ACQ]"));
     // Read before the window system is asked for: help and version need no display.
     QStringList argomenti;
     for (int i = 0; i < argc; ++i)
@@ -96,6 +127,8 @@ int main(int argc, char *argv[])
     QApplication app(argc, argv);
     QGuiApplication::setDesktopFileName(QStringLiteral("korvantine"));
     QApplication::setWindowIcon(IconaProgramma());
+    if (!opzioni.positionalArguments().isEmpty())
+        return soloVisore(opzioni.positionalArguments().constFirst(), opzioni.value(home));
 
     const QString cartellaEseguibile = QCoreApplication::applicationDirPath();
     const QString percorsoApp =

@@ -12,11 +12,12 @@ namespace kv::cli {
 // whatever the command.
 enum Uscita : int {
     Fatto = 0,
-    Uso = 1,                // a wrong or missing argument
-    NessunaRisposta = 2,    // no ECU answered, or it stopped answering
-    RifiutoEcu = 3,         // the ECU answered with an error
-    FileCattivo = 4,        // an input file that is not what it must be
-    PortaNonDisponibile = 5 // missing, busy, or not ours to open
+    Uso = 1,                 // a wrong or missing argument
+    NessunaRisposta = 2,     // no ECU answered, or it stopped answering
+    RifiutoEcu = 3,          // the ECU answered with an error
+    FileCattivo = 4,         // an input file that is not what it must be
+    PortaNonDisponibile = 5, // missing, busy, or not ours to open
+    FileNonScritto = 6       // an output that could not be written; what was there stays
 };
 
 struct Comando
@@ -26,6 +27,9 @@ struct Comando
     // argomenti[0] is "korvantine-cli NAME", so that a parser's messages name the command.
     int (*esegui)(const QStringList &argomenti);
 };
+
+// The commands, each in a file of its own.
+int acq2csv(const QStringList &argomenti);
 
 // Every command, in the order the help lists them.
 std::span<const Comando> comandi();

@@ -20,6 +20,7 @@ int versione(const QStringList &argomenti)
 // One row a command; each lives in a file of its own.
 constexpr Comando tabella[] = {
     {"version", "the version of this tool", versione},
+    {"acq2csv", "a recording (.ACQ) as CSV, as the viewer exports it", acq2csv},
 };
 
 } // namespace

@@ -52,6 +52,8 @@ enum class IdPagina {
     Comunicazione,
     SceltaLingua,
     Password,
+    // The viewer of recordings, which needs no ECU
+    Visore,
 
     // The about box, opened by the logo
     Infor,

@@ -3,6 +3,7 @@
 #include "monitoring/AnelloRegistrazione.h"
 #include "monitoring/SchedaRegistrazione.h"
 #include "monitoring/ui/Memorf.h"
+#include "monitoring/ui/Visore.h"
 #include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
 
@@ -161,6 +162,7 @@ BarraRegistrazione::BarraRegistrazione(Programma &programma, QWidget *finestra, 
     };
     QMenu *file = nuovoMenu(QStringLiteral("MenuFile"));
     file->addAction(creaAzione(QStringLiteral("MenuFile_0"), QStringLiteral("START_MEM"), file));
+    file->addAction(creaAzione(QStringLiteral("MenuFile_Visore"), QStringLiteral("VISORE"), file));
     file->addSeparator();
     file->addAction(creaAzione(QStringLiteral("MenuFile_1"), QStringLiteral("ESCI"), file));
     QMenu *reg = nuovoMenu(QStringLiteral("MenuReg"));
@@ -177,8 +179,9 @@ BarraRegistrazione::BarraRegistrazione(Programma &programma, QWidget *finestra, 
     }
 
     const std::pair<const char *, Qt::Key> tastiFunzione[] = {
-        {"MenuFile_0", Qt::Key_F2}, {"MenuReg_0", Qt::Key_F5}, {"MenuReg_1", Qt::Key_F6},
-        {"MenuReg_2", Qt::Key_F7},  {"MenuG_0", Qt::Key_F8},   {"MenuG_1", Qt::Key_F8},
+        {"MenuFile_0", Qt::Key_F2}, {"MenuFile_Visore", Qt::Key_F3}, {"MenuReg_0", Qt::Key_F5},
+        {"MenuReg_1", Qt::Key_F6},  {"MenuReg_2", Qt::Key_F7},       {"MenuG_0", Qt::Key_F8},
+        {"MenuG_1", Qt::Key_F8},
     };
     for (const auto &[nome, tasto] : tastiFunzione)
         if (QAction *a = azione(QString::fromLatin1(nome)))
@@ -220,6 +223,7 @@ void BarraRegistrazione::carica()
     const QString inizio = testo(QStringLiteral("MenuReg_0"), QStringLiteral("MENUREG.0"));
     const QString pausa = testo(QStringLiteral("MenuReg_1"), QStringLiteral("MENUREG.1"));
     const QString fine = testo(QStringLiteral("MenuReg_2"), QStringLiteral("MENUREG.2"));
+    azione(QStringLiteral("MenuFile_Visore"))->setText(l.LeggiTesto("Visore", "MENUAPRI"));
     std::vector<std::pair<const char *, QString>> tasti = {
         {"Start_Mem", startMem}, {"Inizio", inizio}, {"Pausa", pausa}, {"Fine", fine}, {"Esci", esci}};
     if (m_tipo == Tipo::Grafici) {
@@ -322,6 +326,10 @@ void BarraRegistrazione::comando(const QString &chiave)
         return;
     } else if (k == QLatin1String("SBLOCCA")) {
         emit sblocca();
+        return;
+    } else if (k == QLatin1String("VISORE")) {
+        ApriVisore(m_programma.PercorsoApp, m_programma.lingua, m_programma.canali,
+                   m_programma.anello.FileRegistrazione, m_finestra);
         return;
     } else if (k == QLatin1String("ESCI")) {
         emit esci();

@@ -24,8 +24,9 @@ class Programma;
 // language file, shown and enabled by the recording state; and, for the chart window, the
 // keys to freeze the charts (MenuG) and the settings entry (MenuImp).
 //
-// Every command has a key as well: the menus' accelerators, and F2 card, F5 record,
-// F6 pause, F7 stop, F8 freeze or unfreeze. Esc is the window's own.
+// Every command has a key as well: the menus' accelerators, and F2 card, F3 the viewer of
+// recordings in a window of its own, F5 record, F6 pause, F7 stop, F8 freeze or unfreeze.
+// Esc is the window's own.
 class BarraRegistrazione : public QObject
 {
     Q_OBJECT

@@ -3,7 +3,11 @@
 #include "monitoring/ui/Grafici.h"
 #include "monitoring/ui/Memorf.h"
 #include "monitoring/ui/Strumenti.h"
+#include "monitoring/ui/Visore.h"
+#include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
+
+#include <QFileInfo>
 
 namespace kv {
 
@@ -42,6 +46,20 @@ void RegistraStrumenti(Korvantine &frame, BarraRegistrazione::ApriScheda apriSch
     frame.registraPagina(IdPagina::Grafici, [apriScheda](Korvantine &f) -> QWidget * {
         auto *pagina = new Grafici(f.programma());
         prepara(f, pagina, apriScheda);
+        return pagina;
+    });
+    // The viewer takes of the program only its folder, its language and its channel table; it
+    // opens on the last recording when there is one.
+    frame.registraPagina(IdPagina::Visore, [](Korvantine &f) -> QWidget * {
+        Programma &p = f.programma();
+        auto *pagina = new Visore(p.PercorsoApp, p.lingua, p.canali);
+        pagina->impostaMessaggio([&f](const QString &testo, int flags, const QString &titolo) {
+            return f.MostraMsg(testo, flags, titolo);
+        });
+        QObject::connect(pagina, &Visore::chiusa, &f, [&f, pagina] { f.ChiudiPagina(pagina); });
+        const QString ultima = p.anello.LeggiFileRegistrazione();
+        if (QFileInfo(ultima).isFile())
+            pagina->apri(ultima);
         return pagina;
     });
 }
