@@ -52,6 +52,7 @@ public:
     void mostraBarra(bool) override {}
     void impostaBarra(int) override {}
     void mostraMsg(const QString &testo, int, const QString &) override { ultima = testo; }
+    bool chiedi(const QString &, const QString &) override { return true; }
     QString ultima;
 
 private:

@@ -148,15 +148,40 @@ private slots:
         QTest::newRow("Memorf") << "Memorf" << QStringList{"CAPTION", "SCHEDA"} + indici("LABSCHEDA.", 0, 3);
         // The exchange and deletion pages, and the lines of what they pass over.
         QTest::newRow("SCAMBIO") << "SCAMBIO"
-                                 << QStringList{"SFOGLIA",          "SCEGLI",        "MANCANTE",
-                                                "ELENCO",           "ALTRE",         "NOME",
-                                                "IMPIANTO",         "DOPPIO",        "FUORI",
-                                                "FUORI_CANCELLA",   "SENZA_FILE",    "GRANDE",
-                                                "SOLO_RIGA",        "SCRITTURA",     "CANCELLAZIONE",
-                                                "CANCELLA_SW",      "CANCELLATO_SW", "TEMP",
-                                                "LETTURA",          "COPIA",         "PULIZIA",
-                                                "NON_CARTELLA",     "SORGENTE_APP",  "CATALOGO",
-                                                "CATALOGO_ASSENTE", "IN_CORSO"};
+                                 << QStringList{"SFOGLIA",
+                                                "SCEGLI",
+                                                "MANCANTE",
+                                                "ELENCO",
+                                                "ALTRE",
+                                                "NOME",
+                                                "IMPIANTO",
+                                                "DOPPIO",
+                                                "FUORI",
+                                                "FUORI_CANCELLA",
+                                                "SENZA_FILE",
+                                                "GRANDE",
+                                                "SOLO_RIGA",
+                                                "SCRITTURA",
+                                                "CANCELLAZIONE",
+                                                "CANCELLA_SW",
+                                                "CANCELLATO_SW",
+                                                "TEMP",
+                                                "LETTURA",
+                                                "COPIA",
+                                                "PULIZIA",
+                                                "NON_CARTELLA",
+                                                "SORGENTE_APP",
+                                                "CATALOGO",
+                                                "CATALOGO_ASSENTE",
+                                                "IN_CORSO",
+                                                "NON_MAPPA",
+                                                "CANCELLATE_NESSUNA",
+                                                "CANCELLATE_PARTE",
+                                                "CANCELLATO_SW_NO"};
+        // Why a software file, a map file or a map's name is refused, by the kind of fault.
+        QTest::newRow("ProgSW") << "ProgSW" << indici("S19.", 1, 10);
+        QTest::newRow("ProgMappe") << "ProgMappe" << indici("MAPPA.", 1, 5);
+        QTest::newRow("ReadMappe") << "ReadMappe" << indici("NOME.", 1, 5);
         const QStringList bottoni = indici("AGGIUNGI.", 0, 1) + indici("RIMUOVI.", 0, 1);
         QTest::newRow("CreaDiscoMappe")
             << "CreaDiscoMappe" << QStringList{"CAPTION"} + indici("LABCD.", 0, 2) + bottoni;

@@ -135,7 +135,7 @@ ProgSW::ProgSW(kv::Programma &programma, QWidget *parent)
     principale->addLayout(comandi);
 
     m_messaggio = [this](const QString &testo, int flags, const QString &titolo) {
-        return kv::MostraMsg(m_programma.lingua, testo, flags, titolo, 0, this);
+        return kv::MostraMsg(m_programma.lingua, testo, flags, titolo, (flags & 0x100) ? 1 : 0, this);
     };
 }
 
@@ -249,6 +249,13 @@ void ProgSW::mostraMsg(const QString &testo, int flags, const QString &titolo)
 {
     if (m_messaggio)
         m_messaggio(testo, flags, titolo);
+}
+
+bool ProgSW::chiedi(const QString &testo, const QString &titolo)
+{
+    constexpr int DomandaNo = 0x24 | 0x100; // question mark, yes and no, no the default
+    constexpr int Si = 6;
+    return m_messaggio && m_messaggio(testo, DomandaNo, titolo) == Si;
 }
 
 } // namespace kv
