@@ -70,9 +70,4 @@ bool AggiungiRecord(const QString &percorso, QByteArrayView dati)
     return f.error() == QFileDevice::NoError;
 }
 
-QByteArray LeggiBloccoMappa(const QString &nomeFileMappa, qint16 numero)
-{
-    return LeggiBlocco(nomeFileMappa, numero);
-}
-
 } // namespace kv

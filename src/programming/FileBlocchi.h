@@ -36,7 +36,4 @@ double NumeroBlocchi(const QString &percorso);
 // whole: the write, the flush and the close all succeeded.
 bool AggiungiRecord(const QString &percorso, QByteArrayView dati);
 
-// The map file in use (NomeFileMappa), block by block.
-QByteArray LeggiBloccoMappa(const QString &nomeFileMappa, qint16 numero);
-
 } // namespace kv

@@ -148,37 +148,19 @@ private slots:
         QTest::newRow("Memorf") << "Memorf" << QStringList{"CAPTION", "SCHEDA"} + indici("LABSCHEDA.", 0, 3);
         // The exchange and deletion pages, and the lines of what they pass over.
         QTest::newRow("SCAMBIO") << "SCAMBIO"
-                                 << QStringList{"SFOGLIA",
-                                                "SCEGLI",
-                                                "MANCANTE",
-                                                "ELENCO",
-                                                "ALTRE",
-                                                "NOME",
-                                                "IMPIANTO",
-                                                "DOPPIO",
-                                                "FUORI",
-                                                "FUORI_CANCELLA",
-                                                "SENZA_FILE",
-                                                "GRANDE",
-                                                "SOLO_RIGA",
-                                                "SCRITTURA",
-                                                "CANCELLAZIONE",
-                                                "CANCELLA_SW",
-                                                "CANCELLATO_SW",
-                                                "TEMP",
-                                                "LETTURA",
-                                                "COPIA",
-                                                "PULIZIA",
-                                                "NON_CARTELLA",
-                                                "SORGENTE_APP",
-                                                "CATALOGO",
-                                                "CATALOGO_ASSENTE",
-                                                "IN_CORSO",
-                                                "NON_MAPPA",
-                                                "CANCELLATE_NESSUNA",
-                                                "CANCELLATE_PARTE",
-                                                "CANCELLATO_SW_NO"};
-        // Why a software file, a map file or a map's name is refused, by the kind of fault.
+                                 << QStringList{"SFOGLIA",          "SCEGLI",        "MANCANTE",
+                                                "ELENCO",           "ALTRE",         "NOME",
+                                                "IMPIANTO",         "DOPPIO",        "FUORI",
+                                                "FUORI_CANCELLA",   "SENZA_FILE",    "GRANDE",
+                                                "SOLO_RIGA",        "SCRITTURA",     "CANCELLAZIONE",
+                                                "CANCELLA_SW",      "CANCELLATO_SW", "TEMP",
+                                                "LETTURA",          "COPIA",         "PULIZIA",
+                                                "NON_CARTELLA",     "SORGENTE_APP",  "CATALOGO",
+                                                "CATALOGO_ASSENTE", "IN_CORSO"};
+        // Why a file or a name is refused, by the kind of fault, and what a deletion left.
+        QTest::newRow("SCAMBIO, refusals")
+            << "SCAMBIO"
+            << QStringList{"NON_MAPPA", "CANCELLATE_NESSUNA", "CANCELLATE_PARTE", "CANCELLATO_SW_NO"};
         QTest::newRow("ProgSW") << "ProgSW" << indici("S19.", 1, 10);
         QTest::newRow("ProgMappe") << "ProgMappe" << indici("MAPPA.", 1, 5);
         QTest::newRow("ReadMappe") << "ReadMappe" << indici("NOME.", 1, 5);

@@ -31,19 +31,15 @@ ChiaveMappa k(const QString &testo)
     return {parti.value(0), parti.value(1), parti.value(2), parti.value(3)};
 }
 
-// A map file whose 512 bytes begin with the text, a label the tests read back.
+// A map file whose every record holds the text, a label the tests read back.
 QByteArray lkv(const QByteArray &testo)
 {
-    QByteArray file;
-    for (int i = 0; i < 512; i += 64)
-        file += testo.leftJustified(512, '\0').mid(i, 64).toHex().toUpper() + "\r\n";
-    return file;
+    return (testo.leftJustified(64, ' ').toHex().toUpper() + "\r\n").repeated(8);
 }
 
 QString etichetta(const QByteArray &file)
 {
-    const QByteArray byte = file.size() == 1040 ? QByteArray::fromHex(file) : file;
-    return QString::fromLatin1(byte.left(byte.indexOf('\0')));
+    return QString::fromLatin1(file.size() == 1040 ? QByteArray::fromHex(file.left(128)).trimmed() : file);
 }
 
 QStringList testi(const QList<ChiaveMappa> &chiavi)
@@ -349,7 +345,6 @@ private slots:
         QCOMPARE(archivio(), QStringList{"LPG/Fiat/Uno/resta|NULL|5"});
 
         // An archive that cannot be opened keeps every file.
-        mappa("LPG/Fiat/Uno/resta", "5");
         scrivi(p("app/MAPPATURE/ARCHMAPPE.MDB"), "no database");
         const EsitoScambio rifiutato =
             CancellaMappe(app, lingua, {k("LPG/Fiat/Uno/resta")}, rispondi({true}));

@@ -5,7 +5,7 @@
 #include "support/FileDiProva.h"
 #include "support/ProgrammaSimulato.h"
 
-#include "programming/FileBlocchi.h"
+#include "programming/ControlloMappa.h"
 #include "programming/ui/ProgMappe.h"
 #include "programming/ui/ReadMappe.h"
 #include "programming/ui/RegistroMappe.h"
@@ -105,8 +105,7 @@ private slots:
         QTRY_COMPARE(segnalazione(pagina), testo("ReadMappe", "SEGNALAZIONE1.4"));
 
         const QString file = cartella.filePath("MAPPATURE/LPG/Fiat/Punto 1.2/base.LKV");
-        for (int n = 1; n <= 8; ++n)
-            QCOMPARE(LeggiBloccoMappa(file, qint16(n)), disegno(1).mid((n - 1) * 64, 64));
+        QCOMPARE(LeggiMappa(file).immagine, disegno(1));
         // The rebuilt tree shows the new model with its map chosen.
         QCOMPARE(pagina->LMappe()->currentIndex().data().toString(), QStringLiteral("Punto 1.2"));
         QCOMPARE(pagina->Mappe()->currentItem()->text(), QStringLiteral("base"));
