@@ -1,5 +1,6 @@
 #include "programming/ui/ProgSW.h"
 
+#include "programming/DialogoMappe.h"
 #include "programming/ImmagineS19.h"
 #include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
@@ -135,7 +136,8 @@ ProgSW::ProgSW(kv::Programma &programma, QWidget *parent)
     principale->addLayout(comandi);
 
     m_messaggio = [this](const QString &testo, int flags, const QString &titolo) {
-        return kv::MostraMsg(m_programma.lingua, testo, flags, titolo, (flags & 0x100) ? 1 : 0, this);
+        return kv::MostraMsg(m_programma.lingua, testo, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0,
+                             this);
     };
 }
 
@@ -253,9 +255,8 @@ void ProgSW::mostraMsg(const QString &testo, int flags, const QString &titolo)
 
 bool ProgSW::chiedi(const QString &testo, const QString &titolo)
 {
-    constexpr int DomandaNo = 0x24 | 0x100; // question mark, yes and no, no the default
-    constexpr int Si = 6;
-    return m_messaggio && m_messaggio(testo, DomandaNo, titolo) == Si;
+    return m_messaggio
+           && m_messaggio(testo, FlagDomandaMappe | SecondoPredefinito, titolo) == RispostaSiMappe;
 }
 
 } // namespace kv

@@ -25,8 +25,8 @@ class ProgSW : public QWidget, private VistaProgSW
 {
     Q_OBJECT
 public:
-    // Shows a message box and returns the key's code; flag 0x100 makes the second key the
-    // default.
+    // Shows a message box and returns the key's code; with SecondoPredefinito among the flags,
+    // the second key is the default.
     using Messaggio = std::function<int(const QString &testo, int flags, const QString &titolo)>;
 
     explicit ProgSW(Programma &programma, QWidget *parent = nullptr);
