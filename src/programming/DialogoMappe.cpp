@@ -45,22 +45,22 @@ QString testoPercorso(const Lingua &l, const PercorsoMappa &p)
 
 LetturaMappe::LetturaMappe(Programma &programma, VistaMappe &vista) : m_programma(programma), m_vista(vista)
 {
-    m_programma.motore.registra(Stato, this);
+    m_programma.linea.motore().registra(Stato, this);
 }
 
 LetturaMappe::~LetturaMappe()
 {
-    m_programma.motore.rimuovi(this);
+    m_programma.linea.motore().rimuovi(this);
     if (m_inCorso) {
-        if (m_programma.motore.StatoDialogo() == Stato)
-            m_programma.motore.abbandona();
+        if (m_programma.linea.motore().StatoDialogo() == Stato)
+            m_programma.linea.motore().abbandona();
         QFile::remove(temporaneo());
     }
 }
 
 QString LetturaMappe::temporaneo() const
 {
-    return PercorsoTemporaneoMappa(m_programma.stato.PercorsoApp);
+    return PercorsoTemporaneoMappa(m_programma.PercorsoApp);
 }
 
 void LetturaMappe::Leggi(const ChiaveMappa &campi, const QString &nota)
@@ -78,7 +78,7 @@ void LetturaMappe::Leggi(const ChiaveMappa &campi, const QString &nota)
         m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ReadMappe", "SEGNALAZIONE1.3"));
         return;
     }
-    const PercorsoMappa percorso = PercorsoFileMappa(m_programma.stato.PercorsoApp, chiave);
+    const PercorsoMappa percorso = PercorsoFileMappa(m_programma.PercorsoApp, chiave);
     if (!percorso.ok()) {
         m_vista.beep();
         m_vista.mostraSegnalazione(testoPercorso(l, percorso));
@@ -110,7 +110,7 @@ void LetturaMappe::Leggi(const ChiaveMappa &campi, const QString &nota)
     m_totBlocchiMappa = int((dimensione + LunBlocco - 1) / LunBlocco);
     m_numBloccoMappa = 0;
     m_indirizzoProg = primo;
-    MotoreDialogo &m = m_programma.motore;
+    MotoreDialogo &m = m_programma.linea.motore();
     m.svuotaCoda();
     for (int n = 0; n < m_totBlocchiMappa; ++n)
         m.accoda(richiestaLettura(primo + quint32(n * LunBlocco)));
@@ -132,7 +132,7 @@ void LetturaMappe::risposta(char lettera, int stato, const QByteArray &payload)
     }
     if (lettera != 'r')
         return;
-    MotoreDialogo &m = m_programma.motore;
+    MotoreDialogo &m = m_programma.linea.motore();
     if (payload.size() < 1 + LunBlocco) {
         m.abbandona();
         interrompi(m_programma.lingua.LeggiTesto("ReadMappe", "SEGNALAZIONE1.5"));
@@ -172,7 +172,7 @@ void LetturaMappe::fine()
     m_inCorso = false;
     m_vista.abilitaPagina(true);
     m_vista.nascondiAvanzamento();
-    const QString &app = m_programma.stato.PercorsoApp;
+    const QString &app = m_programma.PercorsoApp;
     const QString tmp = temporaneo();
     // Checked again: the place must still be inside the archive now that it is written.
     const PercorsoMappa percorso = PercorsoFileMappa(app, m_chiave);
@@ -201,12 +201,12 @@ ScritturaMappe::ScritturaMappe(Programma &programma, VistaMappe &vista)
     : m_programma(programma)
     , m_vista(vista)
 {
-    m_programma.motore.registra(Stato, this);
+    m_programma.linea.motore().registra(Stato, this);
 }
 
 ScritturaMappe::~ScritturaMappe()
 {
-    m_programma.motore.rimuovi(this);
+    m_programma.linea.motore().rimuovi(this);
 }
 
 void ScritturaMappe::ProgrammaMappa(const ChiaveMappa &mappa, bool verifica)
@@ -222,8 +222,7 @@ void ScritturaMappe::ProgrammaMappa(const ChiaveMappa &mappa, bool verifica)
         m_vista.mostraSegnalazione(l.LeggiTesto("ProgMappe", "SEGNALAZIONE1.3"));
         return;
     }
-    const PercorsoMappa percorso =
-        PercorsoFileMappa(m_programma.stato.PercorsoApp, chiave, NomiMappa::Esistenti);
+    const PercorsoMappa percorso = PercorsoFileMappa(m_programma.PercorsoApp, chiave, NomiMappa::Esistenti);
     if (!percorso.ok()) {
         m_vista.beep();
         m_vista.mostraSegnalazione(l.LeggiTesto("ProgMappe", "SEGNALAZIONE1.4"));
@@ -263,7 +262,7 @@ void ScritturaMappe::ProgrammaMappa(const ChiaveMappa &mappa, bool verifica)
 
 void ScritturaMappe::Riscrivi()
 {
-    if (m_immagine.size() == FileMappa::Dimensione && m_programma.motore.StatoDialogo() == -1)
+    if (m_immagine.size() == FileMappa::Dimensione && m_programma.linea.motore().StatoDialogo() == -1)
         invia();
 }
 
@@ -273,7 +272,7 @@ void ScritturaMappe::invia()
     m_numBloccoMappa = 1;
     m_indirizzoProg = FileMappa::PrimoIndirizzo;
     m_vista.mostraAvanzamento(1, FileMappa::Blocchi);
-    MotoreDialogo &m = m_programma.motore;
+    MotoreDialogo &m = m_programma.linea.motore();
     m.svuotaCoda();
     accodaBlocco();
     m_vista.abilitaPagina(false);
@@ -286,7 +285,7 @@ void ScritturaMappe::accodaBlocco()
     const QByteArray blocco = m_immagine.mid((m_numBloccoMappa - 1) * LunBlocco, LunBlocco);
     m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_11").trimmed()
                                + QLatin1Char(' ') + QString::number(m_numBloccoMappa));
-    m_programma.motore.accoda('W' + ParolaInByte(m_indirizzoProg) + char(blocco.size()) + blocco);
+    m_programma.linea.motore().accoda('W' + ParolaInByte(m_indirizzoProg) + char(blocco.size()) + blocco);
 }
 
 void ScritturaMappe::risposta(char lettera, int stato, const QByteArray &payload)
@@ -305,14 +304,14 @@ void ScritturaMappe::risposta(char lettera, int stato, const QByteArray &payload
     } else if (lettera == 'r' && stato == StatoVerifica) {
         m_riletti += payload.mid(1, LunBlocco);
         m_vista.mostraAvanzamento(int(m_riletti.size() / LunBlocco), FileMappa::Blocchi);
-        if (m_programma.motore.prosegui() == MotoreDialogo::Seguito::Concluso)
+        if (m_programma.linea.motore().prosegui() == MotoreDialogo::Seguito::Concluso)
             fineVerifica();
     }
 }
 
 void ScritturaMappe::bloccoScritto()
 {
-    MotoreDialogo &m = m_programma.motore;
+    MotoreDialogo &m = m_programma.linea.motore();
     if (m_numBloccoMappa < FileMappa::Blocchi) {
         ++m_numBloccoMappa;
         m_vista.mostraAvanzamento(m_numBloccoMappa, FileMappa::Blocchi);
@@ -338,7 +337,7 @@ void ScritturaMappe::fineScrittura()
 
 void ScritturaMappe::avviaVerifica()
 {
-    MotoreDialogo &m = m_programma.motore;
+    MotoreDialogo &m = m_programma.linea.motore();
     m.svuotaCoda();
     for (int n = 0; n < FileMappa::Blocchi; ++n)
         m.accoda(richiestaLettura(FileMappa::PrimoIndirizzo + quint32(n * LunBlocco)));

@@ -7,7 +7,7 @@
 #include "base/FileSystem.h"
 #include "base/Lingua.h"
 #include "link/Frame.h"
-#include "link/StatoProgramma.h"
+#include "link/SessioneLinea.h"
 #include "programming/FileBlocchi.h"
 #include "programming/ImmagineS19.h"
 
@@ -61,10 +61,11 @@ SchedaSoftware LeggiSchedaSoftware(const QString &percorsoApp, const QString &no
     return scheda;
 }
 
-DialogoProgSW::DialogoProgSW(MotoreDialogo &motore, StatoProgramma &stato, const Lingua &lingua,
+DialogoProgSW::DialogoProgSW(SessioneLinea &linea, const QString &percorsoApp, const Lingua &lingua,
                              VistaProgSW &vista)
-    : m_motore(motore)
-    , m_stato(stato)
+    : m_linea(linea)
+    , m_motore(linea.motore())
+    , m_percorsoApp(percorsoApp)
     , m_lingua(lingua)
     , m_vista(vista)
 {
@@ -90,12 +91,12 @@ SchedaSoftware DialogoProgSW::scegli(const QString &testoNodo)
     m_nome = testoNodo.trimmed();
     if (m_nome.isEmpty())
         return {};
-    return LeggiSchedaSoftware(m_stato.PercorsoApp, m_nome, m_lingua);
+    return LeggiSchedaSoftware(m_percorsoApp, m_nome, m_lingua);
 }
 
 bool DialogoProgSW::preparaImmagine()
 {
-    const QString &app = m_stato.PercorsoApp;
+    const QString &app = m_percorsoApp;
     const QString nonValido = m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_9");
     // Only a plain file of the software folder is read: not a link, nor a path.
     const QString s19 = m_nome.contains(u'/') || m_nome.contains(u'\\')
@@ -111,7 +112,7 @@ bool DialogoProgSW::preparaImmagine()
         return false;
     }
     m_fileSW = PercorsoFileSW(app);
-    if (!PreparaFileSW(m_fileSW) || !ConvertiS19(s19, m_fileSW, m_stato)) {
+    if (!PreparaFileSW(m_fileSW) || !ConvertiS19(s19, m_fileSW, m_linea.ecu())) {
         m_vista.mostraSegnalazione(nonValido);
         return false;
     }
@@ -186,7 +187,7 @@ void DialogoProgSW::risposta(char lettera, int stato, const QByteArray &payload)
         if (m_motore.prosegui() == MotoreDialogo::Seguito::Concluso) {
             // The ECU restarts with what has just been written: the next live frame asks it
             // again who it is, so the version page shows the new release, not the old one.
-            m_stato.EcuDaIdentificare = true;
+            m_linea.ecuRiprogrammata();
             m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_12"));
             m_vista.abilitaPagina(true);
         }

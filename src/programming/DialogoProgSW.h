@@ -9,7 +9,7 @@ namespace kv {
 
 class Lingua;
 struct EsitoS19;
-struct StatoProgramma;
+class SessioneLinea;
 
 // What the software page's dialogue asks of the page on screen.
 class VistaProgSW
@@ -62,7 +62,7 @@ public:
     static constexpr int IntervalloProgrammazione = 3000;
     static constexpr int FlagInformazione = 0x40;
 
-    DialogoProgSW(MotoreDialogo &motore, StatoProgramma &stato, const Lingua &lingua, VistaProgSW &vista);
+    DialogoProgSW(SessioneLinea &linea, const QString &percorsoApp, const Lingua &lingua, VistaProgSW &vista);
     ~DialogoProgSW() override;
 
     DialogoProgSW(const DialogoProgSW &) = delete;
@@ -83,6 +83,10 @@ public:
 
     void risposta(char lettera, int stato, const QByteArray &payload) override;
     void scadenza(int stato) override;
+    char rispostaAttesa(int stato) const override
+    {
+        return stato >= StatoInizio && stato <= StatoFine ? 'e' : 0;
+    }
 
 private:
     // The image from the chosen file; false, with the message shown, when nothing may be sent.
@@ -95,8 +99,9 @@ private:
     void dopoBlocco();
     void erroreEcu(const QByteArray &payload);
 
+    SessioneLinea &m_linea;
     MotoreDialogo &m_motore;
-    StatoProgramma &m_stato;
+    const QString m_percorsoApp;
     const Lingua &m_lingua;
     VistaProgSW &m_vista;
 

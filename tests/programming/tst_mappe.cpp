@@ -287,7 +287,7 @@ private slots:
         const QString atteso = parti.size() == 2 ? p->lingua.LeggiTesto(parti[0], parti[1]) : messaggio;
         QVERIFY2(vista.segnalazione.startsWith(atteso), qPrintable(vista.segnalazione));
         QVERIFY(vista.abilitata);
-        QCOMPARE(p->motore.StatoDialogo(), -1);
+        QCOMPARE(p->linea.motore().StatoDialogo(), -1);
     }
 
     void namesThatLeadOutAreRefused_data()
@@ -428,7 +428,7 @@ private slots:
             FileIni impostazioni = FileIni::daFile(ini);
             impostazioni.imposta("SERIALE", "Porta", QString(1000, u'x'));
             return (letta ? 0 : 1) | (impostazioni.salva(ini) ? 2 : 0)
-                   | (ConvertiS19(s19, PercorsoFileSW(app()), p->stato) ? 4 : 0);
+                   | (ConvertiS19(s19, PercorsoFileSW(app()), p->linea.ecu()) ? 4 : 0);
         });
         QCOMPARE(fallite, 0);
         QCOMPARE(contenuto(), prima);
