@@ -186,7 +186,7 @@ void DialogoProgSW::risposta(char lettera, int stato, const QByteArray &payload)
     case StatoFine:
         if (m_motore.prosegui() == MotoreDialogo::Seguito::Concluso) {
             // The ECU restarts with what has just been written: the next live frame asks it
-            // again who it is, so the version page shows the new release, not the old one.
+            // again who it is, so the version page shows what it now runs.
             m_linea.ecuRiprogrammata();
             m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_12"));
             m_vista.abilitaPagina(true);
