@@ -29,6 +29,7 @@
 #include "programming/ui/PaginaElenchiMappe.h"
 #include "programming/ui/PaginaSoftware.h"
 #include "programming/ui/ProgMappe.h"
+#include "programming/ui/ProgSW.h"
 #include "programming/ui/ReadMappe.h"
 #include "programming/ui/RegistroMappe.h"
 #include "programming/ui/RegistroProgSW.h"
@@ -236,7 +237,7 @@ int main(int argc, char *argv[])
     if (auto *scrittura = qobject_cast<ProgMappe *>(finestra.apriPagina(IdPagina::ProgMappe))) {
         scrittura->aggiornaAlbero({QStringLiteral("LPG"), QStringLiteral("Fiat"),
                                    QStringLiteral("Punto 1200"), QStringLiteral("Base")});
-        scrittura->Verifica()->setChecked(true);
+        scrittura->impostaDomanda([](const QString &, int, const QString &) { return 6; });
         scrittura->Programmazione();
         attendi(linkLibero, 5000);
         ok &= salva(finestra, cartella, QStringLiteral("progmappe.png"));
@@ -287,7 +288,8 @@ int main(int argc, char *argv[])
         finestra.ChiudiPagina(visore);
     }
     // The demo's release chosen and some way into its flash.
-    if (QWidget *pagina = finestra.apriPagina(IdPagina::ProgSW)) {
+    if (auto *pagina = qobject_cast<ProgSW *>(finestra.apriPagina(IdPagina::ProgSW))) {
+        pagina->impostaMessaggio([](const QString &, int, const QString &) { return 6; });
         if (auto *lista = pagina->findChild<QTreeWidget *>(QStringLiteral("LSoftware"));
             lista && lista->topLevelItemCount() > 0)
             lista->setCurrentItem(lista->topLevelItem(0));

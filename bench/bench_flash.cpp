@@ -52,6 +52,7 @@ public:
     void mostraBarra(bool) override {}
     void impostaBarra(int) override {}
     void mostraMsg(const QString &testo, int, const QString &) override { ultima = testo; }
+    bool chiedi(const QString &, const QString &) override { return true; }
     QString ultima;
 
 private:
@@ -256,8 +257,7 @@ public:
         }
         QEventLoop ciclo;
         Vista vista(ciclo);
-        DialogoProgSW dialogo(m_programma->linea.motore(), m_programma->linea.ecu(), m_programma->PercorsoApp,
-                              m_programma->lingua, vista);
+        DialogoProgSW dialogo(m_programma->linea, m_programma->PercorsoApp, m_programma->lingua, vista);
         dialogo.scegli(QStringLiteral("BENCH"));
         QTimer::singleShot(120000, &ciclo, &QEventLoop::quit);
         m_porta->tempi.clear();

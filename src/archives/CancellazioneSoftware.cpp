@@ -27,31 +27,42 @@ EsitoScambio CancellaSoftware(const QString &percorsoApp, const Lingua &lingua, 
     if (!domanda(testo))
         return esito;
 
+    const QString scambio = QStringLiteral("SCAMBIO");
     Archivio db;
     if (!ApriArchivioSoftware(PercorsoFile(percorsoApp, FileArchivi::CartellaSoftware),
                               FileArchivi::FileSoftware, db)) {
         esito.messaggio = TestoEsitoArchivio(lingua, db.Esito());
         return esito;
     }
-    if (!db.Cancella(u"PER_NOME", {n}) && !db.Esito().ok())
+    // A catalogue that can only be read would keep a row whose file was gone.
+    if (db.SoloLettura()) {
+        esito.messaggio = TestoScambio(lingua, scambio, QStringLiteral("CANCELLATO_SW_NO"), NomeVisibile(n));
+        esito.avvisi << TestoScambio(lingua, QStringLiteral("ARCHIVI"), QStringLiteral("SOLALETTURA"),
+                                     db.Percorso());
+        return esito;
+    }
+    const bool riga = db.Cancella(u"PER_NOME", {n}) || db.Esito().ok();
+    if (!riga)
         esito.avvisi << TestoEsitoArchivio(lingua, db.Esito());
     ChiudiArchivioSoftware(db);
 
     // Only a plain file of FILES19 itself, whatever the name holds.
+    bool file = true;
     const QString files = CartellaFiles19(percorsoApp);
-    const QString file = PercorsoS19(files, n);
-    const QFileInfo info(file);
-    if (!n.contains(u'/') && DentroRadice(files, percorsoApp) && DentroRadice(file, files)
+    const QString s19 = PercorsoS19(files, n);
+    const QFileInfo info(s19);
+    if (riga && !n.contains(u'/') && DentroRadice(files, percorsoApp) && DentroRadice(s19, files)
         && info.absolutePath() == QFileInfo(files).absoluteFilePath() && info.isFile()) {
-        ToglieSolaLettura(file, files);
-        if (!QFile::remove(file))
-            esito.avvisi << TestoScambio(lingua, QStringLiteral("SCAMBIO"), QStringLiteral("CANCELLAZIONE"),
-                                         NomeVisibile(n));
+        ToglieSolaLettura(s19, files);
+        file = QFile::remove(s19);
+        if (!file)
+            esito.avvisi << TestoScambio(lingua, scambio, QStringLiteral("CANCELLAZIONE"), NomeVisibile(n));
     }
     esito.fatto = true;
-    esito.voci = 1;
-    esito.messaggio =
-        TestoScambio(lingua, QStringLiteral("SCAMBIO"), QStringLiteral("CANCELLATO_SW"), NomeVisibile(n));
+    esito.voci = riga && file ? 1 : 0;
+    esito.messaggio = TestoScambio(
+        lingua, scambio, esito.voci ? QStringLiteral("CANCELLATO_SW") : QStringLiteral("CANCELLATO_SW_NO"),
+        NomeVisibile(n));
     return esito;
 }
 

@@ -8,7 +8,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -45,7 +44,8 @@ bool filePiano(const QFileInfo &info)
 bool NomeScambioValido(const QString &nome, int massimo)
 {
     const QString t = nome.trimmed();
-    if (t.isEmpty() || t.size() > massimo || t.startsWith(u'.'))
+    // Windows drops a trailing point, so "Punto." would become another name there.
+    if (t.isEmpty() || t.size() > massimo || t.startsWith(u'.') || t.endsWith(u'.') || NomeRiservato(t))
         return false;
     for (QChar c : t)
         if (carattereVietato(c))
@@ -134,9 +134,7 @@ namespace {
 
 bool scriviFile(const QString &destinazione, const QByteArray &byte)
 {
-    QSaveFile f(destinazione);
-    f.setDirectWriteFallback(false);
-    if (!f.open(QIODevice::WriteOnly) || f.write(byte) != byte.size() || !f.commit())
+    if (!ScriviFileIntero(destinazione, byte))
         return false;
     QFile::setPermissions(destinazione, Scrivibile);
     return true;

@@ -43,7 +43,8 @@ inline constexpr qint64 MassimoFileScambio = qint64(1) << 20;
 
 // A name that is to become a folder or a file name here and on a medium (a make, a model,
 // a map, a software): text once trimmed, at most massimo characters, neither "." nor "..",
-// not hidden (a leading point), and none of \ / : * ? " < > | nor a control character.
+// not hidden (a leading point) nor ending in a point, not a name Windows keeps for a device
+// (NomeRiservato), and none of \ / : * ? " < > | nor a control character.
 bool NomeScambioValido(const QString &nome, int massimo);
 
 // A name from a medium as a message shows it: control characters made visible, cut short.

@@ -1,10 +1,10 @@
 #include "base/FileIni.h"
 
 #include "base/Cp1252.h"
+#include "base/FileSystem.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <cstring>
 
@@ -318,14 +318,7 @@ bool FileIni::imposta(const QString &sezione, const QString &chiave, const QStri
 
 bool FileIni::salva(const QString &percorso) const
 {
-    QSaveFile file(percorso);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    if (file.write(m_byte) != m_byte.size()) {
-        file.cancelWriting();
-        return false;
-    }
-    return file.commit();
+    return ScriviFileIntero(percorso, m_byte);
 }
 
 QString FileIni::leggi(const QString &percorso, const QString &sezione, const QString &chiave,

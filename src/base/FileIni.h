@@ -50,7 +50,8 @@ public:
     // a section, '=' in a key, a key starting with '[' or ';'.
     bool imposta(const QString &sezione, const QString &chiave, const QString &valore);
 
-    // Replaces the file in one step: a crash leaves the old file or the new one, never half.
+    // Replaces the file in one step: a crash or a full disk leaves the old file or the new
+    // one, never half.
     bool salva(const QString &percorso) const;
 
     const QByteArray &byte() const { return m_byte; }

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QSaveFile>
 #include <QTime>
 
 #include <algorithm>
@@ -152,6 +153,31 @@ QString PercorsoFile(const QString &cartella, const QString &nome)
 {
     const QString trovato = TrovaFile(cartella, nome);
     return trovato.isEmpty() ? cartella + u'/' + nome : trovato;
+}
+
+bool ScriviFileIntero(const QString &percorso, QByteArrayView byte)
+{
+    QSaveFile f(percorso);
+    f.setDirectWriteFallback(false);
+    if (!f.open(QIODevice::WriteOnly) || f.write(byte.data(), byte.size()) != byte.size())
+        return false;
+    // commit() closes the file without looking at the flush that a buffered write leaves for
+    // the close: a full disk there would still commit a cut file. The flush is done first.
+    if (!f.flush()) {
+        f.cancelWriting();
+        return false;
+    }
+    return f.commit();
+}
+
+bool NomeRiservato(const QString &nome)
+{
+    // Windows drops blanks before the extension too: "con .txt" is CON.
+    const QString base = nome.section(u'.', 0, 0).trimmed().toUpper();
+    if (base == u"CON" || base == u"PRN" || base == u"AUX" || base == u"NUL")
+        return true;
+    return base.size() == 4 && (base.startsWith(u"COM") || base.startsWith(u"LPT")) && base.at(3) >= u'1'
+           && base.at(3) <= u'9';
 }
 
 } // namespace kv

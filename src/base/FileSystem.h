@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QString>
 #include <QtGlobal>
 
@@ -35,5 +36,14 @@ QString TrovaFile(const QString &cartella, const QString &nome);
 
 // TrovaFile, or cartella + '/' + nome as written when nothing is there yet.
 QString PercorsoFile(const QString &cartella, const QString &nome);
+
+// Replaces the file at percorso by byte in one step (QSaveFile): the old file stays whole
+// unless the new one has been written, flushed and closed without an error. False then.
+bool ScriviFileIntero(const QString &percorso, QByteArrayView byte);
+
+// A name Windows keeps for a device (CON, PRN, AUX, NUL, COM1 to COM9, LPT1 to LPT9), in any
+// case, with or without an extension: a file or folder of that name cannot be copied to a
+// medium that a Windows machine reads.
+bool NomeRiservato(const QString &nome);
 
 } // namespace kv

@@ -1,5 +1,6 @@
 #include "link/Identificazione.h"
 
+#include "base/Cp1252.h"
 #include "link/Frame.h"
 #include "link/StatoEcu.h"
 #include "variables/Catalogo.h"
@@ -25,8 +26,9 @@ constexpr Lettura Letture[] = {
 
 QString campo(const QByteArray &payload, int da, int larghezza)
 {
-    // One byte, one character, in the ECU's 8-bit set; a short reply gives what it has.
-    return QString::fromLatin1(payload.mid(da - 1, larghezza));
+    // One byte, one character, in the ANSI set; a short reply gives what it has. The image of a
+    // flash encodes them back the same way, which gives every byte back as it came.
+    return Cp1252::decodifica(payload.mid(da - 1, larghezza));
 }
 
 } // namespace

@@ -48,6 +48,9 @@ public:
     [[nodiscard]] const QString &gruppoMancante() const { return m_gruppoMancante; }
 
     [[nodiscard]] const StatoEcu &ecu() const { return m_ecu; }
+    // The ECU has taken new software and restarts with it: it is asked who it is again at its
+    // next frame.
+    void ecuRiprogrammata() { m_ecu.ecuPersa(); }
     // A page has read the throttle sensor's calibration again.
     void tpsRiletto(bool presente) { m_ecu.TpsPresente = presente; }
     // A known ECU to start from, for a test or a picture.

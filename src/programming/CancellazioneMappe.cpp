@@ -53,12 +53,20 @@ EsitoScambio CancellaMappe(const QString &percorsoApp, const Lingua &lingua, con
         esito.avvisi << TestoEsitoArchivio(lingua, db.Esito());
         return esito;
     }
+    // A catalogue that can only be read would keep rows whose files were gone.
+    if (db.SoloLettura()) {
+        esito.messaggio = TestoScambio(lingua, Scambio, QStringLiteral("CANCELLATE_NESSUNA"));
+        esito.avvisi << TestoScambio(lingua, QStringLiteral("ARCHIVI"), QStringLiteral("SOLALETTURA"),
+                                     db.Percorso());
+        return esito;
+    }
     for (const ChiaveMappa &m : mappe) {
         const ChiaveMappa k = m.pulita();
         const QString visibile = NomeVisibile(TestoChiaveMappa(k));
-        if (!db.Cancella(u"PER_NOME", k.elenco()) && !db.Esito().ok())
+        if (!db.Cancella(u"PER_NOME", k.elenco()) && !db.Esito().ok()) {
             esito.avvisi << visibile + QStringLiteral(": ") + TestoEsitoArchivio(lingua, db.Esito());
-        ++esito.voci;
+            continue;
+        }
         const PercorsoMappa p = PercorsoFileMappa(percorsoApp, k, NomiMappa::Esistenti);
         if (!p.ok()) {
             if (k.completa())
@@ -72,13 +80,22 @@ EsitoScambio CancellaMappe(const QString &percorsoApp, const Lingua &lingua, con
                 continue;
             }
         }
+        ++esito.voci;
         // The model's folder goes with its last map; the make's and the plant's stay.
         if (QFileInfo(p.cartella).isDir() && !restaUnaMappa(p.cartella))
             CancellaCartella(p.cartella, radice);
     }
     ChiudiArchivioMappe(db);
     esito.fatto = true;
-    esito.messaggio = TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_29"));
+    // The closing line says what happened, whatever the lines below it tell.
+    if (esito.voci == mappe.size())
+        esito.messaggio = TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_29"));
+    else if (esito.voci == 0)
+        esito.messaggio = TestoScambio(lingua, Scambio, QStringLiteral("CANCELLATE_NESSUNA"));
+    else
+        esito.messaggio =
+            TestoScambio(lingua, Scambio, QStringLiteral("CANCELLATE_PARTE"), QString::number(esito.voci))
+                .replace(QLatin1String("YYY"), QString::number(mappe.size()));
     return esito;
 }
 

@@ -1,5 +1,6 @@
 #include "programming/ControlloMappa.h"
 
+#include "base/Lingua.h"
 #include "programming/FileBlocchi.h"
 #include "programming/FileMappa.h"
 
@@ -61,6 +62,14 @@ EsitoMappa LeggiMappa(const QString &percorso)
     if (f.error() != QFileDevice::NoError)
         return errore(EsitoMappa::Errore::Illeggibile, 0);
     return ControllaMappa(contenuto);
+}
+
+QString TestoEsitoMappa(const Lingua &lingua, const EsitoMappa &esito)
+{
+    return lingua.LeggiTesto("ProgMappe", "MAPPA." + QString::number(int(esito.errore)))
+        .trimmed()
+        .replace(QLatin1String("XXX"), QString::number(esito.record))
+        .replace(QLatin1String("YYY"), QString::number(esito.colonna));
 }
 
 } // namespace kv

@@ -5,6 +5,8 @@
 
 namespace kv {
 
+class Lingua;
+
 // What a map file must be before anything of it is shown or sent to an ECU: exactly 8
 // records of 128 hexadecimal characters, each ended by CR LF, for 0xC100..0xC2FF. A file
 // that is anything else (cut short, padded, a longer image, text that is not hexadecimal) is
@@ -32,5 +34,8 @@ EsitoMappa ControllaMappa(const QByteArray &contenuto);
 // The same on a file; reads no more than one byte past a map's size, so a large file costs
 // nothing.
 EsitoMappa LeggiMappa(const QString &percorso);
+
+// Why a file is no map, for the fitter: the first bad record, and where in it.
+QString TestoEsitoMappa(const Lingua &lingua, const EsitoMappa &esito);
 
 } // namespace kv

@@ -3,7 +3,9 @@
 #include "archives/SchemaArchivi.h"
 #include "base/Lingua.h"
 #include "link/Frame.h"
+#include "programming/ControlloMappa.h"
 #include "programming/FileBlocchi.h"
+#include "programming/ScambioMappe.h"
 #include "shell/Programma.h"
 
 #include <QFile>
@@ -213,62 +215,88 @@ void ScritturaMappe::ProgrammaMappa(const ChiaveMappa &mappa, bool verifica)
     m_vista.mostraSegnalazione({});
     const ChiaveMappa chiave = mappa.pulita();
     if (chiave.impianto.isEmpty() || chiave.marca.isEmpty() || chiave.modello.isEmpty()) {
-        m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ProgMappe", "SEGNALAZIONE1.0"));
+        m_vista.mostraSegnalazione(l.LeggiTesto("ProgMappe", "SEGNALAZIONE1.0"));
         return;
     }
     if (chiave.file.isEmpty()) {
-        m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ProgMappe", "SEGNALAZIONE1.3"));
+        m_vista.mostraSegnalazione(l.LeggiTesto("ProgMappe", "SEGNALAZIONE1.3"));
         return;
     }
     const PercorsoMappa percorso = PercorsoFileMappa(m_programma.PercorsoApp, chiave, NomiMappa::Esistenti);
     if (!percorso.ok()) {
         m_vista.beep();
-        m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ProgMappe", "SEGNALAZIONE1.4"));
+        m_vista.mostraSegnalazione(l.LeggiTesto("ProgMappe", "SEGNALAZIONE1.4"));
         return;
     }
     m_nomeFileMappa = percorso.file;
     if (!EsisteMappa(percorso)) {
-        m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ProgMappe", "SEGNALAZIONE1.3"));
+        m_vista.mostraSegnalazione(l.LeggiTesto("ProgMappe", "SEGNALAZIONE1.3"));
         return;
     }
+    // The whole file is judged before the first block: a file that is not exactly a map
+    // would write past 0xC2FF into the software, or half a map.
+    const EsitoMappa esito = LeggiMappa(m_nomeFileMappa);
+    if (!esito.ok()) {
+        m_vista.beep();
+        m_vista.mostraSegnalazione(
+            esito.errore == EsitoMappa::Errore::Illeggibile
+                ? l.LeggiTesto("ProgMappe", "SEGNALAZIONE1.2")
+                : l.LeggiTesto("ProgMappe", "RIFIUTATA")
+                          .trimmed()
+                          .replace(QLatin1String("XXX"), TestoChiaveMappa(percorso.chiave))
+                      + QLatin1Char(' ') + TestoEsitoMappa(l, esito));
+        return;
+    }
+    m_nomeMappa = TestoChiaveMappa(percorso.chiave);
+    if (m_vista.domanda(
+            l.LeggiTesto("ProgMappe", "DOMANDA").trimmed().replace(QLatin1String("XXX"), m_nomeMappa),
+            FlagDomandaMappe | SecondoPredefinito, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"))
+        != RispostaSiMappe) {
+        m_vista.mostraSegnalazione(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_19"));
+        return;
+    }
+    m_immagine = esito.immagine;
     m_verifica = verifica;
-    m_inviati.clear();
+    invia();
+}
+
+void ScritturaMappe::Riscrivi()
+{
+    if (m_immagine.size() == FileMappa::Dimensione && m_programma.linea.motore().StatoDialogo() == -1)
+        invia();
+}
+
+void ScritturaMappe::invia()
+{
     m_primaDifferenza = -1;
     m_numBloccoMappa = 1;
     m_indirizzoProg = FileMappa::PrimoIndirizzo;
     m_vista.mostraAvanzamento(1, FileMappa::Blocchi);
     MotoreDialogo &m = m_programma.linea.motore();
     m.svuotaCoda();
-    if (!accodaBlocco()) {
-        fallita(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_13"), true);
-        return;
-    }
+    accodaBlocco();
     m_vista.abilitaPagina(false);
     if (!m.avvia(Stato, IntervalloScrittura))
-        fallita(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_14"), true);
+        fallita(m_programma.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_3"), true);
 }
 
-bool ScritturaMappe::accodaBlocco()
+void ScritturaMappe::accodaBlocco()
 {
-    const QByteArray blocco = LeggiBloccoMappa(m_nomeFileMappa, qint16(m_numBloccoMappa));
-    if (blocco.isEmpty())
-        return false;
-    // Only what lands in the map's area can be read back there.
-    const qint64 dentro = qint64(FileMappa::Dimensione) - m_inviati.size();
-    if (m_indirizzoProg <= FileMappa::UltimoIndirizzo && dentro > 0)
-        m_inviati += blocco.left(dentro);
+    const QByteArray blocco = m_immagine.mid((m_numBloccoMappa - 1) * LunBlocco, LunBlocco);
     m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_11").trimmed()
                                + QLatin1Char(' ') + QString::number(m_numBloccoMappa));
     m_programma.linea.motore().accoda('W' + ParolaInByte(m_indirizzoProg) + char(blocco.size()) + blocco);
-    return true;
 }
 
 void ScritturaMappe::risposta(char lettera, int stato, const QByteArray &payload)
 {
     if (lettera == 'e' && (payload.size() < 2 || quint8(payload.at(1)) != 0xFF)) {
         // The ECU keeps what was written before the refusal; nothing is repeated.
-        m_vista.mostraSegnalazione(m_programma.lingua.testo(ErroreEcu(payload)));
-        m_vista.abilitaPagina(true);
+        const QString errore = m_programma.lingua.testo(ErroreEcu(payload));
+        if (stato == Stato && m_numBloccoMappa > 1)
+            interrotta(errore);
+        else
+            fallita(errore, false);
         return;
     }
     if (lettera == 'e' && stato == Stato) {
@@ -284,17 +312,12 @@ void ScritturaMappe::risposta(char lettera, int stato, const QByteArray &payload
 void ScritturaMappe::bloccoScritto()
 {
     MotoreDialogo &m = m_programma.linea.motore();
-    // The size is taken again at every step: the file goes over as it stands.
-    if (NumeroBlocchi(m_nomeFileMappa) > m_numBloccoMappa) {
+    if (m_numBloccoMappa < FileMappa::Blocchi) {
         ++m_numBloccoMappa;
-        m_vista.mostraAvanzamento(qMin(m_numBloccoMappa, FileMappa::Blocchi), FileMappa::Blocchi);
+        m_vista.mostraAvanzamento(m_numBloccoMappa, FileMappa::Blocchi);
         m_indirizzoProg += LunBlocco;
         m.svuotaCoda();
-        if (!accodaBlocco()) {
-            m.abbandona();
-            fallita(m_programma.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_13"), false);
-            return;
-        }
+        accodaBlocco();
         (void)m.prosegui();
         return;
     }
@@ -330,8 +353,8 @@ void ScritturaMappe::fineVerifica()
 {
     m_vista.nascondiAvanzamento();
     m_vista.abilitaPagina(true);
-    for (qsizetype i = 0; i < m_inviati.size(); ++i) {
-        if (i >= m_riletti.size() || m_riletti.at(i) != m_inviati.at(i)) {
+    for (qsizetype i = 0; i < m_immagine.size(); ++i) {
+        if (i >= m_riletti.size() || m_riletti.at(i) != m_immagine.at(i)) {
             m_primaDifferenza = FileMappa::PrimoIndirizzo + i;
             const QString ecu =
                 i < m_riletti.size() ? esadecimale(quint8(m_riletti.at(i)), 2) : QStringLiteral("--");
@@ -339,7 +362,7 @@ void ScritturaMappe::fineVerifica()
             m_vista.mostraSegnalazione(
                 m_programma.lingua.LeggiTesto("ProgMappe", "SEGNALAZIONE1.7")
                     .replace(QLatin1String("XXX"), esadecimale(quint32(m_primaDifferenza), 4))
-                    .replace(QLatin1String("YYY"), esadecimale(quint8(m_inviati.at(i)), 2))
+                    .replace(QLatin1String("YYY"), esadecimale(quint8(m_immagine.at(i)), 2))
                     .replace(QLatin1String("ZZZ"), ecu));
             return;
         }
@@ -352,7 +375,7 @@ void ScritturaMappe::scadenza(int stato)
     if (stato == StatoVerifica)
         fallita(m_programma.lingua.LeggiTesto("ProgMappe", "SEGNALAZIONE1.8"), true);
     else
-        fallita(m_programma.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_14"), true);
+        interrotta(m_programma.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_14"));
 }
 
 void ScritturaMappe::fallita(const QString &messaggio, bool nascondiBarra)
@@ -361,6 +384,19 @@ void ScritturaMappe::fallita(const QString &messaggio, bool nascondiBarra)
         m_vista.nascondiAvanzamento();
     m_vista.mostraSegnalazione(messaggio);
     m_vista.abilitaPagina(true);
+}
+
+void ScritturaMappe::interrotta(const QString &motivo)
+{
+    // Whether the block in flight got in is not known: from there on the ECU may hold either.
+    const Lingua &l = m_programma.lingua;
+    fallita(motivo + QLatin1Char(' ')
+                + l.LeggiTesto("ProgMappe", "MISTA")
+                      .trimmed()
+                      .replace(QLatin1String("XXX"), QString::number(m_numBloccoMappa)),
+            true);
+    m_vista.offriRiscrittura(
+        l.LeggiTesto("ProgMappe", "RISCRIVERE").trimmed().replace(QLatin1String("XXX"), m_nomeMappa));
 }
 
 void ScritturaMappe::Esci()

@@ -34,11 +34,16 @@ public:
     virtual void mappaArchiviata(const ChiaveMappa &) {}
     // The fitter would not overwrite: the map's name is to be changed.
     virtual void fuocoNomeFile() {}
+    // A write cut off half-way: the question whether to write the map again, asked once the
+    // reply that ended it has been dealt with; yes calls ScritturaMappe::Riscrivi.
+    virtual void offriRiscrittura(const QString &) {}
 };
 
-// Codes of the message box and the question's flags: yes and no with the question mark.
+// Codes of the message box and the question's flags: yes and no with the question mark;
+// with SecondoPredefinito, no is the answer that Enter gives.
 inline constexpr int RispostaSiMappe = 6;
 inline constexpr int FlagDomandaMappe = 0x24;
+inline constexpr int SecondoPredefinito = 0x100;
 
 // The ECU side of ReadMappe: the map is read in blocks of 64 bytes from 0xC100 into
 // KVMAPPA.TMP, and only after the last block is the file put in place (replacing one of the
@@ -87,10 +92,12 @@ private:
     bool m_inCorso = false;
 };
 
-// The ECU side of ProgMappe: the map file goes over as it stands, block after block by 'W'
-// from 0xC100, without 'I' or 'F'; the file's size decides, at every step, whether another
-// block follows. Asked for, the 512 bytes are then read back and compared with what was
-// sent. It owns states 171 to 180 for as long as it lives.
+// The ECU side of ProgMappe: the map file is checked whole (ControllaMappa) and refused,
+// naming its first bad record, unless it is exactly a map; after one question its 512 bytes
+// go over in 8 blocks by 'W' from 0xC100, without 'I' or 'F'. Asked for, they are then read
+// back and compared. A write cut off half-way leaves part of the new map and part of the old
+// in the ECU: the fitter is told so and offered to write it again. It owns states 171 to 180
+// for as long as it lives.
 class ScritturaMappe : public GestoreStati
 {
 public:
@@ -106,6 +113,9 @@ public:
     // Programma: mappa holds plant, make and model of the selected model (empty when none
     // is selected) and the name of the selected map; verifica asks for the read-back.
     void ProgrammaMappa(const ChiaveMappa &mappa, bool verifica);
+    // The map of the last write sent again, without a question: the yes to the offer after
+    // a write cut off half-way.
+    void Riscrivi();
     // Esci: closes at once unless a map was written in this visit; then asks first.
     void Esci();
 
@@ -126,23 +136,27 @@ public:
     }
 
 private:
-    // Block NumBloccoMappa of the file queued as the next 'W'; false when it cannot be read.
-    bool accodaBlocco();
+    void invia();
+    // Block NumBloccoMappa queued as the next 'W'.
+    void accodaBlocco();
     void bloccoScritto();
     void fineScrittura();
     void avviaVerifica();
     void fineVerifica();
     void fallita(const QString &messaggio, bool nascondiBarra);
+    // The write stopped after at least one block may have gone in.
+    void interrotta(const QString &motivo);
 
     Programma &m_programma;
     VistaMappe &m_vista;
     QString m_nomeFileMappa;
+    QString m_nomeMappa; // as the messages name it: LPG\Fiat\Punto\base
     int m_numBloccoMappa = 0;
     quint32 m_indirizzoProg = 0;
     bool m_mappaScritta = false;
     bool m_verifica = false;
-    // What was sent to 0xC100..0xC2FF, in order, and what the read-back found there.
-    QByteArray m_inviati;
+    // The 512 bytes being sent, as the check found them, and what the read-back found.
+    QByteArray m_immagine;
     QByteArray m_riletti;
     qint64 m_primaDifferenza = -1;
 };

@@ -1,12 +1,13 @@
 #include "programming/DialogoProgSW.h"
 #include "link/ErroreEcu.h"
+#include "programming/ControlloS19.h"
 
 #include "archives/Archivio.h"
 #include "archives/Cartelle.h"
 #include "base/FileSystem.h"
 #include "base/Lingua.h"
 #include "link/Frame.h"
-#include "link/StatoEcu.h"
+#include "link/SessioneLinea.h"
 #include "programming/FileBlocchi.h"
 #include "programming/ImmagineS19.h"
 
@@ -60,10 +61,10 @@ SchedaSoftware LeggiSchedaSoftware(const QString &percorsoApp, const QString &no
     return scheda;
 }
 
-DialogoProgSW::DialogoProgSW(MotoreDialogo &motore, const StatoEcu &stato, const QString &percorsoApp,
-                             const Lingua &lingua, VistaProgSW &vista)
-    : m_motore(motore)
-    , m_stato(stato)
+DialogoProgSW::DialogoProgSW(SessioneLinea &linea, const QString &percorsoApp, const Lingua &lingua,
+                             VistaProgSW &vista)
+    : m_linea(linea)
+    , m_motore(linea.motore())
     , m_percorsoApp(percorsoApp)
     , m_lingua(lingua)
     , m_vista(vista)
@@ -96,16 +97,36 @@ SchedaSoftware DialogoProgSW::scegli(const QString &testoNodo)
 bool DialogoProgSW::preparaImmagine()
 {
     const QString &app = m_percorsoApp;
-    m_fileSW = PercorsoFileSW(app);
-    if (!PreparaFileSW(m_fileSW))
-        return false;
+    const QString nonValido = m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_9");
     // Only a plain file of the software folder is read: not a link, nor a path.
-    if (m_nome.contains(u'/') || m_nome.contains(u'\\'))
+    const QString s19 = m_nome.contains(u'/') || m_nome.contains(u'\\')
+                            ? QString()
+                            : TrovaFile(CartellaFileS19(app), m_nome + QStringLiteral(".S19"));
+    if (s19.isEmpty() || !DentroRadice(s19, app) || !QFileInfo(s19).isFile()) {
+        m_vista.mostraSegnalazione(nonValido);
         return false;
-    const QString s19 = TrovaFile(CartellaFileS19(app), m_nome + QStringLiteral(".S19"));
-    if (s19.isEmpty() || !DentroRadice(s19, app) || !QFileInfo(s19).isFile())
+    }
+    const EsitoS19 esito = LeggiS19(s19);
+    if (!esito.ok()) {
+        m_vista.mostraSegnalazione(testoS19(esito));
         return false;
-    return ConvertiS19(s19, m_fileSW, m_stato);
+    }
+    m_fileSW = PercorsoFileSW(app);
+    if (!PreparaFileSW(m_fileSW) || !ConvertiS19(s19, m_fileSW, m_linea.ecu())) {
+        m_vista.mostraSegnalazione(nonValido);
+        return false;
+    }
+    return true;
+}
+
+QString DialogoProgSW::testoS19(const EsitoS19 &esito) const
+{
+    const QString motivo = m_lingua.LeggiTesto("ProgSW", "S19." + QString::number(int(esito.errore)))
+                               .trimmed()
+                               .replace(QLatin1String("XXX"), QString::number(esito.riga))
+                               .replace(QLatin1String("YYY"), QString::number(esito.colonna));
+    return m_lingua.LeggiTesto("ProgSW", "RIFIUTO").trimmed().replace(QLatin1String("XXX"), m_nome)
+           + QLatin1Char(' ') + motivo;
 }
 
 void DialogoProgSW::avviaProgrammazione()
@@ -118,12 +139,16 @@ void DialogoProgSW::avviaProgrammazione()
     // The page is disabled while the link is busy; this only keeps a stray call out.
     if (m_motore.StatoDialogo() != -1)
         return;
-    if (!preparaImmagine()) {
-        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_9"));
+    if (!preparaImmagine())
         return;
-    }
     if (!m_motore.PortOpen()) {
         m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_3"));
+        return;
+    }
+    if (!m_vista.chiedi(
+            m_lingua.LeggiTesto("ProgSW", "DOMANDA").trimmed().replace(QLatin1String("XXX"), m_nome),
+            m_lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"))) {
+        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_19"));
         return;
     }
     m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_7"));
@@ -160,6 +185,9 @@ void DialogoProgSW::risposta(char lettera, int stato, const QByteArray &payload)
         break;
     case StatoFine:
         if (m_motore.prosegui() == MotoreDialogo::Seguito::Concluso) {
+            // The ECU restarts with what has just been written: the next live frame asks it
+            // again who it is, so the version page shows what it now runs.
+            m_linea.ecuRiprogrammata();
             m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_12"));
             m_vista.abilitaPagina(true);
         }

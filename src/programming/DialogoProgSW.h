@@ -8,7 +8,8 @@
 namespace kv {
 
 class Lingua;
-struct StatoEcu;
+struct EsitoS19;
+class SessioneLinea;
 
 // What the software page's dialogue asks of the page on screen.
 class VistaProgSW
@@ -25,6 +26,8 @@ public:
     virtual void impostaBarra(int valore) = 0;
     // The common message box.
     virtual void mostraMsg(const QString &testo, int flags, const QString &titolo) = 0;
+    // A question with yes and no, no the default; true for yes.
+    virtual bool chiedi(const QString &testo, const QString &titolo) = 0;
 };
 
 // The software folder, <program>/SOFTWARE/FILES19, as it is spelt on disk.
@@ -45,10 +48,11 @@ struct SchedaSoftware
 };
 SchedaSoftware LeggiSchedaSoftware(const QString &percorsoApp, const QString &nome, const Lingua &lingua);
 
-// The ECU side of ProgSW: the image built from the chosen S19 file, then 'I', the 220
-// blocks by 'W' and 'F', one reply each, nothing ever repeated. A failure leaves the ECU as
-// it stands; the next start rebuilds the image and begins again with 'I'. It owns the
-// states 151 to 160 for as long as it lives.
+// The ECU side of ProgSW: the chosen S19 file checked whole (ControllaS19), the image built
+// from it, one question, then 'I', the 220 blocks by 'W' and 'F', one reply each, nothing
+// ever repeated. A failure leaves the ECU as it stands; the next start rebuilds the image and
+// begins again with 'I'. After 'F' the ECU runs new software, so it is identified anew. It
+// owns the states 151 to 160 for as long as it lives.
 class DialogoProgSW : public GestoreStati
 {
 public:
@@ -58,8 +62,7 @@ public:
     static constexpr int IntervalloProgrammazione = 3000;
     static constexpr int FlagInformazione = 0x40;
 
-    DialogoProgSW(MotoreDialogo &motore, const StatoEcu &stato, const QString &percorsoApp,
-                  const Lingua &lingua, VistaProgSW &vista);
+    DialogoProgSW(SessioneLinea &linea, const QString &percorsoApp, const Lingua &lingua, VistaProgSW &vista);
     ~DialogoProgSW() override;
 
     DialogoProgSW(const DialogoProgSW &) = delete;
@@ -86,15 +89,18 @@ public:
     }
 
 private:
+    // The image from the chosen file; false, with the message shown, when nothing may be sent.
     bool preparaImmagine();
+    // Why the chosen file is refused, naming its first bad line.
+    QString testoS19(const EsitoS19 &esito) const;
     // Queues block NumBloccoSW; false, with the flash ended, when it cannot be read.
     bool accodaBlocco();
     void bloccoIlleggibile();
     void dopoBlocco();
     void erroreEcu(const QByteArray &payload);
 
+    SessioneLinea &m_linea;
     MotoreDialogo &m_motore;
-    const StatoEcu &m_stato;
     const QString m_percorsoApp;
     const Lingua &m_lingua;
     VistaProgSW &m_vista;

@@ -61,12 +61,13 @@ bool AggiungiRecord(const QString &percorso, QByteArrayView dati)
 {
     QFile f(percorso);
     const QByteArray record = RecordBlocco(dati);
-    return !QFileInfo(percorso).isSymLink() && f.open(QIODevice::Append) && f.write(record) == record.size();
-}
-
-QByteArray LeggiBloccoMappa(const QString &nomeFileMappa, qint16 numero)
-{
-    return LeggiBlocco(nomeFileMappa, numero);
+    if (QFileInfo(percorso).isSymLink() || !f.open(QIODevice::Append) || f.write(record) != record.size())
+        return false;
+    // The write only fills Qt's buffer: a full disk shows at the flush, or at the close.
+    if (!f.flush())
+        return false;
+    f.close();
+    return f.error() == QFileDevice::NoError;
 }
 
 } // namespace kv

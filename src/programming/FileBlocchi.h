@@ -32,10 +32,8 @@ QByteArray LeggiBlocco(const QString &percorso, qint64 numero);
 // 0 when the file is missing.
 double NumeroBlocchi(const QString &percorso);
 
-// Appends one record, opening and closing the file for it.
+// Appends one record, opening and closing the file for it. False unless the record went out
+// whole: the write, the flush and the close all succeeded.
 bool AggiungiRecord(const QString &percorso, QByteArrayView dati);
-
-// The map file in use (NomeFileMappa), block by block.
-QByteArray LeggiBloccoMappa(const QString &nomeFileMappa, qint16 numero);
 
 } // namespace kv

@@ -3,10 +3,11 @@
 #include "archives/Cartelle.h"
 #include "archives/SchemaArchivi.h"
 #include "base/FileSystem.h"
+#include "programming/ControlloMappa.h"
+#include "programming/FileBlocchi.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 
 namespace kv {
 
@@ -61,7 +62,7 @@ ChiaveMappa ChiaveMappa::pulita() const
 
 bool CarattereVietatoNome(QChar c)
 {
-    static constexpr char16_t Vietati[] = u"\\,./:*?\"<>|";
+    static constexpr char16_t Vietati[] = u"\\,/:*?\"<>|";
     if (c.category() == QChar::Other_Control || c.category() == QChar::Other_Format
         || c.category() == QChar::Separator_Line || c.category() == QChar::Separator_Paragraph)
         return true;
@@ -97,6 +98,10 @@ ErroreNome ControllaNome(const QString &nome, int campo)
         return ErroreNome::Vuoto;
     if (FiltraNome(nome) != nome)
         return ErroreNome::CarattereVietato;
+    if (nome.startsWith(u'.') || nome.endsWith(u'.'))
+        return ErroreNome::Punto;
+    if (NomeRiservato(nome))
+        return ErroreNome::Riservato;
     const int massimo = LunghezzaMassimaNome(campo);
     if (massimo > 0 && nome.size() > massimo)
         return ErroreNome::TroppoLungo;
@@ -189,16 +194,14 @@ bool PosaMappa(const QString &temporaneo, const QString &percorsoApp, const Perc
     const QString radice = CartellaMappe(percorsoApp);
     if (!percorso.ok() || !DentroRadice(percorso.file, radice) || QFileInfo(temporaneo).isSymLink())
         return false;
-    QFile origine(temporaneo);
-    if (!origine.open(QIODevice::ReadOnly))
+    // Only a whole map goes in: a temporary file that a full disk cut short is no successor.
+    const EsitoMappa finita = LeggiMappa(temporaneo);
+    if (!finita.ok())
         return false;
-    const QByteArray byte = origine.readAll();
-    if (origine.error() != QFileDevice::NoError)
-        return false;
-    QSaveFile destinazione(percorso.file);
-    destinazione.setDirectWriteFallback(false);
-    return destinazione.open(QIODevice::WriteOnly) && destinazione.write(byte) == byte.size()
-           && destinazione.commit();
+    QByteArray byte;
+    for (int n = 0; n < FileMappa::Blocchi; ++n)
+        byte += RecordBlocco(QByteArrayView(finita.immagine).sliced(n * LunBlocco, LunBlocco));
+    return ScriviFileIntero(percorso.file, byte);
 }
 
 EsitoArchivio RegistraMappa(const QString &percorsoApp, const ChiaveMappa &chiave, const QString &nota)

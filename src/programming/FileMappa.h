@@ -11,7 +11,8 @@ namespace kv {
 
 // A map: the 512 bytes of ECU memory from 0xC100, kept as a block file of 8 records
 // (<name>.LKV) below MAPPATURE/<plant>/<make>/<model>/, with its row in ARCHMAPPE.MDB. The
-// program never looks inside: the bytes go to and from the ECU as they are.
+// program gives the bytes no meaning, but uses a file only when it is exactly a map
+// (ControllaMappa).
 namespace FileMappa {
 inline constexpr quint32 PrimoIndirizzo = 0xC100;
 inline constexpr quint32 UltimoIndirizzo = 0xC2FF;
@@ -56,18 +57,21 @@ enum class ErroreNome {
     Vuoto,
     CarattereVietato, // a separator, a character no file system takes, or a control character
     TroppoLungo,      // longer than its field in the catalogue
+    Punto,            // begins or ends with a point: ".", "..", hidden, or cut by Windows
+    Riservato,        // a device name of Windows (NomeRiservato): no medium could carry it
 };
 
-// The keys a name field drops: the "\\", "," and "." the fitter could never type, and what no
-// file name may hold here or on an exchange medium: "/", ":", "*", "?", '"', "<", ">", "|"
-// and the control characters. Without the point, no name is "..", nor hidden, nor has an
-// extension of its own.
+// The keys a name field drops: the "\\" and "," the fitter could never type, and what no file
+// name may hold here or on an exchange medium: "/", ":", "*", "?", '"', "<", ">", "|" and the
+// control characters. A point inside a name is taken ("Punto 1.2"), as the record card takes
+// it; one at either end is refused by ControllaNome.
 bool CarattereVietatoNome(QChar c);
 // The text with those characters taken out, as the key filter leaves it after a paste.
 QString FiltraNome(const QString &testo);
 // The longest text the catalogue takes for that field (3, 50, 50, 20).
 int LunghezzaMassimaNome(int campo);
-// The check of one trimmed name: what the key filter keeps out, and the field's size.
+// The check of one trimmed name: what the key filter keeps out, a point at either end, a
+// device name, and the field's size.
 ErroreNome ControllaNome(const QString &nome, int campo);
 
 struct EsitoNomi
@@ -123,8 +127,9 @@ bool EsisteMappa(const PercorsoMappa &percorso);
 // Makes the model's folder of a place that passed the checks, and checks it again once made.
 bool CreaCartellaMappa(const QString &percorsoApp, const PercorsoMappa &percorso);
 
-// Puts the content of the finished temporary file in place of the map file in one step:
-// until the rename, a map of the same name stays whole, and nothing else is ever there.
+// Puts the finished temporary file in place of the map file in one step, once it has been
+// found to be a whole map: until the rename, a map of the same name stays whole, and nothing
+// else is ever there. False, with the old map as it was, on any failure.
 bool PosaMappa(const QString &temporaneo, const QString &percorsoApp, const PercorsoMappa &percorso);
 
 // ---- catalogue

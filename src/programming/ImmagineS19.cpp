@@ -76,13 +76,20 @@ QByteArray FileSWVuoto()
     return (QByteArray(128, 'F') + "\r\n").repeated(ImmagineSW::Blocchi);
 }
 
+namespace {
+
+// The block file replaced in one step, and only by a whole successor: what the flash then
+// reads is either this image or the one before, never a file a full disk cut short.
+bool scriviFileSW(const QString &percorso, const QByteArray &byte)
+{
+    return !QFileInfo(percorso).isSymLink() && ScriviFileIntero(percorso, byte);
+}
+
+} // namespace
+
 bool PreparaFileSW(const QString &percorso)
 {
-    if (QFileInfo(percorso).isSymLink())
-        return false;
-    QFile f(percorso);
-    const QByteArray vuoto = FileSWVuoto();
-    return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(vuoto) == vuoto.size();
+    return scriviFileSW(percorso, FileSWVuoto());
 }
 
 bool SovrapponiS19(QByteArrayView s19, QByteArray &blocchi, const TestiIdentificazione &testi)
@@ -136,14 +143,14 @@ bool ConvertiS19(const QString &fileS19, const QString &fileBlocchi, const Stato
     if (QFileInfo(fileBlocchi).isSymLink())
         return false;
     QFile blocchi(fileBlocchi);
-    if (!blocchi.open(QIODevice::ReadWrite | QIODevice::ExistingOnly))
+    if (!blocchi.open(QIODevice::ReadOnly | QIODevice::ExistingOnly))
         return false;
     QByteArray immagine = blocchi.readAll();
-    if (immagine.size() < ImmagineSW::DimensioneFile)
+    if (blocchi.error() != QFileDevice::NoError || immagine.size() < ImmagineSW::DimensioneFile)
         return false;
+    blocchi.close();
     const bool ok = SovrapponiS19(testo, immagine, TestiIdentificazioneDi(stato));
-    const bool scritto = blocchi.seek(0) && blocchi.write(immagine) == immagine.size() && blocchi.flush();
-    return ok && scritto;
+    return scriviFileSW(fileBlocchi, immagine) && ok;
 }
 
 QByteArray LeggiBloccoSW(const QString &percorsoApp, qint32 numero)

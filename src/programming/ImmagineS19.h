@@ -23,8 +23,10 @@ inline constexpr char NomeFile[] = "FILESW.TXT";
 // FILESW.TXT in the program's folder, as it is spelt there if it exists.
 QString PercorsoFileSW(const QString &percorsoApp);
 
-// The identification of the connected ECU as the image carries it: Windows-1252 bytes of
-// InfCodice, InfDatoA, InfDatoB, each cut or padded with blanks to 14, 10 and 4.
+// The identification of the connected ECU as the image carries it: the bytes of InfCodice,
+// InfDatoA, InfDatoB, each cut or padded with blanks to 14, 10 and 4. The texts hold the
+// version reply's bytes one character each (Windows-1252, its five unused bytes as the
+// control characters of the same number), so every byte goes back as the ECU gave it.
 struct TestiIdentificazione
 {
     QByteArray codice;
@@ -36,8 +38,8 @@ TestiIdentificazione TestiIdentificazioneDi(const StatoEcu &stato);
 // The blank image: 220 lines of 128 "F" and CR LF.
 QByteArray FileSWVuoto();
 
-// Creates or overwrites the file as the blank image. False when it cannot be written; a
-// symbolic link there is not written through.
+// Creates or replaces the file as the blank image, in one step: the old file stays when the
+// new one cannot be written whole. False then; a symbolic link there is not written through.
 bool PreparaFileSW(const QString &percorso);
 
 // The conversion on the text of the block file held in memory, which must hold at least

@@ -4,6 +4,7 @@
 #include "archives/PulisciDestinazione.h"
 #include "base/FileSystem.h"
 #include "base/Lingua.h"
+#include "programming/ControlloMappa.h"
 
 #include <QFileInfo>
 #include <QHash>
@@ -188,6 +189,13 @@ EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, c
             FileNelMedium(m, {k.impianto, k.marca, k.modello, k.file + FileMappa::Estensione});
         if (origine.isEmpty()) {
             salta(QStringLiteral("SENZA_FILE"));
+            continue;
+        }
+        // Only a file that is exactly a map comes into the archive: from there it could be
+        // written into an ECU.
+        if (const EsitoMappa controllo = LeggiMappa(origine); !controllo.ok()) {
+            esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("NON_MAPPA"), visibile)
+                                .replace(QLatin1String("YYY"), TestoEsitoMappa(lingua, controllo));
             continue;
         }
         const PercorsoMappa p = PercorsoFileMappa(percorsoApp, k, NomiMappa::Esistenti);

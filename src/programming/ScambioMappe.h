@@ -39,8 +39,9 @@ SorgenteMappe LeggiDiscoMappe(const QString &percorsoApp, const Lingua &lingua, 
 
 // RipriMappe: the chosen maps merged from the medium into the archive. The medium is read
 // whole into TEMP first: if that fails, nothing here has changed. A map with a name unfit
-// here, doubled, without its file, or whose place leads out is passed over with a line in
-// avvisi; one that is here already is replaced only after a yes. Each map's file and row go
+// here, doubled, without its file, with a file that is not exactly a map (ControllaMappa),
+// or whose place leads out is passed over with a line in avvisi; one that is here already is
+// replaced only after a yes. Each map's file and row go
 // in together: a row that cannot be written puts the former file back.
 EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente,
                              const QList<ChiaveMappa> &mappe, const DomandaScambio &domanda);

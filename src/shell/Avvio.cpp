@@ -6,6 +6,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLocale>
 
 namespace kv {
@@ -34,10 +35,11 @@ void esegui(Programma &p)
     // A folder that cannot be made is not reported here: the archive that needs it will say so.
     for (const char *cartella : {"/MAPPATURE/LPG/", "/MAPPATURE/CNG/", "/SOFTWARE/", "/DATI/"})
         CreaCartella(p.PercorsoApp + QLatin1String(cartella));
-    for (const char *file : {"/MESSAGGI.TXT", "/MAPPA.TMP"}) {
-        const QString percorso = p.PercorsoApp + QLatin1String(file);
-        if (QFile::exists(percorso))
-            QFile::remove(percorso);
+    // KVMAPPA.TMP belongs to a map read that a crash cut short: it is never finished later.
+    for (const char *file : {"/MESSAGGI.TXT", "/MAPPA.TMP", "/KVMAPPA.TMP"}) {
+        const QFileInfo percorso(p.PercorsoApp + QLatin1String(file));
+        if (percorso.isFile() || percorso.isSymLink())
+            QFile::remove(percorso.filePath());
     }
 
     p.IniDialogo();

@@ -157,6 +157,13 @@ private slots:
                                                 "LETTURA",          "COPIA",         "PULIZIA",
                                                 "NON_CARTELLA",     "SORGENTE_APP",  "CATALOGO",
                                                 "CATALOGO_ASSENTE", "IN_CORSO"};
+        // Why a file or a name is refused, by the kind of fault, and what a deletion left.
+        QTest::newRow("SCAMBIO, refusals")
+            << "SCAMBIO"
+            << QStringList{"NON_MAPPA", "CANCELLATE_NESSUNA", "CANCELLATE_PARTE", "CANCELLATO_SW_NO"};
+        QTest::newRow("ProgSW") << "ProgSW" << indici("S19.", 1, 10);
+        QTest::newRow("ProgMappe") << "ProgMappe" << indici("MAPPA.", 1, 5);
+        QTest::newRow("ReadMappe") << "ReadMappe" << indici("NOME.", 1, 5);
         const QStringList bottoni = indici("AGGIUNGI.", 0, 1) + indici("RIMUOVI.", 0, 1);
         QTest::newRow("CreaDiscoMappe")
             << "CreaDiscoMappe" << QStringList{"CAPTION"} + indici("LABCD.", 0, 2) + bottoni;

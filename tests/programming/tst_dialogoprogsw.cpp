@@ -35,12 +35,19 @@ struct VistaFinta : VistaProgSW
     {
         messaggi.append(QStringList{testo, QString::number(flags), titolo});
     }
+    bool chiedi(const QString &testo, const QString &) override
+    {
+        domande.append(testo);
+        return risposta;
+    }
 
     QStringList segnalazioni;
     bool abilitata = true;
     bool barraVisibile = false;
     QList<int> barra;
     QList<QStringList> messaggi;
+    QStringList domande;
+    bool risposta = true;
     const QByteArrayList *scritti = nullptr;
     int scrittiAlNascondere = -1;
 };
@@ -111,8 +118,7 @@ class TstDialogoProgSW : public QObject, ProgrammaSimulato
         QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         vista = VistaFinta();
         vista.scritti = &porta->scritti;
-        d = std::make_unique<DialogoProgSW>(p->linea.motore(), p->linea.ecu(), p->PercorsoApp, p->lingua,
-                                            vista);
+        d = std::make_unique<DialogoProgSW>(p->linea, p->PercorsoApp, p->lingua, vista);
         porta->scritti.clear();
     }
 
@@ -129,6 +135,8 @@ class TstDialogoProgSW : public QObject, ProgrammaSimulato
         QVERIFY(!vista.abilitata);
         QVERIFY(libero());
 
+        QCOMPARE(vista.domande,
+                 QStringList{testo("ProgSW", "DOMANDA").trimmed().replace("XXX", d->nomeScelto())});
         QCOMPARE(vista.segnalazioni.first(), segnalazione(7));
         QCOMPARE(vista.segnalazioni.last(), segnalazione(12));
         QCOMPARE(vista.segnalazioni.size(), 222);
@@ -173,7 +181,7 @@ private slots:
         const QString home = altra.path();
         QVERIFY(preparaCartella(home));
         ProgrammaSimulato::avvia(OpzioniManuali(), home);
-        DialogoProgSW dialogo(p->linea.motore(), p->linea.ecu(), p->PercorsoApp, p->lingua, vista);
+        DialogoProgSW dialogo(p->linea, p->PercorsoApp, p->lingua, vista);
 
         // The folder is made when missing.
         QVERIFY(ElencoSoftware(home).isEmpty());
@@ -216,13 +224,19 @@ private slots:
         QTest::addColumn<QString>("nome");
         QTest::addColumn<QByteArray>("contenuto"); // written as <nome>.S19 unless empty
         QTest::addColumn<bool>("portaAperta");
-        QTest::addColumn<int>("messaggio"); // SEGNALAZIONE_n on the line, 13 in a box
+        // SEGNALAZIONE_n on the line, 13 in a box, 19 after the fitter's no; -n the file refused
+        // with reason n of ProgSW, naming line 2.
+        QTest::addColumn<int>("messaggio");
         QTest::newRow("no release chosen") << QString() << QByteArray() << true << 13;
         QTest::newRow("the file has gone") << "GONE" << QByteArray() << true << 9;
         QTest::newRow("the identification falls outside a line")
-            << "SHORT" << RigaS1(0xC040, QByteArray(16, '\x11')) << true << 9;
+            << "SHORT" << RigaS1(0xC040, QByteArray(16, '\x11')) + "\nS903C0003C\n"
+            << true << 9;
         QTest::newRow("a name that climbs out of the folder") << "../NEWREL" << QByteArray() << true << 9;
+        QTest::newRow("a damaged line")
+            << "BAD" << QByteArray("S0030000FC\nS1FFC1004142FF\nS903C0003C\n") << true << -5;
         QTest::newRow("the port is closed") << "NEWREL" << QByteArray() << false << 3;
+        QTest::newRow("the fitter says no") << "NEWREL" << QByteArray() << true << 19;
     }
 
     void nothingIsSentWhen()
@@ -237,16 +251,24 @@ private slots:
             scrivi(app() + "/SOFTWARE/FILES19/" + nome + ".S19", contenuto);
         if (!portaAperta)
             porta->chiudi();
+        vista.risposta = messaggio != 19;
         d->scegli(nome);
         d->avviaProgrammazione();
         QTest::qWait(20);
         QVERIFY(porta->scritti.isEmpty());
         QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         QVERIFY(vista.abilitata && !vista.barraVisibile);
+        // The question comes only once nothing stands in the way.
+        QCOMPARE(vista.domande.size(), messaggio == 19 ? 1 : 0);
         if (messaggio == 13) {
             QCOMPARE(vista.messaggi,
                      (QList<QStringList>{{segnalazione(13), "64", testo("SEGNALAZIONI", "TITOLO_1")}}));
             QVERIFY(vista.segnalazioni.isEmpty());
+        } else if (messaggio < 0) {
+            QCOMPARE(vista.segnalazioni.size(), 1);
+            const QString motivo =
+                testo("ProgSW", "S19." + QString::number(-messaggio)).trimmed().replace("XXX", "2");
+            QVERIFY2(vista.segnalazioni.first().endsWith(motivo), qPrintable(vista.segnalazioni.first()));
         } else {
             QCOMPARE(vista.segnalazioni, QStringList{segnalazione(messaggio)});
         }
@@ -267,7 +289,32 @@ private slots:
         if (!applicazione)
             QCOMPARE(p->linea.ecu().InfCodice, QString(14, ' ')); // no version reply: blanks go in
         d->scegli(QStringLiteral("NEWREL"));
+        const QString codice = p->linea.ecu().InfCodice;
         flashRiuscito();
+        // The ECU runs the new software: asked again, it gives the release's vehicle text and
+        // the code it had, which the flash carried over.
+        QVERIFY(p->linea.ecu().EcuDaIdentificare);
+        ecu->avanzaTempo(40);
+        QVERIFY(finche([this] { return !p->linea.ecu().EcuDaIdentificare; }));
+        QCOMPARE(p->linea.ecu().InfVeicolo, QStringLiteral("NEW-REL   "));
+        QCOMPARE(p->linea.ecu().InfCodice, codice);
+    }
+
+    // The identification goes into the image byte for byte as the version reply gave it.
+    void identificationBytesRoundTrip()
+    {
+        avvia(true);
+        for (int primo = 0x20; primo <= 0xFF; primo += 28) {
+            QByteArray byte;
+            for (int b = primo; b < primo + 28; ++b) // 8 replies of 28 bytes: 0x20 to 0xFF
+                byte.append(char(b));
+            ecu->scriviVersione({.codice = byte.left(14), .datoA = byte.mid(14, 10), .datoB = byte.right(4)});
+            p->linea.ecuDiProva().EcuDaIdentificare = true;
+            ecu->avanzaTempo(40);
+            QVERIFY(finche([this] { return !p->linea.ecu().EcuDaIdentificare; }));
+            const TestiIdentificazione t = TestiIdentificazioneDi(p->linea.ecu());
+            QCOMPARE(t.codice + t.datoA + t.datoB, byte);
+        }
     }
 
     void failureThenRetry_data()
@@ -369,7 +416,7 @@ private slots:
         o.applicazionePresente = applicazione;
         QVERIFY(avviaSuLinea(o));
         vista = VistaFinta();
-        DialogoProgSW dialogo(p->linea.motore(), p->linea.ecu(), p->PercorsoApp, p->lingua, vista);
+        DialogoProgSW dialogo(p->linea, p->PercorsoApp, p->lingua, vista);
         dialogo.scegli(QStringLiteral("NEWREL"));
         const auto ultima = [this] { return vista.segnalazioni.value(vista.segnalazioni.size() - 1); };
         if (caduta) {

@@ -1,6 +1,7 @@
 // The S19 image: what the block file holds after PreparaFileSW and ConvertiS19, against an
-// image worked out here byte by byte from the lines given.
+// image worked out here byte by byte from the lines given; and the check before it all.
 
+#include "programming/ControlloS19.h"
 #include "programming/FileBlocchi.h"
 #include "programming/ImmagineS19.h"
 
@@ -65,15 +66,8 @@ private slots:
         QTest::newRow("lines split at 0xC000 and 0xF6FF")
             << RigaS1(0xBFFE, "\x01\x02\x03\x04") + "\r" + RigaS1(0xF6FE, "\x05\x06\x07\x08") + "\r" << true
             << Scritture{{0xC000, "\x03\x04"}, {0xF6FE, "\x05\x06"}};
-        QTest::newRow("S2 and S3 are not understood")
-            << QByteArray("S2080000C000112233BB\r\nS30900000C000445566AA\r\n") << true << Scritture{};
         QTest::newRow("a later line wins") << RigaS1(0xC100, "\x01\x02\x03") + "\n" + RigaS1(0xC101, "\x09")
                                            << true << Scritture{{0xC100, "\x01\x09\x03"}};
-        QTest::newRow("count and checksum are never read")
-            << QByteArray("S1FFC1004142FF\nS1") << true << Scritture{{0xC100, "\x41\x42"}};
-        // One character left over goes into the first half of the next byte's pair.
-        QTest::newRow("odd data text")
-            << QByteArray("S105C100ABC99") << true << Scritture{{0xC100, "\xAB\xCF"}};
     }
 
     void conversione()
@@ -105,6 +99,54 @@ private slots:
         }
         QCOMPARE(leggi(fileSW), testo);
         QVERIFY(LeggiBloccoSW(dir.path(), 221).isEmpty());
+    }
+
+    // Before anything is sent, the file must be S-records throughout, each with its count,
+    // digits and checksum right, with data for 0xC000..0xF6FF and its end record last;
+    // otherwise it is refused, naming the first bad line.
+    void controlloS19_data()
+    {
+        using E = EsitoS19::Errore;
+        QTest::addColumn<QByteArray>("testo");
+        QTest::addColumn<int>("errore");
+        QTest::addColumn<int>("riga");
+        // A release as the maker's tools write it: header, 440 lines of data, end: 442 lines.
+        const QByteArray intero = S19Completo(ImmagineDiProva());
+        const QByteArrayList righe = intero.split('\n');
+        const auto conRiga = [&](int n, const QByteArray &riga) {
+            QByteArrayList r = righe;
+            r[n - 1] = riga;
+            return r.join('\n');
+        };
+        QByteArray casuale(40 * 1024, '\x9C');
+        for (int i = 1; i < casuale.size(); ++i)
+            casuale[i] = char((i * 2654435761u) >> 13);
+        QByteArray somma = righe[2];
+        somma[somma.size() - 2] = somma.at(somma.size() - 2) == '0' ? '1' : '0';
+        const QByteArray fine = "\nS903C0003C";
+        QTest::newRow("a whole release") << intero << int(E::Nessuno) << 0;
+        QTest::newRow("LF, and blank lines")
+            << QByteArray(intero).replace("\r\n", "\n \t\n") << int(E::Nessuno) << 0;
+        QTest::newRow("40 KB of random bytes") << casuale << int(E::NonRecord) << 1;
+        QTest::newRow("an S2 record") << conRiga(2, "S2080000C000112233BB") << int(E::Tipo) << 2;
+        QTest::newRow("ZZGG in the data")
+            << conRiga(7, righe[6].left(20) + "ZZGG" + righe[6].mid(24)) << int(E::NonEsadecimale) << 7;
+        QTest::newRow("a count one short") << conRiga(9, "S122" + righe[8].mid(4)) << int(E::Lunghezza) << 9;
+        QTest::newRow("a wrong checksum") << conRiga(3, somma) << int(E::Somma) << 3;
+        QTest::newRow("an S5 that counts 3 of 1")
+            << RigaS1(0xC000, "\x01") + "\nS5030003F9" + fine << int(E::Conteggio) << 2;
+        QTest::newRow("a record after the end") << intero + RigaS1(0xC000, "\x01") << int(E::DopoFine) << 443;
+        QTest::newRow("cut after 200 of 442 lines")
+            << righe.mid(0, 200).join('\n') << int(E::FineMancante) << 200;
+        QTest::newRow("data only from 0xF700") << RigaS1(0xF700, "\x01") + fine << int(E::NessunDato) << 0;
+    }
+
+    void controlloS19()
+    {
+        QFETCH(QByteArray, testo);
+        const EsitoS19 e = ControllaS19(testo);
+        QTEST(int(e.errore), "errore");
+        QTEST(e.riga, "riga");
     }
 
     void fileMancantiOAltrui()
@@ -139,15 +181,6 @@ private slots:
         QCOMPARE(testo.size(), 1040);
         QCOMPARE(testo.left(130), QByteArray(128, '0') + "\r\n");
         QCOMPARE(testo.mid(7 * 130, 4), QByteArray("7777"));
-        // Characters that are no upper-case pair: "&H" and what stands there.
-        testo.replace(130, 8, "abZZ1ZZ1");
-        testo.chop(1); // 1,039 bytes: 7.99 blocks, and block 8 is still read whole
-        scrivi(mappa, testo);
-        QCOMPARE(LeggiBloccoMappa(mappa, 2).left(5), QByteArray("\xAB\x00\x01\x00\x11", 5));
-        QCOMPARE(NumeroBlocchi(mappa), 1039.0 / 130);
-        QCOMPARE(LeggiBloccoMappa(mappa, 8), QByteArray(64, '\x77'));
-        QVERIFY(LeggiBloccoMappa(mappa, 9).isEmpty());
-        QVERIFY(LeggiBloccoMappa(mappa, 0).isEmpty());
     }
 };
 

@@ -3,13 +3,17 @@
 // MAPPATURE, damaged files, the read-back check, and the tree that merges folders and
 // catalogue. Time-outs fire by hand.
 
+#include "support/DiscoPieno.h"
 #include "support/FileDiProva.h"
 #include "support/ProgrammaSimulato.h"
+
+#include "base/FileIni.h"
 
 #include "link/Frame.h"
 #include "programming/AlberoMappe.h"
 #include "programming/DialogoMappe.h"
 #include "programming/FileBlocchi.h"
+#include "programming/ImmagineS19.h"
 
 #include <QTest>
 #include <QTimer>
@@ -30,11 +34,13 @@ struct VistaFinta : VistaMappe
     }
     void nascondiAvanzamento() override { barra = false; }
     void beep() override {}
-    int domanda(const QString &testo, int, const QString &) override
+    int domanda(const QString &testo, int f, const QString &) override
     {
         domande.append(testo);
+        flags = f;
         return risposta;
     }
+    void offriRiscrittura(const QString &testo) override { offerte.append(testo); }
     void chiudiPagina() override { ++chiusure; }
     void mappaArchiviata(const ChiaveMappa &k) override { archiviate.append(k.elenco().join(u'/')); }
     void fuocoNomeFile() override { ++fuochi; }
@@ -45,6 +51,8 @@ struct VistaFinta : VistaMappe
     std::pair<int, int> avanzamento;
     int risposta = RispostaSiMappe;
     QStringList domande;
+    int flags = 0;
+    QStringList offerte;
     int chiusure = 0;
     QStringList archiviate;
     int fuochi = 0;
@@ -196,18 +204,16 @@ private slots:
     void readFilesTheEcuMemoryByteForByte()
     {
         QVERIFY(ecu->scriviMemoria(0xC100, disegno(1)));
-        QVERIFY(leggiMappa({"LPG", "Fiat", "Punto 12", "base"}, QStringLiteral("  idle reworked ")));
+        QVERIFY(leggiMappa({"LPG", "Fiat", "Punto 1.2", "base"}, QStringLiteral("  idle reworked ")));
         QCOMPARE(richieste(porta->scritti), indirizzi(u'R', 8));
         for (const QByteArray &f : std::as_const(porta->scritti))
             QCOMPARE(quint8(f.at(7)), quint8(64));
-        const QString file = mappe() + QStringLiteral("/LPG/Fiat/Punto 12/base.LKV");
+        const QString file = mappe() + QStringLiteral("/LPG/Fiat/Punto 1.2/base.LKV");
         QCOMPARE(leggi(file), comeFile(disegno(1)));
-        for (int n = 1; n <= 8; ++n)
-            QCOMPARE(LeggiBloccoMappa(file, qint16(n)), disegno(1).mid((n - 1) * 64, 64));
-        QCOMPARE(riga({"LPG", "Fiat", "Punto 12", "base"})->Testo(u"Note"), QStringLiteral("idle reworked"));
+        QCOMPARE(riga({"LPG", "Fiat", "Punto 1.2", "base"})->Testo(u"Note"), QStringLiteral("idle reworked"));
         QVERIFY(!QFile::exists(tmp()));
         QCOMPARE(vista.segnalazione, testo("ReadMappe", "SEGNALAZIONE1.4"));
-        QCOMPARE(vista.archiviate, QStringList{"LPG/Fiat/Punto 12/base"});
+        QCOMPARE(vista.archiviate, QStringList{"LPG/Fiat/Punto 1.2/base"});
         QVERIFY(vista.abilitata && !vista.barra && vista.avanzamento == std::make_pair(8, 8));
     }
 
@@ -292,13 +298,17 @@ private slots:
             return ChiaveMappa{"LPG", marca, modello, file};
         };
         const QString vietato = QStringLiteral("NOME.2");
-        QTest::newRow("dot-dot") << k("..", "..", "x") << vietato;
+        const QString punto = QStringLiteral("NOME.4");
+        QTest::newRow("dot-dot") << k("..", "..", "x") << punto;
         QTest::newRow("up and over") << k("Fiat", "Punto", "../../../fuori/x") << vietato;
         QTest::newRow("slash") << k("a/b", "c", "d") << vietato;
         QTest::newRow("absolute") << k("Fiat", "Punto", "/etc/passwd") << vietato;
         QTest::newRow("backslash") << k("Fiat", "..\\..", "d") << vietato;
         QTest::newRow("colon") << k("C:", "Punto", "d") << vietato;
-        QTest::newRow("leading dot") << k("Fiat", ".hidden", "d") << vietato;
+        QTest::newRow("leading dot") << k("Fiat", ".hidden", "d") << punto;
+        QTest::newRow("trailing dot, which Windows drops") << k("Fiat", "Punto.", "d") << punto;
+        QTest::newRow("a device name with an extension")
+            << k("Fiat", "LPT1.txt", "d") << QStringLiteral("NOME.5");
         QTest::newRow("control character") << k("Fiat", "Pun\x01to", "d") << vietato;
         QTest::newRow("newline") << k("Fiat", "Punto", "a\nb") << vietato;
         QTest::newRow("comma") << k("Fiat", "Punto", "a,b") << vietato;
@@ -307,7 +317,7 @@ private slots:
         QTest::newRow("21 characters") << k("Fiat", "Punto", QString(21, u'x')) << QStringLiteral("NOME.3");
         QTest::newRow("51-character make")
             << k(QByteArray(51, 'm').constData(), "Punto", "d") << QStringLiteral("NOME.3");
-        QTest::newRow("plant dot-dot") << ChiaveMappa{"..", "Fiat", "Punto", "d"} << vietato;
+        QTest::newRow("plant dot-dot") << ChiaveMappa{"..", "Fiat", "Punto", "d"} << punto;
         // Links inside MAPPATURE lead out: refused whatever their case.
         QTest::newRow("through a link") << k("Fuori", "Punto", "d") << QStringLiteral("NOME.9");
         QTest::newRow("through a link, other case") << k("FUORI", "Punto", "d") << QStringLiteral("NOME.9");
@@ -334,76 +344,108 @@ private slots:
         QCOMPARE(righe(), 0);
     }
 
-    void mapFileGoesOverAsItStands_data()
+    // Only a file that is exactly a map goes, after one question whose default is no; any
+    // other is refused before its first byte, naming its first bad record (the refusals
+    // themselves are the map check's own table).
+    void onlyAWholeMapIsSent_data()
     {
         QTest::addColumn<QByteArray>("file");
-        QTest::addColumn<int>("blocchi");       // 'W' frames sent
-        QTest::addColumn<QByteArray>("attesa"); // 0xC100..0xC2FF afterwards, over 0xEE
-        QTest::addColumn<QString>("esito");     // start of the message line
-
-        const QByteArray mappa = disegno(3);
-        const QByteArray vecchia(512, '\xEE');
-        const QString fatto = QStringLiteral("SEGNALAZIONI/SEGNALAZIONE_15");
-        QTest::newRow("8 records") << comeFile(mappa) << 8 << mappa << fatto;
-        QTest::newRow("7 records leave the last 64 bytes")
-            << comeFile(mappa.left(448)) << 7 << mappa.left(448) + vecchia.right(64) << fatto;
-        QTest::newRow("1,039 bytes still send block 8") << comeFile(mappa).chopped(1) << 8 << mappa << fatto;
-        QByteArray nonHex = comeFile(mappa);
-        nonHex.replace(130, 6, QByteArray("zZ-G\x00q", 6));
-        QByteArray conZeri = mappa;
-        conZeri.replace(64, 3, QByteArray(3, '\0'));
-        QTest::newRow("non-hex characters become zeros") << nonHex << 8 << conZeri << fatto;
-        // 517 bytes are 3.98 records: the fourth is read as far as it goes, its last pair
-        // a single digit.
-        QByteArray quarto = mappa.mid(192, 64);
-        quarto[63] = char(quint8(mappa.at(255)) >> 4);
-        QTest::newRow("odd length, 517 bytes")
-            << comeFile(mappa).left(517) << 4 << mappa.left(192) + quarto + vecchia.mid(256) << fatto;
-        // A ninth record goes to 0xC300, past the area: the ECU refuses it.
-        QTest::newRow("9 records send the ninth as well")
-            << comeFile(mappa) + comeFile(mappa.left(64)) << 9 << mappa << QStringLiteral("03H");
-        QTest::newRow("empty file sends nothing")
-            << QByteArray() << 0 << vecchia << QStringLiteral("SEGNALAZIONI/SEGNALAZIONE_13");
+        QTest::addColumn<QString>("motivo"); // ProgMappe's reason, with its record; empty: sent
+        const QByteArray mappa = comeFile(disegno(3));
+        QTest::newRow("8 records") << mappa << QString();
+        QTest::newRow("7 records") << mappa.left(7 * 130) << "MAPPA.2 8";
+        QTest::newRow("a ninth record, over the software") << mappa + mappa.left(130) << "MAPPA.3 0";
+        QTest::newRow("the fitter says no") << mappa << "SEGNALAZIONE_19";
     }
 
-    void mapFileGoesOverAsItStands()
+    void onlyAWholeMapIsSent()
     {
         QFETCH(QByteArray, file);
-        QFETCH(int, blocchi);
-        QFETCH(QByteArray, attesa);
-        QFETCH(QString, esito);
+        QFETCH(QString, motivo);
         archivia({"CNG", "Opel", "Zafira", "eco"}, file, {});
         QVERIFY(ecu->scriviMemoria(0xC100, QByteArray(512, '\xEE')));
+        vista.risposta = motivo.isEmpty() ? RispostaSiMappe : 7;
         ScritturaMappe scrittura(*p, vista);
         scrittura.ProgrammaMappa({"CNG", "Opel", "Zafira", "eco"}, false);
         QVERIFY(attendi());
-        QCOMPARE(richieste(porta->scritti), indirizzi(u'W', blocchi));
-        QCOMPARE(memoria(), attesa);
-        const QStringList parti = esito.split(u'/');
-        const QString atteso = parti.size() == 2 ? p->lingua.LeggiTesto(parti[0], parti[1]) : esito;
-        QVERIFY2(vista.segnalazione.startsWith(atteso), qPrintable(vista.segnalazione));
-        QCOMPARE(scrittura.MappaScritta(), esito == fatto());
-        QVERIFY(vista.abilitata);
-        QCOMPARE(vista.avanzamento.first, qMin(qMax(blocchi, 1), 8));
+        QCOMPARE(richieste(porta->scritti), motivo.isEmpty() ? indirizzi(u'W', 8) : QStringList());
+        QCOMPARE(memoria(), motivo.isEmpty() ? disegno(3) : QByteArray(512, '\xEE'));
+        const bool chiesto = !motivo.startsWith(u"MAPPA");
+        QCOMPARE(vista.domande.size(), chiesto ? 1 : 0);
+        QVERIFY(!chiesto
+                || (vista.domande.first().contains("CNG\\Opel\\Zafira\\eco")
+                    && (vista.flags & SecondoPredefinito)));
+        if (!chiesto)
+            QVERIFY2(vista.segnalazione.endsWith(testo("ProgMappe", motivo.section(u' ', 0, 0))
+                                                     .trimmed()
+                                                     .replace("XXX", motivo.section(u' ', 1))),
+                     qPrintable(vista.segnalazione));
+    }
+
+    void interruptedWriteSaysSoAndOffersToWriteAgain()
+    {
+        archivia({"LPG", "Fiat", "Punto", "base"}, comeFile(disegno(4)), {});
+        QVERIFY(ecu->scriviMemoria(0xC100, QByteArray(512, '\xEE')));
+        guasta()->guasto = Guasto::Silenzio;
+        guasta()->al = 4;
+        ScritturaMappe scrittura(*p, vista);
+        scrittura.ProgrammaMappa({"LPG", "Fiat", "Punto", "base"}, true);
+        QTRY_COMPARE(guasta()->richieste, 4);
+        scade();
+        QVERIFY(attendi());
+        QCOMPARE(memoria(), disegno(4).left(192) + QByteArray(320, '\xEE'));
+        QVERIFY2(vista.segnalazione.contains(testo("ProgMappe", "MISTA").trimmed().replace("XXX", "4")),
+                 qPrintable(vista.segnalazione));
+        QCOMPARE(vista.offerte.size(), 1);
+
+        // Yes to the offer: the whole map again, verified, without asking twice.
+        guasta()->guasto = Guasto::Nessuno;
+        scrittura.Riscrivi();
+        QVERIFY(attendi());
+        QCOMPARE(memoria(), disegno(4));
+        QCOMPARE(vista.segnalazione, testo("ProgMappe", "SEGNALAZIONE1.6"));
+        QCOMPARE(vista.domande.size(), 1);
+    }
+
+    // With the disk full (no file may grow past 600 bytes), a map read over one of the same
+    // name, the settings saved and a software image built all say they failed, and every file
+    // that was there stays whole.
+    void fullDiskLosesNothing()
+    {
+        archivia({"LPG", "Fiat", "Punto", "base"}, comeFile(disegno(1)), QStringLiteral("old"));
+        const QString ini = app() + "/KORVANTINE.INI";
+        scrivi(ini, "[SERIALE]\r\nPorta=COM1\r\n");
+        const QString s19 = app() + "/NEW.S19";
+        scrivi(s19, "S107C000010203042E\r\nS903C0003C\r\n");
+        QVERIFY(PreparaFileSW(PercorsoFileSW(app())));
+        QVERIFY(ecu->scriviMemoria(0xC100, disegno(2)));
+        const auto prima = contenuto();
+        const int fallite = ConDiscoPieno(600, [&] {
+            const bool letta = leggiMappa({"LPG", "Fiat", "Punto", "base"}, {})
+                               && vista.segnalazione == testo("ReadMappe", "SEGNALAZIONE1.2");
+            FileIni impostazioni = FileIni::daFile(ini);
+            impostazioni.imposta("SERIALE", "Porta", QString(1000, u'x'));
+            return (letta ? 0 : 1) | (impostazioni.salva(ini) ? 2 : 0)
+                   | (ConvertiS19(s19, PercorsoFileSW(app()), p->linea.ecu()) ? 4 : 0);
+        });
+        QCOMPARE(fallite, 0);
+        QCOMPARE(contenuto(), prima);
     }
 
     void verificationFindsTheFirstDifference_data()
     {
-        QTest::addColumn<int>("record");      // records in the file
         QTest::addColumn<qint64>("guastato"); // an address the ECU then holds otherwise, -1 none
         QTest::addColumn<qint64>("differenza");
-        QTest::newRow("the same") << 8 << qint64(-1) << qint64(-1);
-        QTest::newRow("one byte changed behind the writer") << 8 << qint64(0xC1A3) << qint64(0xC1A3);
-        QTest::newRow("the last record") << 8 << qint64(0xC2FF) << qint64(0xC2FF);
-        QTest::newRow("7 records: the unwritten tail is not compared") << 7 << qint64(0xC2F0) << qint64(-1);
+        QTest::newRow("the same") << qint64(-1) << qint64(-1);
+        QTest::newRow("one byte changed behind the writer") << qint64(0xC1A3) << qint64(0xC1A3);
+        QTest::newRow("the last record") << qint64(0xC2FF) << qint64(0xC2FF);
     }
 
     void verificationFindsTheFirstDifference()
     {
-        QFETCH(int, record);
         QFETCH(qint64, guastato);
         QFETCH(qint64, differenza);
-        archivia({"LPG", "Fiat", "Punto", "base"}, comeFile(disegno(6).left(record * 64)), {});
+        archivia({"LPG", "Fiat", "Punto", "base"}, comeFile(disegno(6)), {});
         bool fatto = false;
         connect(ecu.get(), &EcuSimulata::frameRicevuto, this, [&](const QByteArray &f) {
             if (f.at(4) == 'R' && !fatto && guastato >= 0) {
@@ -414,7 +456,7 @@ private slots:
         ScritturaMappe scrittura(*p, vista);
         scrittura.ProgrammaMappa({"LPG", "Fiat", "Punto", "base"}, true);
         QVERIFY(attendi());
-        QCOMPARE(richieste(porta->scritti), indirizzi(u'W', record) + indirizzi(u'R', 8));
+        QCOMPARE(richieste(porta->scritti), indirizzi(u'W', 8) + indirizzi(u'R', 8));
         QCOMPARE(scrittura.PrimaDifferenza(), differenza);
         QVERIFY(scrittura.MappaScritta());
         if (differenza < 0)
@@ -445,7 +487,7 @@ private slots:
         QVERIFY(attendi());
         vista.risposta = 7;
         scrittura.Esci();
-        QCOMPARE(vista.domande, QStringList{testo("SEGNALAZIONI", "SEGNALAZIONE_56")});
+        QCOMPARE(vista.domande.last(), testo("SEGNALAZIONI", "SEGNALAZIONE_56"));
         QCOMPARE(vista.chiusure, 1);
         vista.risposta = RispostaSiMappe;
         scrittura.Esci();
@@ -493,9 +535,6 @@ private slots:
         QCOMPARE(soloCartelle.foglie(soloCartelle.trova({"LPG", "Fiat", "Punto", {}})).size(), 2);
         QCOMPARE(soloCartelle.trova({"CNG", "Opel", {}, {}}), -1);
     }
-
-private:
-    static QString fatto() { return QStringLiteral("SEGNALAZIONI/SEGNALAZIONE_15"); }
 };
 
 QTEST_GUILESS_MAIN(TstMappe)

@@ -31,6 +31,17 @@ ChiaveMappa k(const QString &testo)
     return {parti.value(0), parti.value(1), parti.value(2), parti.value(3)};
 }
 
+// A map file whose every record holds the text, a label the tests read back.
+QByteArray lkv(const QByteArray &testo)
+{
+    return (testo.leftJustified(64, ' ').toHex().toUpper() + "\r\n").repeated(8);
+}
+
+QString etichetta(const QByteArray &file)
+{
+    return QString::fromLatin1(file.size() == 1040 ? QByteArray::fromHex(file.left(128)).trimmed() : file);
+}
+
 QStringList testi(const QList<ChiaveMappa> &chiavi)
 {
     QStringList r;
@@ -69,7 +80,7 @@ class TestScambioMappe : public QObject
             QVERIFY(RegistraMappa(app, k(chiave), nota).ok());
         if (!byte.isNull()) {
             QVERIFY(QDir().mkpath(QFileInfo(p("app/MAPPATURE/") + chiave).path()));
-            scrivi(p("app/MAPPATURE/") + chiave + ".LKV", byte);
+            scrivi(p("app/MAPPATURE/") + chiave + ".LKV", lkv(byte));
         }
     }
     // The archive as the fitter knows it: each map's row (with its note) and file.
@@ -81,7 +92,7 @@ class TestScambioMappe : public QObject
             const AlberoMappe::Nodo &n = albero.nodo(f);
             r << QStringList{albero.chiave(f).elenco().join(u'/'),
                              n.nelCatalogo ? n.nota.value_or("NULL") : "-",
-                             n.suDisco ? QString::fromLatin1(leggi(n.percorso)) : "-"}
+                             n.suDisco ? etichetta(leggi(n.percorso)) : "-"}
                      .join(u'|');
         }
         return r;
@@ -156,7 +167,7 @@ private slots:
         QCOMPARE(domande, QStringList{testo("SEGNALAZIONI", "SEGNALAZIONE_16")});
         QVERIFY(!QFileInfo::exists(p("stick/LPG/Vecchia")));
         QCOMPARE(leggi(p("stick/FOTO/auto.jpg")), QByteArray("photo"));
-        QCOMPARE(leggi(p("stick/CNG/Opel/Astra/eco.LKV")), QByteArray("eco map"));
+        QCOMPARE(leggi(p("stick/CNG/Opel/Astra/eco.LKV")), lkv("eco map"));
         QCOMPARE(LeggiCatalogoScambio(p("stick/DBTEMP.MDB"), SchemaMappe()).righe.size(), 5);
 
         // Another installation: an empty archive, everything on the medium chosen.
@@ -180,9 +191,9 @@ private slots:
         QVERIFY(!QFileInfo::exists(p("app/TEMP")));
 
         // Once more: a no keeps the fitter's map, row and file; a yes replaces the other.
-        scrivi(p("app/MAPPATURE/LPG/Fiat/Punto/base.LKV"), "tuned here");
+        scrivi(p("app/MAPPATURE/LPG/Fiat/Punto/base.LKV"), lkv("tuned here"));
         QVERIFY(RegistraMappa(app, k("LPG/Fiat/Punto/base"), "changed here").ok());
-        scrivi(p("app/MAPPATURE/LPG/Fiat/Punto/tuned.LKV"), "tuned here too");
+        scrivi(p("app/MAPPATURE/LPG/Fiat/Punto/tuned.LKV"), lkv("tuned here too"));
         const EsitoScambio due =
             RipristinaMappe(app, lingua, p("stick"), {k("lpg/FIAT/punto/BASE"), k("LPG/Fiat/Punto/tuned")},
                             rispondi({false, true}));
@@ -203,10 +214,11 @@ private slots:
 
         QVERIFY(QDir().mkpath(p("stick/LPG/Fiat/Punto")) && QDir().mkpath(p("stick/CNG/Fiat/Multipla")));
         QVERIFY(QDir().mkpath(p("stick/CNG/Opel/Astra")) && QDir().mkpath(p("fuori/M")));
-        scrivi(p("stick/LPG/Fiat/Punto/base.LKV"), "good map");
-        scrivi(p("stick/CNG/Fiat/Multipla/eco.lkv"), "good too");
-        scrivi(p("stick/CNG/Opel/Astra/eco.LKV"), "would land outside");
-        scrivi(p("fuori/M/f.LKV"), "outside map");
+        scrivi(p("stick/LPG/Fiat/Punto/base.LKV"), lkv("good map"));
+        scrivi(p("stick/CNG/Fiat/Multipla/eco.lkv"), lkv("good too"));
+        scrivi(p("stick/CNG/Opel/Astra/eco.LKV"), lkv("would land outside"));
+        scrivi(p("stick/LPG/Fiat/Punto/rotta.LKV"), "not a map");
+        scrivi(p("fuori/M/f.LKV"), lkv("outside map"));
         QVERIFY(QFile::link(p("fuori/segreto.txt"), p("stick/LPG/Fiat/Punto/link.LKV")));
         QVERIFY(QFile::link(p("stick/LPG"), p("stick/LPG/Fiat/giro")));
         QVERIFY(QFile::link("/", p("stick/LPG/tutto")));
@@ -218,12 +230,15 @@ private slots:
             {"LPG", "Fiat", "Punto", "a\\b"},
             {"LPG", QString(300, u'x'), "m", "f"},
             {"LPG", "Fiat", "Punto", "ctl\a"},
+            {"LPG", "Fiat", "Punto", "con.lkv"},
+            {"LPG", "Fiat", "Punto.", "x"},
             {"GPL", "Fiat", "Punto", "base"},
             {"LPG", "Fiat", "Punto", "base"},
             {"lpg", "FIAT", "punto", "BASE"},
             {"LPG", "Fiat", "Punto", "manca"},
             {"LPG", "Fiat", "Punto", "link"},
             {"LPG", "Via", "M", "f"},
+            {"LPG", "Fiat", "Punto", "rotta"},
             {"CNG", "Opel", "Astra", "eco"},
             {"CNG", "Fiat", "Multipla", "eco"},
         };
@@ -244,13 +259,18 @@ private slots:
                                           "LPG/Fiat/Punto/base|note base|good map"}));
         QCOMPARE(istantanea(m_dir->path(), app), fuori);
         QStringList attesi;
-        for (int i = 0; i < 6; ++i)
+        for (int i = 0; i < 8; ++i)
             attesi << testo("SCAMBIO", "NOME", NomeVisibile(TestoChiaveMappa(chiavi.at(i))));
         attesi << testo("SCAMBIO", "IMPIANTO", "GPL\\Fiat\\Punto\\base")
                << testo("SCAMBIO", "DOPPIO", "lpg\\FIAT\\punto\\BASE")
                << testo("SCAMBIO", "SENZA_FILE", "LPG\\Fiat\\Punto\\manca")
                << testo("SCAMBIO", "SENZA_FILE", "LPG\\Fiat\\Punto\\link")
                << testo("SCAMBIO", "SENZA_FILE", "LPG\\Via\\M\\f")
+               << testo("SCAMBIO", "NON_MAPPA", "LPG\\Fiat\\Punto\\rotta")
+                      .replace("YYY", lingua.LeggiTesto("ProgMappe", "MAPPA.4")
+                                          .trimmed()
+                                          .replace("XXX", "1")
+                                          .replace("YYY", "1"))
                << testo("SCAMBIO", "FUORI", "CNG\\Opel\\Astra\\eco");
         QCOMPARE(esito.avvisi, attesi);
 
@@ -302,7 +322,7 @@ private slots:
             {k("LPG/Fiat/Panda/solo"), k("LPG/Fiat/Punto/sciolto"), {"LPG", "..", "../fuori/x", "y"}},
             rispondi({true}));
         QVERIFY(esito.fatto);
-        QCOMPARE(esito.messaggio, testo("SEGNALAZIONI", "SEGNALAZIONE_29"));
+        QCOMPARE(esito.messaggio, testo("SCAMBIO", "CANCELLATE_PARTE", "2").replace("YYY", "3"));
         QCOMPARE(esito.avvisi, QStringList{testo("SCAMBIO", "FUORI_CANCELLA", "LPG\\..\\../fuori/x\\y")});
         QVERIFY(!QFileInfo::exists(p("app/MAPPATURE/LPG/Fiat/Panda")));
         QCOMPARE(archivio(), QStringList({"LPG/Fiat/Punto/base|NULL|1", "LPG/Fiat/Punto/tuned|NULL|2"}));
@@ -315,8 +335,16 @@ private slots:
         QVERIFY(QFileInfo(p("app/MAPPATURE/LPG/Fiat")).isDir());
         QVERIFY(archivio().isEmpty());
 
-        // An archive that cannot be opened keeps every file.
+        // An archive that can only be read (its folder is): nothing goes, and the line says so.
         mappa("LPG/Fiat/Uno/resta", "5");
+        {
+            SolaLettura sola(p("app/MAPPATURE"), QFile::ReadOwner | QFile::ExeOwner);
+            QCOMPARE(CancellaMappe(app, lingua, {k("LPG/Fiat/Uno/resta")}, rispondi({true})).messaggio,
+                     testo("SCAMBIO", "CANCELLATE_NESSUNA"));
+        }
+        QCOMPARE(archivio(), QStringList{"LPG/Fiat/Uno/resta|NULL|5"});
+
+        // An archive that cannot be opened keeps every file.
         scrivi(p("app/MAPPATURE/ARCHMAPPE.MDB"), "no database");
         const EsitoScambio rifiutato =
             CancellaMappe(app, lingua, {k("LPG/Fiat/Uno/resta")}, rispondi({true}));

@@ -58,6 +58,7 @@ private slots:
 
         scrivi(home + "/MESSAGGI.TXT", "02873AF1560803\r\n");
         scrivi(home + "/MAPPA.TMP", "x");
+        scrivi(home + "/KVMAPPA.TMP", QByteArray(128, 'F') + "\r\n"); // a map read a crash cut short
         const QByteArray ini =
             "; workshop PC\r\n[SERIALE]\r\nPorta=/dev/korvantine-no-such-port\r\nBaudRate=57600\r\n";
         scrivi(PercorsoIni(home), ini);
@@ -67,6 +68,7 @@ private slots:
         Avvio::esegui(*p);
         QVERIFY(!QFile::exists(home + "/MESSAGGI.TXT"));
         QVERIFY(!QFile::exists(home + "/MAPPA.TMP"));
+        QVERIFY(!QFile::exists(home + "/KVMAPPA.TMP"));
         QCOMPARE(p->seriale.VelocitaCom, 9600);
         QCOMPARE(leggi(PercorsoIni(home)), ini); // nothing written back until the user saves
     }

@@ -5,6 +5,7 @@
 #include "shell/Programma.h"
 
 #include <QApplication>
+#include <QFocusEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -22,6 +23,22 @@ namespace {
 constexpr int RuoloNome = Qt::UserRole + 1;
 constexpr int RuoloVersione = Qt::UserRole + 2;
 constexpr int RuoloNota = Qt::UserRole + 3;
+
+// Qt makes the first row current as the list takes the focus. On the deletion page that row
+// would look chosen and the first Down would skip it: there no row is current until one is.
+class ListaCancellazione : public QListWidget
+{
+public:
+    using QListWidget::QListWidget;
+
+protected:
+    void focusInEvent(QFocusEvent *evento) override
+    {
+        QListWidget::focusInEvent(evento);
+        if (selectedItems().isEmpty())
+            selectionModel()->clearCurrentIndex();
+    }
+};
 
 QString sezioneDi(PaginaSoftware::Funzione f)
 {
@@ -42,7 +59,7 @@ PaginaSoftware::PaginaSoftware(Programma &programma, Funzione funzione, QWidget 
     : TelaioScambio(programma, sezioneDi(funzione), funzione != Funzione::Cancellazione, parent)
     , m_funzione(funzione)
     , m_box(new QGroupBox(this))
-    , m_lista(new QListWidget(m_box))
+    , m_lista(funzione == Funzione::Cancellazione ? new ListaCancellazione(m_box) : new QListWidget(m_box))
     , m_versione(new QLineEdit(m_box))
     , m_note(new QLabel(m_box))
 {
@@ -131,7 +148,7 @@ void PaginaSoftware::riempi(const QList<VoceSoftware> &voci)
         if (!v.suDisco)
             voce->setForeground(palette().color(QPalette::Disabled, QPalette::Text));
     }
-    if (m_lista->count() > 0)
+    if (m_lista->count() > 0 && m_funzione != Funzione::Cancellazione)
         m_lista->setCurrentRow(0, QItemSelectionModel::NoUpdate);
     voceCorrente();
 }
@@ -212,8 +229,10 @@ void PaginaSoftware::Comando()
         break;
     }
     case Funzione::Cancellazione: {
+        // Only a release the fitter has chosen: the list's current row alone, which the list
+        // has from the moment it is filled, is no choice.
         const QListWidgetItem *voce = m_lista->currentItem();
-        const QString nome = voce ? voce->data(RuoloNome).toString() : QString();
+        const QString nome = voce && voce->isSelected() ? voce->data(RuoloNome).toString() : QString();
         if (nome.isEmpty()) {
             avvisa(testo(QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_13")));
             return;
@@ -221,9 +240,7 @@ void PaginaSoftware::Comando()
         QApplication::beep();
         const EsitoScambio esito = CancellaSoftware(app, l, nome, domanda);
         if (esito.fatto) {
-            const int riga = m_lista->currentRow();
             ricaricaArchivio();
-            m_lista->setCurrentRow(qMin(riga, m_lista->count() - 1));
         }
         mostra(esito);
         break;

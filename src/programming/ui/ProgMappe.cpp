@@ -7,6 +7,7 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 
 namespace kv {
 
@@ -26,7 +27,7 @@ ProgMappe::ProgMappe(Programma &programma, QWidget *parent)
     m_note->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_verifica = new QCheckBox(this);
     m_verifica->setObjectName(QStringLiteral("Verifica"));
-    m_verifica->setChecked(false);
+    m_verifica->setChecked(true);
 
     QGridLayout *g = areaCampi();
     g->addWidget(m_labNote, 0, 0);
@@ -60,6 +61,16 @@ void ProgMappe::Programmazione()
     if (a.valido(mappa))
         k.file = a.nodo(mappa).nome;
     m_scrittura.ProgrammaMappa(k, m_verifica->isChecked());
+}
+
+void ProgMappe::offriRiscrittura(const QString &testo)
+{
+    // Not from inside the reply that ended the write: the link is free only once it returns.
+    QTimer::singleShot(0, this, [this, testo] {
+        if (domanda(testo, FlagDomandaMappe, programma().lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"))
+            == RispostaSiMappe)
+            m_scrittura.Riscrivi();
+    });
 }
 
 void ProgMappe::nodoCliccato(int)

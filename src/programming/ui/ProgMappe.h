@@ -9,7 +9,7 @@ class QLabel;
 namespace kv {
 
 // Writes a map of the archive into the connected ECU: the model chosen in the tree, the map
-// in the list, its note shown. Verifica, off by default, has the map read back and compared
+// in the list, its note shown. Verifica, on by default, has the map read back and compared
 // once written. Its dialogue states are 171 to 180.
 class ProgMappe : public TelaioMappe
 {
@@ -31,6 +31,7 @@ protected:
     void Esci() override { m_scrittura.Esci(); }
     void caricaTestiAltrove() override;
     QList<QWidget *> ordineCampi() const override;
+    void offriRiscrittura(const QString &testo) override;
 
 private:
     QLabel *m_labNote;

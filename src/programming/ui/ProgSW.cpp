@@ -1,5 +1,6 @@
 #include "programming/ui/ProgSW.h"
 
+#include "programming/DialogoMappe.h"
 #include "programming/ImmagineS19.h"
 #include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
@@ -66,8 +67,7 @@ ProgSW::ProgSW(kv::Programma &programma, QWidget *parent)
     , m_tastoEsci(new QPushButton(this))
 {
     setObjectName(QStringLiteral("ProgSW"));
-    m_dialogo = std::make_unique<DialogoProgSW>(programma.linea.motore(), programma.linea.ecu(),
-                                                programma.PercorsoApp, programma.lingua,
+    m_dialogo = std::make_unique<DialogoProgSW>(programma.linea, programma.PercorsoApp, programma.lingua,
                                                 static_cast<VistaProgSW &>(*this));
 
     m_boxProg->setObjectName(QStringLiteral("BoxProg"));
@@ -136,7 +136,8 @@ ProgSW::ProgSW(kv::Programma &programma, QWidget *parent)
     principale->addLayout(comandi);
 
     m_messaggio = [this](const QString &testo, int flags, const QString &titolo) {
-        return kv::MostraMsg(m_programma.lingua, testo, flags, titolo, 0, this);
+        return kv::MostraMsg(m_programma.lingua, testo, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0,
+                             this);
     };
 }
 
@@ -250,6 +251,12 @@ void ProgSW::mostraMsg(const QString &testo, int flags, const QString &titolo)
 {
     if (m_messaggio)
         m_messaggio(testo, flags, titolo);
+}
+
+bool ProgSW::chiedi(const QString &testo, const QString &titolo)
+{
+    return m_messaggio
+           && m_messaggio(testo, FlagDomandaMappe | SecondoPredefinito, titolo) == RispostaSiMappe;
 }
 
 } // namespace kv

@@ -25,7 +25,8 @@ class ProgSW : public QWidget, private VistaProgSW
 {
     Q_OBJECT
 public:
-    // Shows a message box and returns the key's code.
+    // Shows a message box and returns the key's code; with SecondoPredefinito among the flags,
+    // the second key is the default.
     using Messaggio = std::function<int(const QString &testo, int flags, const QString &titolo)>;
 
     explicit ProgSW(Programma &programma, QWidget *parent = nullptr);
@@ -58,6 +59,7 @@ private:
     void mostraBarra(bool visibile) override;
     void impostaBarra(int valore) override;
     void mostraMsg(const QString &testo, int flags, const QString &titolo) override;
+    bool chiedi(const QString &testo, const QString &titolo) override;
 
     // A click on a node, or Enter on it.
     void nodoScelto();

@@ -14,7 +14,7 @@ QWidget *apri(Korvantine &frame)
 {
     auto *pagina = new Pagina(frame.programma());
     pagina->impostaDomanda([&frame](const QString &testo, int flags, const QString &titolo) {
-        return frame.MostraMsg(testo, flags, titolo);
+        return frame.MostraMsg(testo, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0);
     });
     QObject::connect(pagina, &TelaioMappe::chiusa, &frame, [&frame, pagina] { frame.ChiudiPagina(pagina); });
     pagina->carica();

@@ -121,7 +121,8 @@ TelaioMappe::TelaioMappe(Programma &programma, QString sezione, QWidget *parent)
     m_mappe->installEventFilter(this);
 
     m_domanda = [this](const QString &t, int flags, const QString &titolo) {
-        return kv::MostraMsg(m_programma.lingua, t, flags, titolo, 0, this);
+        return kv::MostraMsg(m_programma.lingua, t, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0,
+                             this);
     };
 }
 

@@ -58,12 +58,17 @@ class TstPagineScambio : public QObject
         return p->lingua.LeggiTesto(sezione, chiave).trimmed();
     }
     QString corrente(QTreeView *albero) const { return albero->currentIndex().data().toString(); }
+    // A map file whose every record holds the text.
+    static QByteArray lkv(const QByteArray &testo)
+    {
+        return (testo.leftJustified(64, ' ').toHex().toUpper() + "\r\n").repeated(8);
+    }
     void mappa(const QString &chiave, const QByteArray &byte)
     {
         const QStringList parti = chiave.split(u'/');
         QVERIFY(RegistraMappa(dir.path(), {parti[0], parti[1], parti[2], parti[3]}, "note " + parti[3]).ok());
         QVERIFY(QDir().mkpath(QFileInfo(d("MAPPATURE/") + chiave).path()));
-        scrivi(d("MAPPATURE/") + chiave + ".LKV", byte);
+        scrivi(d("MAPPATURE/") + chiave + ".LKV", lkv(byte));
     }
 
 private slots:
@@ -159,7 +164,7 @@ private slots:
         tasti({Qt::Key_F2});
         QCOMPARE(pagina->segnalazione(), testo("RipriMappe", "SEGNALAZIONE_3.1"));
         QVERIFY(domande.isEmpty());
-        QCOMPARE(leggi(d("MAPPATURE/LPG/Fiat/Punto/tuned.LKV")), QByteArray("tuned map"));
+        QCOMPARE(leggi(d("MAPPATURE/LPG/Fiat/Punto/tuned.LKV")), lkv("tuned map"));
         tasti({Qt::Key_Escape});
         QTRY_VERIFY(frame->menu());
     }
@@ -205,7 +210,11 @@ private slots:
 
         auto *cancella = apri<PaginaSoftware>(IdPagina::CancelSW);
         QVERIFY(cancella);
-        tasti({Qt::Key_Down, Qt::Key_Delete});
+        // With nothing chosen, Delete deletes nothing and says so.
+        tasti({Qt::Key_Delete});
+        QCOMPARE(domande.last(), testo("SEGNALAZIONI", "SEGNALAZIONE_13"));
+        QCOMPARE(cancella->LSoftware()->count(), 2);
+        tasti({Qt::Key_Down, Qt::Key_Down, Qt::Key_Delete});
         QVERIFY(domande.last().contains("KV3.S19"));
         QVERIFY(!QFileInfo::exists(d("SOFTWARE/FILES19/KV3.S19")));
         QCOMPARE(cancella->LSoftware()->count(), 1);

@@ -81,7 +81,16 @@ private slots:
         auto *barra = pagina->findChild<QProgressBar *>("BarraPercentuale");
         QVERIFY(barra->isHidden());
         QCOMPARE(barra->maximum(), 220);
+        // One question first, naming the release, with no as its default.
+        QStringList domande;
+        pagina->impostaMessaggio([&](const QString &testo, int flags, const QString &) {
+            domande << testo + (flags & 0x100 ? " [no]" : "");
+            return 6;
+        });
         QTest::keyClick(lista, Qt::Key_F2);
+        QCOMPARE(domande,
+                 QStringList{p->lingua.LeggiTesto("ProgSW", "DOMANDA").trimmed().replace("XXX", "KV2_R2")
+                             + " [no]"});
         QCOMPARE(p->linea.motore().StatoDialogo(), qint16(DialogoProgSW::StatoInizio));
         auto *programma = pagina->findChild<QPushButton *>("Programma");
         auto *esci = pagina->findChild<QPushButton *>("Esci");
