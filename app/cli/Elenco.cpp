@@ -1,4 +1,5 @@
 #include "Comandi.h"
+#include "ComandiMappa.h"
 
 namespace kv::cli {
 
@@ -20,6 +21,8 @@ int versione(const QStringList &argomenti)
 // One row a command; each lives in a file of its own.
 constexpr Comando tabella[] = {
     {"version", "the version of this tool", versione},
+    {"show-map", "a map file decoded, as the tuning pages show it", mostraMappa},
+    {"diff", "the parameters two map files hold otherwise", differenzeMappe},
 };
 
 } // namespace

@@ -7,6 +7,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <optional>
+
 namespace kv {
 
 class Lingua;
@@ -84,6 +86,7 @@ private:
     int m_totBlocchiMappa = 0;
     quint32 m_indirizzoProg = 0;
     bool m_inCorso = false;
+    std::optional<double> m_scalaLambda;
 };
 
 // The ECU side of ProgMappe: the map file goes over as it stands, block after block by 'W'

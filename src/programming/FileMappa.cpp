@@ -201,7 +201,8 @@ bool PosaMappa(const QString &temporaneo, const QString &percorsoApp, const Perc
            && destinazione.commit();
 }
 
-EsitoArchivio RegistraMappa(const QString &percorsoApp, const ChiaveMappa &chiave, const QString &nota)
+EsitoArchivio RegistraMappa(const QString &percorsoApp, const ChiaveMappa &chiave, const QString &nota,
+                            std::optional<double> scalaLambda)
 {
     Archivio db;
     if (!ApriArchivioMappe(CartellaMappe(percorsoApp), FileArchivi::FileMappe, db))
@@ -214,6 +215,8 @@ EsitoArchivio RegistraMappa(const QString &percorsoApp, const ChiaveMappa &chiav
     riga.Imposta(u"File", k.file);
     const QString n = nota.trimmed();
     riga.Imposta(u"Note", n.isEmpty() ? std::nullopt : std::optional<QString>(n));
+    if (scalaLambda)
+        riga.Imposta(u"ScalaLambda", QString::number(*scalaLambda != 0 ? 255 : 0));
     db.Salva(riga);
     const EsitoArchivio esito = db.Esito();
     ChiudiArchivioMappe(db);

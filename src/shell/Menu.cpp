@@ -41,7 +41,7 @@ const std::vector<Riga> Utilita = {
     {P::VisInf, C::EcuNormale},       {P::CreaDiscoSW, C::Testo},    {P::RipriDiscoSW, C::Testo},
     {P::CancelSW, C::EcuNormale},     {P::CreaDiscoMappe, C::Testo}, {P::RipriMappe, C::Testo},
     {P::CancelMappe, C::EcuNormale},  {P::ReadMappe, C::EcuNormale}, {P::Comunicazione, C::EcuNormale},
-    {P::SceltaLingua, C::EcuNormale}, {P::Password, C::EcuNormale}};
+    {P::SceltaLingua, C::EcuNormale}, {P::Password, C::EcuNormale},  {P::ConfrontoMappe, C::Testo}};
 
 const std::vector<Riga> *righe(int funzione, bool assistenza)
 {

@@ -196,15 +196,18 @@ private slots:
     void readFilesTheEcuMemoryByteForByte()
     {
         QVERIFY(ecu->scriviMemoria(0xC100, disegno(1)));
+        QVERIFY(ecu->scriviMemoria(0x015B, QByteArray(1, '\x01'))); // ScalaLambda
         QVERIFY(leggiMappa({"LPG", "Fiat", "Punto 12", "base"}, QStringLiteral("  idle reworked ")));
-        QCOMPARE(richieste(porta->scritti), indirizzi(u'R', 8));
-        for (const QByteArray &f : std::as_const(porta->scritti))
+        // The eight blocks, then the RAM flag that says how the map's lambda thresholds show.
+        QCOMPARE(richieste(porta->scritti), indirizzi(u'R', 8) << QStringLiteral("R 015B"));
+        for (const QByteArray &f : porta->scritti.mid(0, 8))
             QCOMPARE(quint8(f.at(7)), quint8(64));
         const QString file = mappe() + QStringLiteral("/LPG/Fiat/Punto 12/base.LKV");
         QCOMPARE(leggi(file), comeFile(disegno(1)));
         for (int n = 1; n <= 8; ++n)
             QCOMPARE(LeggiBloccoMappa(file, qint16(n)), disegno(1).mid((n - 1) * 64, 64));
         QCOMPARE(riga({"LPG", "Fiat", "Punto 12", "base"})->Testo(u"Note"), QStringLiteral("idle reworked"));
+        QCOMPARE(riga({"LPG", "Fiat", "Punto 12", "base"})->Testo(u"ScalaLambda"), QStringLiteral("255"));
         QVERIFY(!QFile::exists(tmp()));
         QCOMPARE(vista.segnalazione, testo("ReadMappe", "SEGNALAZIONE1.4"));
         QCOMPARE(vista.archiviate, QStringList{"LPG/Fiat/Punto 12/base"});
@@ -230,7 +233,7 @@ private slots:
         QVERIFY(leggiMappa({"LPG", "FIAT", "punto", "BASE"}, QStringLiteral("   ")));
         QCOMPARE(vista.domande, QStringList{testo("SEGNALAZIONI", "SEGNALAZIONE_8")});
         const bool si = risposta == RispostaSiMappe;
-        QCOMPARE(porta->scritti.size(), si ? 8 : 0);
+        QCOMPARE(porta->scritti.size(), si ? 9 : 0);
         QCOMPARE(vista.fuochi, si ? 0 : 1);
         QCOMPARE(leggi(punto + "Base.lkv"), comeFile(disegno(si ? 2 : 1)));
         QCOMPARE(QDir(punto).entryList(QDir::Files), QStringList{"Base.lkv"});
