@@ -19,8 +19,10 @@ bool VociDiverse(const VoceMappa &a, const VoceMappa &b)
 
 const RigaConfronto *Confronto::riga(int parametro) const
 {
+    // No rows while either side is missing: one map alone has nothing to differ from.
     const VoceMappa *v = a.voce(parametro);
-    return v ? &righe[size_t(a.posizione[size_t(parametro)])] : nullptr;
+    const size_t r = v ? size_t(a.posizione[size_t(parametro)]) : righe.size();
+    return r < righe.size() ? &righe[r] : nullptr;
 }
 
 bool Confronto::diversa(int parametro) const

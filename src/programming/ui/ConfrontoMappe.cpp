@@ -18,6 +18,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QShortcut>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTableWidget>
 #include <QTreeView>
@@ -266,7 +267,8 @@ void ConfrontoMappe::carica()
     m_boxSalva->setTitle(testo(QStringLiteral("BOXSALVA.CAPTION")));
     for (int i = 0; i < int(m_etichette.size()); ++i)
         m_etichette[size_t(i)]->setText(
-            m_lingua.LeggiTesto(QStringLiteral("ReadMappe"), QStringLiteral("LABCAMPO.%1").arg(i)).trimmed());
+            m_lingua.LeggiTesto(QStringLiteral("ReadMappe"), QStringLiteral("LABCAMPO.") + QString::number(i))
+                .trimmed());
     m_salva->setText(testo(QStringLiteral("SALVA")));
     m_esci->setText(QLatin1Char('&') + m_lingua.LeggiTesto("TASTI", "ESCI").trimmed()
                     + QStringLiteral("  (Esc)"));
@@ -282,6 +284,16 @@ void ConfrontoMappe::carica()
     mostraLato(A);
     mostraLato(B);
     aggiorna();
+    // From the tree to what it shows, then to what is done with it.
+    QList<QWidget *> ordine = {m_albero, m_prendi[A], m_prendi[B], m_schede->tabBar(), m_parametri};
+    for (const auto &coppia : m_griglie)
+        ordine << coppia[A] << coppia[B];
+    ordine << m_soloDifferenze << m_copie[0] << m_copie[1] << m_copie[2] << m_impianto;
+    for (QLineEdit *c : m_campi)
+        ordine << c;
+    ordine << m_salva << m_esci;
+    for (qsizetype i = 1; i < ordine.size(); ++i)
+        setTabOrder(ordine.at(i - 1), ordine.at(i));
     setFocusProxy(m_albero);
     m_albero->setFocus(Qt::OtherFocusReason);
 }
@@ -354,9 +366,26 @@ void ConfrontoMappe::aggiorna()
 {
     m_confronto =
         ConfrontaMappe(decodifica(m_sorgenti[A], m_catalogo), decodifica(m_sorgenti[B], m_catalogo));
+    // The fitter stays where he was: the row and the cells under the keyboard are found again.
+    const QTreeWidgetItem *corrente = m_parametri->currentItem();
+    const int voce = corrente ? corrente->data(0, RuoloVoce).toInt() : -2;
+    const QString gruppo = corrente && !corrente->parent() ? corrente->text(0) : QString();
+    std::array<std::array<QPoint, 2>, 3> celle{};
+    for (size_t g = 0; g < m_griglie.size(); ++g)
+        for (int lato : {A, B})
+            celle[g][size_t(lato)] = {m_griglie[g][size_t(lato)]->currentColumn(),
+                                      m_griglie[g][size_t(lato)]->currentRow()};
     riempiParametri();
-    for (int g = 0; g < int(m_griglie.size()); ++g)
+    for (QTreeWidgetItemIterator it(m_parametri); *it; ++it)
+        if ((voce >= 0 && (*it)->data(0, RuoloVoce).toInt() == voce)
+            || (!gruppo.isEmpty() && (*it)->text(0) == gruppo))
+            m_parametri->setCurrentItem(*it);
+    for (int g = 0; g < int(m_griglie.size()); ++g) {
         riempiGriglia(g);
+        for (int lato : {A, B})
+            if (const QPoint c = celle[size_t(g)][size_t(lato)]; c.y() >= 0)
+                m_griglie[size_t(g)][size_t(lato)]->setCurrentCell(c.y(), c.x());
+    }
     const bool due = m_confronto.a.ok && m_confronto.b.ok;
     m_conteggio->setText(!due ? QString()
                          : m_confronto.diverse == 0
