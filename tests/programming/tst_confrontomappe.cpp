@@ -105,6 +105,13 @@ private slots:
                 QVERIFY2(d.voce(c.voce)->testo == QLatin1String(tenuta ? c.tali : c.regolaA), c.byte);
             QCOMPARE(d.voce(TpsAutoadattante)->scelta, 1);
         }
+        // Labels are the pages' own rows, or a grid cell's place.
+        const MappaDecodificata d = decodifica(m.mappa.immagine);
+        QCOMPARE(EtichettaVoce(p->lingua, d, *d.voce(SogliaGiriEntrataMinimo)),
+                 "RPM threshold for entering idle [RPM]");
+        QCOMPARE(EtichettaVoce(p->lingua, d, *d.voce(SogliaRiccoMappa + 39)),
+                 "RPM zone 8, T.P.S. zone 5: rich threshold [units]");
+        QCOMPARE(TestoMostrato(p->lingua, *d.voce(TpsAutoadattante)), testo("TPSAUTO", "TPSAUTO.1"));
         QVERIFY(!decodifica(m.mappa.immagine.chopped(1)).ok);
     }
 

@@ -3,7 +3,6 @@
 #include "archives/Cartelle.h"
 #include "base/Lingua.h"
 #include "calibration/TaraturaParametri.h"
-#include "pages/GriglieMessaPunto.h"
 #include "programming/MappaArchiviata.h"
 #include "programming/ui/ModelloAlberoMappe.h"
 #include "shell/ui/MsgBox1.h"
@@ -131,8 +130,10 @@ ConfrontoMappe::ConfrontoMappe(QString percorsoApp, const Catalogo &catalogo, co
     m_parametri->setColumnCount(4);
     m_parametri->setUniformRowHeights(true);
     m_parametri->setAlternatingRowColors(true);
-    m_parametri->header()->setSectionResizeMode(0, QHeaderView::Stretch);
     m_parametri->header()->setStretchLastSection(false);
+    m_parametri->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    for (int c : {1, 2, 3})
+        m_parametri->header()->setSectionResizeMode(c, QHeaderView::ResizeToContents);
     m_schede->addTab(m_parametri, QString());
     for (size_t g = 0; g < m_griglie.size(); ++g) {
         auto *scheda = new QWidget(this);
@@ -142,6 +143,8 @@ ConfrontoMappe::ConfrontoMappe(QString percorsoApp, const Catalogo &catalogo, co
             t->setObjectName(QStringLiteral("Griglia%1%2").arg(g).arg(lato == A ? u'A' : u'B'));
             t->horizontalHeader()->hide();
             t->verticalHeader()->hide();
+            // Two grids side by side: columns as narrow as their numbers.
+            t->horizontalHeader()->setMinimumSectionSize(u);
             t->setEditTriggers(QAbstractItemView::NoEditTriggers);
             t->setSelectionMode(QAbstractItemView::SingleSelection);
             m_griglie[g][size_t(lato)] = t;
@@ -211,8 +214,8 @@ ConfrontoMappe::ConfrontoMappe(QString percorsoApp, const Catalogo &catalogo, co
     m_segnalazione->setMinimumHeight(2 * m_segnalazione->fontMetrics().height() + 10);
 
     auto *sopra = new QHBoxLayout;
-    sopra->addLayout(sinistra, 2);
-    sopra->addLayout(destra, 5);
+    sopra->addLayout(sinistra, 1);
+    sopra->addLayout(destra, 4);
     auto *fondo = new QHBoxLayout;
     fondo->addWidget(m_segnalazione, 1);
     fondo->addWidget(m_esci);
@@ -322,6 +325,10 @@ bool ConfrontoMappe::scegliArchiviata(Lato lato, const ChiaveMappa &chiave)
         return false;
     }
     m_chiavi[size_t(lato)] = m.percorso.chiave;
+    if (const QModelIndex i = m_modello->indice(m_modello->albero().trova(m.percorso.chiave)); i.isValid()) {
+        m_albero->setCurrentIndex(i);
+        m_albero->scrollTo(i);
+    }
     if (lato == A) {
         m_impianto->setCurrentIndex(
             qMax(0, m_impianto->findText(m.percorso.chiave.impianto, Qt::MatchFixedString)));
@@ -395,39 +402,6 @@ void ConfrontoMappe::aggiorna()
     applicaFiltro();
 }
 
-QString ConfrontoMappe::etichetta(const VoceMappa &v) const
-{
-    const MappaDecodificata &m = m_confronto.a.ok ? m_confronto.a : m_confronto.b;
-    const QString &sezione = m.gruppi[size_t(v.gruppo)].sezione;
-    if (v.piano.riga >= 0) {
-        const QString n = QString::number(v.piano.riga);
-        const QString lab = m_lingua.LeggiTesto(sezione, QStringLiteral("LABPARAMETRO.") + n).trimmed();
-        const QString misura = m_lingua.LeggiTesto(sezione, QStringLiteral("MISURA.") + n).trimmed();
-        return misura.isEmpty() ? lab : lab + QStringLiteral(" [") + misura + u']';
-    }
-    // Grid cells and values no page shows are named by the compare page, element by element.
-    const QString nome = NomeVoce(v.parametro());
-    const qsizetype aperta = nome.indexOf(u'(');
-    const int i = aperta < 0 ? 0 : nome.mid(aperta + 1).chopped(1).toInt();
-    QString t = testo(QStringLiteral("VOCE.") + nome.left(aperta < 0 ? nome.size() : aperta));
-    if (t.isEmpty())
-        return nome;
-    return t.replace(QLatin1String("XXX"), QString::number(i + 1))
-        .replace(QLatin1String("YYY"), QString::number(i / MappaLambda::ZoneTps + 1))
-        .replace(QLatin1String("ZZZ"), QString::number(i % MappaLambda::ZoneTps + 1));
-}
-
-QString ConfrontoMappe::mostrato(const VoceMappa &v) const
-{
-    if (v.scelta >= 0 && !v.piano.lista.isEmpty()) {
-        const QString voce =
-            m_lingua.LeggiTesto(v.piano.lista, v.piano.lista + u'.' + QString::number(v.scelta)).trimmed();
-        if (!voce.isEmpty())
-            return voce;
-    }
-    return v.testo;
-}
-
 void ConfrontoMappe::riempiParametri()
 {
     m_parametri->clear();
@@ -436,12 +410,7 @@ void ConfrontoMappe::riempiParametri()
         return;
     QList<QTreeWidgetItem *> gruppi;
     for (const GruppoMappa &g : base.gruppi) {
-        QString titolo = g.id == IdPagina::Nessuna
-                             ? testo(QStringLiteral("GRUPPO.ALTRO"))
-                             : m_lingua.LeggiTesto(g.sezione, QStringLiteral("CAPTION")).trimmed();
-        if (titolo.isEmpty())
-            titolo = m_lingua.LeggiTesto(g.sezione, QStringLiteral("CAPTION.0")).trimmed();
-        auto *item = new QTreeWidgetItem({titolo});
+        auto *item = new QTreeWidgetItem({TitoloGruppo(m_lingua, g)});
         QFont f = item->font(0);
         f.setBold(true);
         item->setFont(0, f);
@@ -453,9 +422,9 @@ void ConfrontoMappe::riempiParametri()
         const VoceMappa *a = m_confronto.a.voce(p);
         const VoceMappa *b = m_confronto.b.voce(p);
         const RigaConfronto *r = m_confronto.riga(p);
-        auto *item = new QTreeWidgetItem(gruppi[v.gruppo],
-                                         {etichetta(v), a ? mostrato(*a) : QString(),
-                                          b ? mostrato(*b) : QString(), r ? r->differenza : QString()});
+        auto *item = new QTreeWidgetItem(
+            gruppi[v.gruppo], {EtichettaVoce(m_lingua, base, v), a ? TestoMostrato(m_lingua, *a) : QString(),
+                               b ? TestoMostrato(m_lingua, *b) : QString(), r ? r->differenza : QString()});
         item->setData(0, RuoloVoce, p);
         for (int c : {1, 2, 3})
             item->setTextAlignment(c, Qt::AlignRight | Qt::AlignVCenter);
@@ -473,9 +442,6 @@ void ConfrontoMappe::riempiParametri()
         g->setFirstColumnSpanned(true);
         g->setExpanded(true);
     }
-    m_parametri->resizeColumnToContents(1);
-    m_parametri->resizeColumnToContents(2);
-    m_parametri->resizeColumnToContents(3);
 }
 
 void ConfrontoMappe::riempiGriglia(int indice)
@@ -509,7 +475,18 @@ void ConfrontoMappe::riempiGriglia(int indice)
         }
         for (const UnioneGriglia &u : g.unioni)
             t->setSpan(u.riga, u.colonna, u.righe, u.colonne);
-        t->resizeColumnsToContents();
+        // Worked out here: a view that is not on screen sizes its columns by the rows it shows,
+        // which are none. A caption across two columns wraps instead.
+        for (int c = 0; c < g.colonne; ++c) {
+            int larghezza = 0;
+            for (int r = 0; r < g.righe; ++r) {
+                if (t->columnSpan(r, c) > 1 || !t->item(r, c))
+                    continue;
+                const QTableWidgetItem *item = t->item(r, c);
+                larghezza = qMax(larghezza, QFontMetrics(item->font()).horizontalAdvance(item->text()));
+            }
+            t->setColumnWidth(c, larghezza + fontMetrics().averageCharWidth() * 2);
+        }
     }
 }
 

@@ -94,8 +94,6 @@ private:
     void riempiGriglia(int indice);
     void applicaFiltro();
     void mostraLato(Lato lato);
-    QString etichetta(const VoceMappa &v) const;
-    QString mostrato(const VoceMappa &v) const;
     // The values of those entries copied from B into A; what the message line says.
     void copia(const std::vector<int> &parametri);
     // The entry under the keyboard: the parameter row, or the grid cell; -1 none.
