@@ -130,6 +130,11 @@ void LetturaMappe::risposta(char lettera, int stato, const QByteArray &payload)
 {
     if (!m_inCorso || stato != Stato)
         return;
+    // The map is whole once its blocks are in: without the flag it is filed all the same.
+    if (lettera == 'e' && m_numBloccoMappa == m_totBlocchiMappa) {
+        fine();
+        return;
+    }
     if (lettera == 'e') {
         interrompi(TestoErroreEcu(m_programma.lingua, payload), false);
         return;
@@ -164,7 +169,9 @@ void LetturaMappe::risposta(char lettera, int stato, const QByteArray &payload)
 
 void LetturaMappe::scadenza(int)
 {
-    if (m_inCorso)
+    if (m_inCorso && m_numBloccoMappa == m_totBlocchiMappa)
+        fine();
+    else if (m_inCorso)
         interrompi(m_programma.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_14"));
 }
 

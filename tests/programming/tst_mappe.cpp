@@ -287,6 +287,16 @@ private slots:
         QCOMPARE(p->motore.StatoDialogo(), -1);
     }
 
+    void aRefusedFlagStillFilesTheMap()
+    {
+        guasta()->guasto = Guasto::Errore;
+        guasta()->al = 9; // ScalaLambda, after the eight blocks
+        QVERIFY(ecu->scriviMemoria(0xC100, disegno(3)));
+        QVERIFY(leggiMappa({"LPG", "Fiat", "Punto", "base"}, {}));
+        QCOMPARE(leggi(mappe() + "/LPG/Fiat/Punto/base.LKV"), comeFile(disegno(3)));
+        QVERIFY(riga({"LPG", "Fiat", "Punto", "base"})->Nullo(u"ScalaLambda"));
+    }
+
     void namesThatLeadOutAreRefused_data()
     {
         QTest::addColumn<ChiaveMappa>("chiave");

@@ -475,15 +475,23 @@ void ConfrontoMappe::riempiGriglia(int indice)
         }
         for (const UnioneGriglia &u : g.unioni)
             t->setSpan(u.riga, u.colonna, u.righe, u.colonne);
-        // Worked out here: a view that is not on screen sizes its columns by the rows it shows,
-        // which are none. A caption across two columns wraps instead.
+        // Two grids side by side leave no room for the "> " row and column that repeat the
+        // breakpoints of the lambda map: the breakpoints themselves say where a zone begins.
+        if (g.pagina == IdPagina::MP_Normale) {
+            t->setRowHidden(0, true);
+            t->setColumnHidden(1, true);
+            // The caption of the axes goes with its row: the grid says it on hovering.
+            t->setToolTip(t->item(0, 0)->text());
+            t->item(0, 0)->setText({});
+        }
+        // Worked out here: a view that is not on screen sizes its columns by the rows it
+        // shows, which are none.
         for (int c = 0; c < g.colonne; ++c) {
             int larghezza = 0;
             for (int r = 0; r < g.righe; ++r) {
-                if (t->columnSpan(r, c) > 1 || !t->item(r, c))
-                    continue;
                 const QTableWidgetItem *item = t->item(r, c);
-                larghezza = qMax(larghezza, QFontMetrics(item->font()).horizontalAdvance(item->text()));
+                if (item && t->columnSpan(r, c) == 1 && !t->isRowHidden(r))
+                    larghezza = qMax(larghezza, QFontMetrics(item->font()).horizontalAdvance(item->text()));
             }
             t->setColumnWidth(c, larghezza + fontMetrics().averageCharWidth() * 2);
         }
