@@ -174,9 +174,10 @@ private slots:
         QTest::newRow("CancelSW") << "CancelSW" << QStringList{"CAPTION", "BOXCANCEL"} + campiSW;
         // The compare page names an entry no page row shows by its catalogue name.
         QStringList confronto = {
-            "CAPTION", "LABMAPPE",       "NESSUNA",      "MODIFICATA", "SCEGLIMAPPA",      "SCEGLIVOCE",
-            "DUE",     "SOLODIFFERENZE", "DIFFERENZE",   "UGUALI",     "BOXSALVA.CAPTION", "SALVA",
-            "COPIATO", "NIENTE",         "SOLOARCHIVIO", "SALVATA",    "USCITA",           "GRUPPO.ALTRO"};
+            "CAPTION",          "LABMAPPE", "NESSUNA",        "MODIFICATA", "SCEGLIMAPPA",
+            "SCEGLIVOCE",       "DUE",      "SOLODIFFERENZE", "DIFFERENZE", "UGUALI",
+            "BOXSALVA.CAPTION", "SALVA",    "COPIATO",        "NIENTE",     "SOLOARCHIVIO",
+            "SALVATA",          "USCITA",   "GRUPPO.ALTRO",   "SOSTITUISCI"};
         for (const char *voce : {"CostanteGiri", "TpsTaratoMinimo", "TpsTaratoMassimo", "ValoreEmulazione",
                                  "GiriPompata", "PercentualePompata", "AsseTpsMappa", "AsseGiriMappa",
                                  "SogliaMagroMappa", "SogliaRiccoMappa", "GiriRTS", "TpsRTS", "PosizioneRTS"})

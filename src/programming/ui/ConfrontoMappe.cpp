@@ -324,7 +324,8 @@ bool ConfrontoMappe::scegliArchiviata(Lato lato, const ChiaveMappa &chiave)
                                .replace(QLatin1String("ZZZ"), QString::number(m.mappa.colonna)));
         return false;
     }
-    m_chiavi[size_t(lato)] = m.percorso.chiave;
+    if (lato == A && m_modificata && domanda(testo(QStringLiteral("SOSTITUISCI")), FlagDomanda) != RispostaSi)
+        return false;
     if (const QModelIndex i = m_modello->indice(m_modello->albero().trova(m.percorso.chiave)); i.isValid()) {
         m_albero->setCurrentIndex(i);
         m_albero->scrollTo(i);
@@ -631,7 +632,6 @@ void ConfrontoMappe::Salva()
         return;
     }
     const QString nome = e.percorso.chiave.elenco().join(u'\\');
-    m_chiavi[A] = e.percorso.chiave;
     m_sorgenti[A].tipo = SorgenteMappa::Tipo::Archivio;
     m_sorgenti[A].nome = nome;
     m_sorgenti[A].scala = ScalaDa(scala, OrigineScala::Archivio);

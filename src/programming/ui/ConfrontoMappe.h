@@ -53,7 +53,8 @@ public:
     void carica();
 
     // A map of the archive as one side. A file the strict check refuses is not taken: the
-    // side stays as it was and the message line says which record is bad.
+    // side stays as it was and the message line says which record is bad. An A holding
+    // unsaved copies is replaced only after a question.
     bool scegliArchiviata(Lato lato, const ChiaveMappa &chiave);
     // Any source as one side.
     void impostaSorgente(Lato lato, SorgenteMappa sorgente);
@@ -104,7 +105,6 @@ private:
     const Lingua &m_lingua;
     Domanda m_domanda;
     std::array<SorgenteMappa, 2> m_sorgenti;
-    std::array<ChiaveMappa, 2> m_chiavi; // the archived map behind a side
     Confronto m_confronto;
     bool m_modificata = false;
 

@@ -54,7 +54,7 @@ private slots:
         QCOMPARE(m->opzione(1)->text(), a.testo("MainLambda", "MESSAPUNTO0.1"));
         QTest::keyClick(m, Qt::Key_F5);
         QVERIFY(!m->funzione(2)->isChecked());
-        QCOMPARE(abilitate(m), QStringLiteral("11111111111"));
+        QCOMPARE(abilitate(m), QStringLiteral("111111111111"));
 
         // Esc hides the box and keeps the function; Shift keys then open nothing.
         QTest::keyClick(m, Qt::Key_Escape);
@@ -63,10 +63,11 @@ private slots:
         QVERIFY(m->funzione(4)->isChecked());
         QTest::keyClick(m, Qt::Key_F9, Qt::ShiftModifier);
         QCOMPARE(a.frame->paginaAttiva(), m);
+        QTest::keyClick(m, Qt::Key_F3);
+        QTest::keyClick(m, Qt::Key_F12, Qt::ShiftModifier); // tuning has no twelfth entry
+        QCOMPARE(a.frame->paginaAttiva(), m);
         QTest::keyClick(m, Qt::Key_F5);
         QVERIFY(boxVisibile(m));
-        QTest::keyClick(m, Qt::Key_F12, Qt::ShiftModifier); // there is no twelfth entry
-        QCOMPARE(a.frame->paginaAttiva(), m);
         QTest::keyClick(m, Qt::Key_F9, Qt::ShiftModifier);
         QCOMPARE(a.frame->idPaginaAttiva(), IdPagina::Comunicazione);
         QVERIFY(!a.frame->menu());
