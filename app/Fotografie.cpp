@@ -163,14 +163,14 @@ int main(int argc, char *argv[])
     RegistraPagineMappe(finestra);
     RegistraProgSW(finestra);
     RegistraPagineScambio(finestra);
-    RegistraPagineTaratura(finestra);
+    SequenzaTaratura &taratura = RegistraPagineTaratura(finestra);
     Avvio::esegui(programma);
-    PreparaRilascioDemo(programma.stato.PercorsoApp, programma.lingua);
+    PreparaRilascioDemo(programma.PercorsoApp, programma.lingua);
     finestra.avvia();
     finestra.showNormal();
     finestra.resize(1024, 768);
 
-    if (!attendi([&] { return !programma.stato.EcuDaIdentificare; }, 15000)) {
+    if (!attendi([&] { return !programma.linea.ecu().EcuDaIdentificare; }, 15000)) {
         std::fprintf(stderr, "korvantine-pictures: the simulated ECU was not identified\n");
         return 1;
     }
@@ -192,9 +192,9 @@ int main(int argc, char *argv[])
         finestra.ChiudiPagina(pagina);
     }
 
-    const auto linkLibero = [&] { return programma.motore.StatoDialogo() == -1; };
+    const auto linkLibero = [&] { return programma.linea.motore().StatoDialogo() == -1; };
     // The tuning pages as the service menu opens them, each after a few live frames.
-    programma.stato.ModoAssistenza = true;
+    programma.menu.impostaAssistenza(true);
     const std::pair<IdPagina, const char *> pagine[] = {
         {IdPagina::MP_Minimo, "mp_minimo.png"},           {IdPagina::MP_Normale, "mp_normale.png"},
         {IdPagina::MP_PienoCarico, "mp_pienocarico.png"}, {IdPagina::MP_CutOff, "mp_cutoff.png"},
@@ -204,7 +204,8 @@ int main(int argc, char *argv[])
     for (const auto &[id, nome] : pagine) {
         // The map shows best with the engine out on it, away from idle.
         if (id == IdPagina::MP_Normale)
-            attendi([&] { return programma.stato.DatiAttuali[0].Valore[Canale::Giri] > 2200; }, 30000);
+            attendi([&] { return programma.linea.datiLive().ultimoRecord().Valore[Canale::Giri] > 2200; },
+                    30000);
         QWidget *pagina = finestra.apriPagina(id);
         if (!pagina)
             continue;
@@ -269,7 +270,7 @@ int main(int argc, char *argv[])
         ok &= salva(finestra, cartella, QStringLiteral("confrontomappe-mappa.png"));
         finestra.ChiudiPagina(confronto);
     }
-    programma.stato.ModoAssistenza = false;
+    programma.menu.impostaAssistenza(false);
     // Some way into the engine's cycle, where every instrument has something to say.
     pausa(7000);
     // A drive is recorded to a file where the record card would put it.
@@ -402,19 +403,17 @@ int main(int argc, char *argv[])
         if (auto *box = qobject_cast<MsgBox1 *>(QApplication::activeModalWidget()))
             box->tastiVisibili().constFirst()->click();
     });
-    StatoProgramma &s = programma.stato;
+    const StatoEcu &s = programma.linea.ecu();
     const auto paginaAperta = [&](IdPagina id) { return finestra.idPaginaAttiva() == id; };
     const auto inMarcia = [&] { return s.EcuInMarcia && finestra.menu() && linkLibero(); };
     if (MainLambda *menu = finestra.menu())
         menu->ScegliFunzione(3);
-    s.TaraturaInCorso = FaseTaratura::Avviso;
-    s.PassoTaratura = 0;
-    finestra.AvviaTaratura(FaseTaratura::Avviso);
+    finestra.avviaSequenzaTaratura();
     if (auto *avviso = qobject_cast<IniTaratura *>(finestra.paginaSopra())) {
         ok &= salvaConSopra(finestra, *avviso, cartella, QStringLiteral("t-initaratura.png"));
         avviso->TastoOK();
     }
-    if (attendi([&] { return paginaAperta(IdPagina::T_Giri) && s.PassoTaratura == 2; }, 10000)) {
+    if (attendi([&] { return paginaAperta(IdPagina::T_Giri) && taratura.PassoTaratura() == 2; }, 10000)) {
         auto *giri = static_cast<T_Giri *>(finestra.paginaAttiva());
         pausa(2500); // the engine settles at idle
         giri->logica().tastoGiriTeo();
@@ -464,7 +463,8 @@ int main(int argc, char *argv[])
     singola(
         IdPagina::T_Giri_Single,
         [&] {
-            attendi([&] { return s.DatiAttuali[0].Valore[Canale::FlagPa] == 234; }, 5000);
+            attendi([&] { return programma.linea.datiLive().ultimoRecord().Valore[Canale::FlagPa] == 234; },
+                    5000);
             pausa(3000); // the engine settles at idle
         },
         QStringLiteral("t-giri-single.png"));

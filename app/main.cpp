@@ -103,7 +103,7 @@ int main(int argc, char *argv[])
     Avvio::esegui(programma);
     // Something to flash into the simulated ECU, when the home has no release of its own.
     if (inDemo)
-        PreparaRilascioDemo(programma.stato.PercorsoApp, programma.lingua);
+        PreparaRilascioDemo(programma.PercorsoApp, programma.lingua);
     finestra.avvia();
     return app.exec();
 }

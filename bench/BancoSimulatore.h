@@ -56,11 +56,11 @@ public:
             return false;
         }
         QEventLoop ciclo;
-        QObject::connect(&programma->identificazione, &Identificazione::identificata, &ciclo,
+        QObject::connect(&programma->linea.identificazione(), &Identificazione::identificata, &ciclo,
                          &QEventLoop::quit);
         QTimer::singleShot(10000, &ciclo, &QEventLoop::quit);
         ciclo.exec();
-        if (programma->stato.EcuDaIdentificare) {
+        if (programma->linea.ecu().EcuDaIdentificare) {
             errore = QStringLiteral("the simulated ECU was not identified");
             return false;
         }
@@ -73,7 +73,7 @@ public:
     double cronometra(F &&f, double &flusso)
     {
         QEventLoop ciclo;
-        const auto fine = QObject::connect(&programma->motore, &MotoreDialogo::cursoreAttesa, &ciclo,
+        const auto fine = QObject::connect(&programma->linea.motore(), &MotoreDialogo::cursoreAttesa, &ciclo,
                                            [&ciclo](bool attesa) {
                                                if (!attesa)
                                                    ciclo.quit();
@@ -82,7 +82,7 @@ public:
         QElapsedTimer t;
         t.start();
         f();
-        if (programma->motore.StatoDialogo() != -1)
+        if (programma->linea.motore().StatoDialogo() != -1)
             ciclo.exec();
         const double ms = static_cast<double>(t.nsecsElapsed()) / 1e6;
         QObject::disconnect(fine);
@@ -104,7 +104,7 @@ public:
     ~BancoSimulatore()
     {
         if (programma)
-            programma->porta.chiudi();
+            programma->linea.porta().chiudi();
     }
 
     std::unique_ptr<Programma> programma;

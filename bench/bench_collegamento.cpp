@@ -32,6 +32,7 @@ class Lettore : public GestoreStati
 {
 public:
     Lettore(MotoreDialogo &m, QEventLoop &fine) : motore(m), ciclo(fine) {}
+    char rispostaAttesa(int stato) const override { return stato == 1 ? 'r' : 0; }
     void risposta(char, int, const QByteArray &) override
     {
         ++risposte;
@@ -135,37 +136,38 @@ int main(int argc, char *argv[])
     p.dispositivoForzato = ecu->percorsoDispositivo();
     if (!p.ApriPorta()) {
         std::fprintf(stderr, "cannot open %s: %s\n", qPrintable(p.dispositivoForzato),
-                     qPrintable(p.porta.descrizioneErrore()));
+                     qPrintable(p.linea.porta().descrizioneErrore()));
         return 1;
     }
 
     QEventLoop ciclo;
-    QObject::connect(&p.identificazione, &Identificazione::identificata, &ciclo, &QEventLoop::quit);
+    QObject::connect(&p.linea.identificazione(), &Identificazione::identificata, &ciclo, &QEventLoop::quit);
     QTimer::singleShot(10000, &ciclo, &QEventLoop::quit);
     ciclo.exec();
-    if (p.stato.EcuDaIdentificare) {
+    if (p.linea.ecu().EcuDaIdentificare) {
         std::fprintf(stderr, "the simulated ECU was not identified\n");
         return 1;
     }
-    std::printf("identified %s at %d baud, bytes paced\n", qPrintable(p.stato.InfCodice.trimmed()), Baud);
+    std::printf("identified %s at %d baud, bytes paced\n", qPrintable(p.linea.ecu().InfCodice.trimmed()),
+                Baud);
 
-    Lettore lettore(p.motore, ciclo);
-    p.motore.registra(1, &lettore);
-    p.motore.svuotaCoda();
+    Lettore lettore(p.linea.motore(), ciclo);
+    p.linea.motore().registra(1, &lettore);
+    p.linea.motore().svuotaCoda();
     for (int i = 0; i < Letture; ++i)
-        p.motore.accoda('R' + ParolaInByte(Indirizzo) + char(2));
+        p.linea.motore().accoda('R' + ParolaInByte(Indirizzo) + char(2));
     const qint64 flussoPrima = byteFlusso;
     fineRisposta.clear();
     inizioRichiesta.clear();
     QElapsedTimer t;
     t.start();
-    if (!p.motore.avvia(1, MotoreDialogo::IntervalloLettura)) {
+    if (!p.linea.motore().avvia(1, MotoreDialogo::IntervalloLettura)) {
         std::fprintf(stderr, "the port closed before the reads\n");
         return 1;
     }
     ciclo.exec();
     const double trascorsi = static_cast<double>(t.nsecsElapsed()) / 1e9;
-    p.porta.chiudi();
+    p.linea.porta().chiudi();
     filo.quit();
     filo.wait();
 

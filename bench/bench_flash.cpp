@@ -169,7 +169,7 @@ public:
     ~Banco()
     {
         if (m_programma)
-            m_programma->porta.chiudi();
+            m_programma->linea.porta().chiudi();
         if (m_diretto) {
             m_programma.reset();
             delete m_ecu;
@@ -228,7 +228,8 @@ public:
         QElapsedTimer t;
         t.start();
         while (t.elapsed() < 15000) {
-            if (!m_programma->stato.EcuDaIdentificare && m_programma->motore.StatoDialogo() == -1)
+            if (!m_programma->linea.ecu().EcuDaIdentificare
+                && m_programma->linea.motore().StatoDialogo() == -1)
                 return true;
             QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
             QThread::msleep(1);
@@ -255,7 +256,8 @@ public:
         }
         QEventLoop ciclo;
         Vista vista(ciclo);
-        DialogoProgSW dialogo(m_programma->motore, m_programma->stato, m_programma->lingua, vista);
+        DialogoProgSW dialogo(m_programma->linea.motore(), m_programma->linea.ecu(), m_programma->PercorsoApp,
+                              m_programma->lingua, vista);
         dialogo.scegli(QStringLiteral("BENCH"));
         QTimer::singleShot(120000, &ciclo, &QEventLoop::quit);
         m_porta->tempi.clear();

@@ -140,13 +140,13 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "cannot open %s\n", qPrintable(p.dispositivoForzato));
         return 1;
     }
-    attendi(10000, [&] { return !p.stato.EcuDaIdentificare && p.motore.StatoDialogo() == -1; });
-    if (p.stato.EcuDaIdentificare) {
+    attendi(10000, [&] { return !p.linea.ecu().EcuDaIdentificare && p.linea.motore().StatoDialogo() == -1; });
+    if (p.linea.ecu().EcuDaIdentificare) {
         std::fprintf(stderr, "the simulated ECU was not identified\n");
         return 1;
     }
     Contatore contatore;
-    p.datiLive.aggiungiAscoltatore(&contatore);
+    p.linea.datiLive().aggiungiAscoltatore(&contatore);
     QDir().mkpath(cartella.filePath("DATI/BENCH"));
 
     // The stream held while the counts start, so that no frame is in flight across the start.
@@ -201,7 +201,7 @@ int main(int argc, char *argv[])
     int esito = 0;
     if (misurare("link")) {
         // No window: only the receive path and the recorder, as while a window is open.
-        p.stato.RegistrazioneAttiva = true;
+        p.anello.RegistrazioneAttiva = true;
         const auto comando = [&](const QString &c) {
             if (c == QLatin1String("INIZIO"))
                 p.anello.Inizio();
@@ -211,7 +211,7 @@ int main(int argc, char *argv[])
         const Misura m = misura(comando, cartella.filePath("DATI/BENCH/LINK.ACQ"));
         stampa("no window, recording", m);
         esito |= m.inviati != m.decodificati || m.righe != m.decodificati;
-        p.stato.RegistrazioneAttiva = false;
+        p.anello.RegistrazioneAttiva = false;
     }
     if (misurare("grafici")) {
         Grafici grafici(p);
@@ -234,15 +234,15 @@ int main(int argc, char *argv[])
         strumenti.resize(1024, 700);
         strumenti.show();
         strumenti.carica();
-        attendi(5000, [&] { return p.motore.StatoDialogo() == -1; });
+        attendi(5000, [&] { return p.linea.motore().StatoDialogo() == -1; });
         const Misura m = misura([&](const QString &c) { strumenti.barra().comando(c); },
                                 cartella.filePath("DATI/BENCH/STRUMENTI.ACQ"));
         stampa("Strumenti, recording", m);
         esito |= m.inviati != m.decodificati || m.righe != m.decodificati;
         strumenti.Esci();
     }
-    p.datiLive.rimuoviAscoltatore(&contatore);
-    p.porta.chiudi();
+    p.linea.datiLive().rimuoviAscoltatore(&contatore);
+    p.linea.porta().chiudi();
     filo.quit();
     filo.wait();
     return esito;

@@ -118,17 +118,18 @@ int misura(Collegamento linea)
     p.seriale.VelocitaCom = Baud;
     p.dispositivoForzato = ecu->percorsoDispositivo();
     if (!flusso)
-        p.stato.EcuDaIdentificare = false;
+        p.linea.ecuDiProva().EcuDaIdentificare = false;
     if (!p.ApriPorta()) {
         std::fprintf(stderr, "cannot open %s\n", qPrintable(p.dispositivoForzato));
         return 1;
     }
     QEventLoop ciclo;
     if (flusso) {
-        QObject::connect(&p.identificazione, &Identificazione::identificata, &ciclo, &QEventLoop::quit);
+        QObject::connect(&p.linea.identificazione(), &Identificazione::identificata, &ciclo,
+                         &QEventLoop::quit);
         QTimer::singleShot(10000, &ciclo, &QEventLoop::quit);
         ciclo.exec();
-        if (p.stato.EcuDaIdentificare) {
+        if (p.linea.ecu().EcuDaIdentificare) {
             std::fprintf(stderr, "the simulated ECU was not identified\n");
             return 1;
         }
@@ -167,7 +168,7 @@ int misura(Collegamento linea)
                 ++scritte.fallite;
         }
     }
-    p.porta.chiudi();
+    p.linea.porta().chiudi();
     filo.quit();
     filo.wait();
 

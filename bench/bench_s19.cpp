@@ -1,7 +1,7 @@
 // ConvertiS19 of a full-size release (every byte of 0xC000..0xF6FF in lines of 32) into the
 // blank FILESW.TXT, files and all; and the overlay alone, in memory. Medians of many runs,
 // and the time per kilobyte of S19 text.
-#include "link/StatoProgramma.h"
+#include "link/StatoEcu.h"
 #include "programming/ImmagineS19.h"
 #include "support/S19DiProva.h"
 
@@ -43,7 +43,7 @@ int main()
     if (!f.open(QIODevice::WriteOnly) || f.write(testo) != testo.size())
         return 1;
     f.close();
-    StatoProgramma stato;
+    StatoEcu stato;
     stato.InfCodice = QStringLiteral("KV2SIM0001");
     std::printf("S19 file: %lld bytes, %lld lines\n", static_cast<long long>(testo.size()),
                 static_cast<long long>(testo.count('\n')));

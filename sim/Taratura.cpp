@@ -170,36 +170,36 @@ quint8 Taratura::stato() const
 {
     switch (m_fase) {
     case Fase::Nessuna:
-        return StatoEcu::Normale;
+        return StatoTaratura::Normale;
     case Fase::Ingresso:
-        return StatoEcu::Ingresso;
+        return StatoTaratura::Ingresso;
     case Fase::GiriSequenza:
     case Fase::GiriSingola:
-        return m_giriVisti ? StatoEcu::GiriVisto : StatoEcu::GiriAttesa;
+        return m_giriVisti ? StatoTaratura::GiriVisto : StatoTaratura::GiriAttesa;
     case Fase::TpsSequenza:
     case Fase::TpsSingola:
         switch (m_passoTps) {
         case PassoTps::Riposo:
-            return m_fase == Fase::TpsSingola && m_tempoMs < 1000 ? StatoEcu::TpsAttesaSingola
-                                                                  : StatoEcu::TpsAttesa;
+            return m_fase == Fase::TpsSingola && m_tempoMs < 1000 ? StatoTaratura::TpsAttesaSingola
+                                                                  : StatoTaratura::TpsAttesa;
         case PassoTps::Minimo:
-            return StatoEcu::TpsMinimo;
+            return StatoTaratura::TpsMinimo;
         case PassoTps::Premi:
-            return StatoEcu::TpsPremi;
+            return StatoTaratura::TpsPremi;
         case PassoTps::Massimo:
-            return StatoEcu::TpsMassimo;
+            return StatoTaratura::TpsMassimo;
         case PassoTps::Appreso:
-            return m_fase == Fase::TpsSingola ? StatoEcu::TpsFineSingola : StatoEcu::TpsMemorizzato;
+            return m_fase == Fase::TpsSingola ? StatoTaratura::TpsFineSingola : StatoTaratura::TpsMemorizzato;
         }
         break;
     case Fase::LambdaSequenza:
-        return StatoEcu::LambdaIstruzione;
+        return StatoTaratura::LambdaIstruzione;
     case Fase::LambdaSingola:
-        return m_tempoMs < LambdaSweepMs ? StatoEcu::LambdaIstruzione : StatoEcu::LambdaFineSingola;
+        return m_tempoMs < LambdaSweepMs ? StatoTaratura::LambdaIstruzione : StatoTaratura::LambdaFineSingola;
     case Fase::FineSequenza:
-        return StatoEcu::LambdaFine;
+        return StatoTaratura::LambdaFine;
     }
-    return StatoEcu::Normale;
+    return StatoTaratura::Normale;
 }
 
 ModoMotore Taratura::modoMotore() const

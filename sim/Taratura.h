@@ -10,7 +10,7 @@
 namespace kv::sim {
 
 // Status byte of the 'd' stream (channel FLAGPA).
-namespace StatoEcu {
+namespace StatoTaratura {
 enum : quint8 {
     Normale = 0,
     LambdaFineSingola = 29,
@@ -27,7 +27,7 @@ enum : quint8 {
     GiriAttesa = 239,
     Ingresso = 255,
 };
-} // namespace StatoEcu
+} // namespace StatoTaratura
 
 // The firmware's calibration programs, switched by the 'A' command and reported only
 // through the status byte. The tester's pages follow the byte, so the order matters:

@@ -1,6 +1,7 @@
 #include "calibration/LogicaTaratura.h"
 
 #include "calibration/SequenzaTaratura.h"
+#include "link/TabellaStati.h"
 #include "shell/Programma.h"
 
 namespace kv {
@@ -82,6 +83,11 @@ QString LogicaTaratura::sezione() const
     return QString::fromLatin1(datiPagina(m_id).sezione);
 }
 
+char LogicaTaratura::rispostaAttesa(int stato) const
+{
+    return primoStato() > 0 && TabellaStati::gruppo(stato) == TabellaStati::gruppo(primoStato()) ? 'e' : 0;
+}
+
 int LogicaTaratura::primoStato() const
 {
     return datiPagina(m_id).primoStato;
@@ -95,11 +101,6 @@ int LogicaTaratura::codiceApertura() const
 int LogicaTaratura::statoUscita() const
 {
     return datiPagina(m_id).statoUscita;
-}
-
-StatoProgramma &LogicaTaratura::stato() const
-{
-    return m_sequenza.stato();
 }
 
 MotoreDialogo &LogicaTaratura::motore() const
@@ -119,13 +120,12 @@ QString LogicaTaratura::segnalazione(const char *chiave) const
 
 void LogicaTaratura::carica()
 {
-    StatoProgramma &s = stato();
-    m_vista.mostraTitolo(s.TaraturaCompleta ? SequenzaTaratura::ComponiPasso(
-                             testo(QStringLiteral("CAPTION.1")), int(s.TaraturaInCorso))
-                                            : testo(QStringLiteral("CAPTION.0")));
+    m_vista.mostraTitolo(m_sequenza.TaraturaCompleta() ? SequenzaTaratura::ComponiPasso(
+                             testo(QStringLiteral("CAPTION.1")), int(m_sequenza.TaraturaInCorso()))
+                                                       : testo(QStringLiteral("CAPTION.0")));
     caricaTesti();
     if (singola())
-        s.TaraturaInCorso = fase();
+        m_sequenza.entraInFase(fase());
     if (codiceApertura() >= 0)
         inviaComando(codiceApertura(), primoStato(), IntervalloComando);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "link/MotoreDialogo.h"
-#include "link/StatoProgramma.h"
+#include "shell/FaseTaratura.h"
 #include "shell/IdPagina.h"
 
 #include <QObject>
@@ -64,6 +64,9 @@ public:
 
     void risposta(char lettera, int stato, const QByteArray &payload) override;
     void scadenza(int stato) override;
+    // Every command of a calibration page is acknowledged by 'e'; a page that reads back
+    // says so.
+    char rispostaAttesa(int stato) const override;
 
     // The opening command's state, 'A' code and the state of the 'A' 1 that leaves; -1 for
     // a page that has none.
@@ -85,7 +88,6 @@ protected:
     // 'A' codice under stato: page disabled until the reply. False when the port is closed.
     bool inviaComando(int codice, int stato, int intervallo);
 
-    StatoProgramma &stato() const;
     MotoreDialogo &motore() const;
     SequenzaTaratura &m_sequenza;
     VistaTaratura &m_vista;

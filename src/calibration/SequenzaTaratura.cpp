@@ -16,24 +16,52 @@ SequenzaTaratura::SequenzaTaratura(Programma &programma, TelaioTaratura &telaio,
     , m_programma(programma)
     , m_telaio(telaio)
 {
-    m_programma.motore.registra(StatoIngresso, this);
-    m_programma.datiLive.impostaGestoreTaratura(this);
+    m_programma.linea.motore().registra(StatoIngresso, this);
+    m_programma.linea.datiLive().impostaGestoreTaratura(this);
 }
 
 SequenzaTaratura::~SequenzaTaratura()
 {
-    m_programma.motore.rimuovi(this);
-    m_programma.datiLive.impostaGestoreTaratura(nullptr);
-}
-
-StatoProgramma &SequenzaTaratura::stato()
-{
-    return m_programma.stato;
+    m_programma.linea.motore().rimuovi(this);
+    m_programma.linea.datiLive().impostaGestoreTaratura(nullptr);
 }
 
 MotoreDialogo &SequenzaTaratura::motore()
 {
-    return m_programma.motore;
+    return m_programma.linea.motore();
+}
+
+const RecordDati &SequenzaTaratura::ultimoRecord() const
+{
+    return m_programma.linea.datiLive().ultimoRecord();
+}
+
+void SequenzaTaratura::avviaSequenza()
+{
+    m_fase = FaseTaratura::Avviso;
+    m_passo = 0;
+    AvviaTaratura(FaseTaratura::Avviso);
+}
+
+bool SequenzaTaratura::avanzaPasso(qint16 da, qint16 a)
+{
+    if (m_passo != da)
+        return false;
+    m_passo = a;
+    return true;
+}
+
+void SequenzaTaratura::passaAFase(FaseTaratura passo)
+{
+    m_fase = passo;
+    m_passo = 0;
+}
+
+void SequenzaTaratura::terminata()
+{
+    m_completa = false;
+    m_fase = FaseTaratura::Nessuna;
+    m_passo = -1;
 }
 
 QString SequenzaTaratura::ComponiPasso(const QString &testo, int passo)
@@ -50,9 +78,8 @@ QString SequenzaTaratura::ComponiPasso(const QString &testo, int passo)
 
 void SequenzaTaratura::AzzeraDatiLive()
 {
-    StatoProgramma &s = stato();
-    s.DatiAttuali[0].Progressivo = -1;
-    s.DatiAttuali[1].Valore.fill(-1.0);
+    m_campione = -1;
+    m_precedente.Valore.fill(-1.0);
 }
 
 int SequenzaTaratura::domanda(const QString &testo, int flags)
@@ -116,14 +143,13 @@ void SequenzaTaratura::apri(IdPagina id)
 
 void SequenzaTaratura::AvviaTaratura(FaseTaratura passo)
 {
-    StatoProgramma &s = stato();
     switch (passo) {
     case FaseTaratura::Avviso:
-        s.AttesaIniTaratura = true;
+        m_attesaIni = true;
         apri(IdPagina::IniTaratura);
         break;
     case FaseTaratura::AttesaEcu:
-        if (s.PassoTaratura == 0)
+        if (m_passo == 0)
             inviaIngresso();
         break;
     case FaseTaratura::Giri:
@@ -145,20 +171,16 @@ void SequenzaTaratura::AvviaTaratura(FaseTaratura passo)
 
 void SequenzaTaratura::TastoOK()
 {
-    StatoProgramma &s = stato();
-    s.TaraturaInCorso = FaseTaratura::AttesaEcu;
-    s.PassoTaratura = 0;
-    s.UscitaTaratura = false;
+    m_fase = FaseTaratura::AttesaEcu;
+    m_passo = 0;
+    m_uscita = false;
     AvviaTaratura(FaseTaratura::AttesaEcu);
 }
 
 void SequenzaTaratura::TastoAnnulla()
 {
-    StatoProgramma &s = stato();
-    s.AttesaIniTaratura = false;
-    s.TaraturaCompleta = false;
-    s.TaraturaInCorso = FaseTaratura::Nessuna;
-    s.PassoTaratura = -1;
+    m_attesaIni = false;
+    terminata();
     m_telaio.abilitaMenu(true);
 }
 
@@ -174,7 +196,7 @@ void SequenzaTaratura::inviaIngresso()
 
 void SequenzaTaratura::inviaUscita()
 {
-    stato().UscitaTaratura = true;
+    m_uscita = true;
     inviaIngresso();
 }
 
@@ -185,16 +207,11 @@ void SequenzaTaratura::ingresso()
     m.svuotaCoda();
     (void)m.prosegui();
     m_telaio.abilitaFrame(true);
-    StatoProgramma &s = stato();
-    if (s.UscitaTaratura) {
-        s.UscitaTaratura = false;
+    if (std::exchange(m_uscita, false))
         return;
-    }
-    // From here TaraturaCompleta keeps the warnings of a leaving ECU away.
-    s.AttesaIniTaratura = false;
-    s.TaraturaCompleta = true;
-    s.TaraturaInCorso = FaseTaratura::Giri;
-    s.PassoTaratura = 0;
+    // AttesaIniTaratura stays set from the warning page on, for the rest of the run: single
+    // calibrations after a sequence are not warned that the ECU left calibration.
+    entraInSequenza(FaseTaratura::Giri);
     AvviaTaratura(FaseTaratura::Giri);
 }
 
@@ -206,9 +223,7 @@ void SequenzaTaratura::passoSuccessivo(LogicaTaratura &pagina, FaseTaratura pass
     QTimer::singleShot(AttesaPassoMs, &pagina, [this, &pagina, passo] {
         if (!pagina.collegata())
             return;
-        StatoProgramma &s = stato();
-        s.TaraturaInCorso = passo;
-        s.PassoTaratura = 0;
+        passaAFase(passo);
         chiudiPagina(pagina.id(), true);
     });
 }
@@ -218,25 +233,22 @@ void SequenzaTaratura::risposta(char lettera, int statoDialogo, const QByteArray
     if (statoDialogo != StatoMemorizzazione || lettera != 'e')
         return;
     if (payload.size() < 2 || static_cast<quint8>(payload.at(1)) != 0xFF) {
-        m_programma.impostaSegnalazione1(TestoErroreEcu(m_programma.lingua, payload));
+        emit segnalazione1(TestoErroreEcu(m_programma.lingua, payload));
         m_telaio.abilitaFrame(true);
         return;
     }
     if (motore().prosegui() != MotoreDialogo::Seguito::Concluso)
         return;
     m_telaio.abilitaFrame(true);
-    StatoProgramma &s = stato();
-    s.TaraturaCompleta = true;
-    s.TaraturaInCorso = FaseTaratura::Giri;
-    s.PassoTaratura = 0;
+    entraInSequenza(FaseTaratura::Giri);
     AvviaTaratura(FaseTaratura::Giri);
 }
 
 void SequenzaTaratura::scadenza(int statoDialogo)
 {
     Q_UNUSED(statoDialogo);
-    // TaraturaInCorso stays at 1: the fitter starts again from the menu.
-    stato().AttesaIniTaratura = false;
+    // TaraturaInCorso stays at 1, and AttesaIniTaratura set: the fitter starts again from
+    // the menu.
     m_telaio.abilitaMenu(true);
     m_telaio.abilitaFrame(true);
 }
@@ -244,13 +256,12 @@ void SequenzaTaratura::scadenza(int statoDialogo)
 void SequenzaTaratura::marciaNormale(const RecordDati &attuale)
 {
     Q_UNUSED(attuale);
-    const StatoProgramma &s = stato();
-    if (s.TaraturaCompleta || s.AttesaIniTaratura || motore().StatoDialogo() != -1 || m_inDomanda
+    if (m_completa || m_attesaIni || motore().StatoDialogo() != -1 || m_inDomanda
         || m_telaio.paginaTaratura() == IdPagina::Nessuna)
         return;
     const Lingua &l = m_programma.lingua;
     QString testo;
-    switch (s.TaraturaInCorso) {
+    switch (m_fase) {
     case FaseTaratura::Giri:
     case FaseTaratura::Tps:
     case FaseTaratura::Lambda:
@@ -270,30 +281,29 @@ void SequenzaTaratura::marciaNormale(const RecordDati &attuale)
 
 void SequenzaTaratura::statoTaratura(int statoEcu, bool sequenza, const RecordDati &attuale)
 {
-    StatoProgramma &s = stato();
     if (!sequenza && statoEcu == StatoEntrata && motore().StatoDialogo() == StatoIngresso) {
         ingresso();
         return;
     }
-    switch (s.TaraturaInCorso) {
+    switch (m_fase) {
     case FaseTaratura::Giri:
     case FaseTaratura::Tps:
     case FaseTaratura::Lambda:
-        if (m_pagina && m_pagina->collegata() && m_pagina->fase() == s.TaraturaInCorso
-            && m_pagina->singola() != sequenza && !m_pagina->inUscita())
+        if (m_pagina && m_pagina->collegata() && m_pagina->fase() == m_fase && m_pagina->singola() != sequenza
+            && !m_pagina->inUscita())
             m_pagina->frame(statoEcu, attuale);
         break;
     default:
         // The ECU may start the RPM calibration by itself; a page in the middle of an
         // exchange is left to finish it first.
         if (!sequenza && statoEcu == StatoGiriPronto && motore().StatoDialogo() == -1) {
-            s.TaraturaInCorso = FaseTaratura::Giri;
+            m_fase = FaseTaratura::Giri;
             apri(IdPagina::T_Giri_Single);
         }
         break;
     }
     if (sequenza)
-        s.DatiAttuali[1] = s.DatiAttuali[0];
+        m_precedente = attuale;
 }
 
 } // namespace kv

@@ -3,7 +3,8 @@
 #include "link/DatiLive.h"
 #include "link/ErroreEcu.h"
 #include "link/MotoreDialogo.h"
-#include "link/StatoProgramma.h"
+#include "monitoring/Canali.h"
+#include "shell/FaseTaratura.h"
 #include "shell/IdPagina.h"
 
 #include <QObject>
@@ -44,8 +45,48 @@ public:
     ~SequenzaTaratura() override;
 
     Programma &programma() { return m_programma; }
-    StatoProgramma &stato();
     MotoreDialogo &motore();
+
+    // Where the calibration stands. The session is their only writer: pages ask it to move.
+    [[nodiscard]] FaseTaratura TaraturaInCorso() const { return m_fase; }
+    // The counter within the step, -1 for none.
+    [[nodiscard]] qint16 PassoTaratura() const { return m_passo; }
+    // The guided sequence runs, not a single page.
+    [[nodiscard]] bool TaraturaCompleta() const { return m_completa; }
+    // The warning page is up: the ECU's normal running is expected.
+    [[nodiscard]] bool AttesaIniTaratura() const { return m_attesaIni; }
+
+    // The menu's entry: the warning page, step 0.
+    void avviaSequenza();
+    // A single page takes its own step.
+    void entraInFase(FaseTaratura fase) { m_fase = fase; }
+    // The counter moves from da to a; false, and nothing changes, when it is not at da.
+    bool avanzaPasso(qint16 da, qint16 a);
+    // The step is over in the sequence: the next one is passo, from its start.
+    void passaAFase(FaseTaratura passo);
+    // The ECU is in calibration: the guided sequence runs, from step passo.
+    void entraInSequenza(FaseTaratura passo)
+    {
+        m_completa = true;
+        passaAFase(passo);
+    }
+    // The fitter leaves the sequence: from here its pages behave as single ones.
+    void abbandonaSequenza() { m_completa = false; }
+    // The last step stores: the sequence counts as done, so the ECU's leaving warns of nothing.
+    void sequenzaConclusa() { m_completa = true; }
+    // The warning page is up.
+    void paginaAvvisoAperta() { m_attesaIni = true; }
+    // The calibration pages have gone: nothing runs any more.
+    void terminata();
+    // Continues with the step TaraturaInCorso holds now (a page closed with prosegui).
+    void prosegui() { AvviaTaratura(m_fase); }
+
+    // The newest live record, and the one that came before the present one in the sequence
+    // (-1 everywhere after AzzeraDatiLive).
+    const RecordDati &ultimoRecord() const;
+    const RecordDati &recordPrecedente() const { return m_precedente; }
+    // The sample counter of a strip page: -1 after AzzeraDatiLive, then one more a frame.
+    qint32 avanzaCampione() { return ++m_campione; }
 
     // Step 0 the warning page, 1 the 'A' 2 that asks the ECU in (only with PassoTaratura 0),
     // 2 to 5 the page of that step.
@@ -90,10 +131,20 @@ public:
     // GestoreStati: states 121 and 122.
     void risposta(char lettera, int stato, const QByteArray &payload) override;
     void scadenza(int stato) override;
+    // The entry waits for the status byte of the stream, not a reply.
+    char rispostaAttesa(int stato) const override
+    {
+        return stato == StatoIngresso ? 'd' : stato == StatoMemorizzazione ? 'e' : 0;
+    }
 
     // GestoreTaratura
+    bool sequenzaInCorso() const override { return m_completa; }
     void marciaNormale(const RecordDati &attuale) override;
     void statoTaratura(int stato, bool sequenza, const RecordDati &attuale) override;
+
+signals:
+    // For the frame's message line: the ECU refused the store.
+    void segnalazione1(const QString &testo);
 
 private:
     void inviaIngresso();
@@ -104,6 +155,14 @@ private:
     TelaioTaratura &m_telaio;
     LogicaTaratura *m_pagina = nullptr;
     bool m_inDomanda = false;
+
+    FaseTaratura m_fase = FaseTaratura::Nessuna;
+    qint16 m_passo = -1;
+    bool m_completa = false;
+    bool m_attesaIni = false;
+    bool m_uscita = false; // the 'A' 2 under way ends a calibration instead of starting one
+    RecordDati m_precedente;
+    qint32 m_campione = -1;
 };
 
 } // namespace kv

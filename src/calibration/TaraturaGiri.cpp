@@ -43,6 +43,7 @@ QList<QByteArray> TaraturaGiri::ScrittureConferma(double costanteGiri)
 void TaraturaGiri::caricaTesti()
 {
     m_giriTeoInserito = false;
+    m_giriTeoDigitato = false;
     m_vistaGiri.mostraBoxGiri(false);
     m_vistaGiri.abilitaConferma(singola());
     m_vistaGiri.abilitaAvanti(false);
@@ -75,17 +76,14 @@ void TaraturaGiri::frame(int statoEcu, const RecordDati &attuale)
         return;
     }
     mostraGiri(attuale);
-    StatoProgramma &s = stato();
-    if (s.PassoTaratura == 0 && statoEcu == StatoAttesaMotore) {
+    if (statoEcu == StatoAttesaMotore && m_sequenza.avanzaPasso(0, 1)) {
         m_vista.mostraIstruzione(testo(QStringLiteral("SEGNALAZIONE.0")));
         m_vistaGiri.mostraBoxGiri(false);
-        s.PassoTaratura = 1;
     }
-    if (s.PassoTaratura == 1 && statoEcu == StatoMotoreVisto) {
+    if (statoEcu == StatoMotoreVisto && m_sequenza.avanzaPasso(1, 2)) {
         m_vistaGiri.abilitaConferma(true);
         m_vista.mostraIstruzione(testo(QStringLiteral("SEGNALAZIONE.1")));
         m_vistaGiri.mostraBoxGiri(true);
-        s.PassoTaratura = 2;
     }
 }
 
@@ -103,6 +101,11 @@ std::optional<QString> TaraturaGiri::uscitaGiriTeo(const QString &testo)
 
 void TaraturaGiri::Conferma(const QString &giriTeo)
 {
+    if (!m_giriTeoDigitato) {
+        m_vista.mostraSegnalazione1(testo(QStringLiteral("SEGNALAZIONE.2")));
+        m_vistaGiri.giriTeoNonValido();
+        return;
+    }
     if (!TestoNumerico(giriTeo)) {
         m_vistaGiri.giriTeoNonValido();
         return;
@@ -134,7 +137,7 @@ void TaraturaGiri::Conferma(const QString &giriTeo)
 
 void TaraturaGiri::AvantiTar()
 {
-    if (singola() || stato().DatiAttuali[0].Valore[Canale::FlagPa] != StatoMotoreVisto)
+    if (singola() || m_sequenza.ultimoRecord().Valore[Canale::FlagPa] != StatoMotoreVisto)
         return;
     if (!inviaComando(1, statoUscita(), MotoreDialogo::IntervalloLettura))
         m_sequenza.ChiudiPagineTaratura();
@@ -150,7 +153,7 @@ void TaraturaGiri::EsciTar()
             != SequenzaTaratura::RispostaSi
         || !collegata())
         return;
-    stato().TaraturaCompleta = false;
+    m_sequenza.abbandonaSequenza();
     if (!inviaComando(1, statoUscita(), MotoreDialogo::IntervalloLettura))
         m_sequenza.ChiudiPagineTaratura();
 }
@@ -194,8 +197,11 @@ bool TaraturaGiri::rispostaPropria(char lettera, int statoDialogo, const QByteAr
 
 void TaraturaGiri::fineLettura()
 {
-    // The instruction the ECU may have given meanwhile stays in view.
-    if (stato().PassoTaratura <= 0 || singola())
+    // The instruction the ECU may have given meanwhile stays in view. Alone, the page asks
+    // for the engine until the ECU sees it turn: it has no wait of its own for that.
+    if (singola())
+        m_vista.mostraIstruzione(testo(QStringLiteral("SEGNALAZIONE.0")));
+    else if (m_sequenza.PassoTaratura() <= 0)
         m_vista.mostraIstruzione({});
     m_vista.abilitaPagina(true);
     m_sequenza.AzzeraDatiLive();
@@ -207,10 +213,8 @@ void TaraturaGiri::fineComando(int statoDialogo)
     if (statoDialogo != statoUscita())
         return;
     if (!singola()) {
-        StatoProgramma &s = stato();
-        if (s.TaraturaCompleta) {
-            s.TaraturaInCorso = FaseTaratura::Tps;
-            s.PassoTaratura = 0;
+        if (m_sequenza.TaraturaCompleta()) {
+            m_sequenza.passaAFase(FaseTaratura::Tps);
             m_sequenza.chiudiPagina(id(), true);
         } else {
             // The fitter chose to leave: the pages go, and the ECU back to its entry point.

@@ -45,9 +45,15 @@ public:
     void frame(int stato, const RecordDati &attuale) override;
 
     // The first key typed into GiriTeo: from now on it keeps what the fitter types.
-    void tastoGiriTeo() { m_giriTeoInserito = true; }
+    void tastoGiriTeo()
+    {
+        m_giriTeoInserito = true;
+        m_giriTeoDigitato = true;
+    }
     // GiriTeo left holding testo: the text to show instead when it is a number.
     std::optional<QString> uscitaGiriTeo(const QString &testo);
+    // Refused, with a word, until the fitter has typed a speed of his own: what the field
+    // shows until then is the ECU's reading, against which nothing can be corrected.
     void Conferma(const QString &giriTeo);
     // Also Page Up, with the sequence running.
     void AvantiTar();
@@ -62,6 +68,11 @@ public:
 protected:
     void caricaTesti() override;
     bool rispostaPropria(char lettera, int stato, const QByteArray &payload) override;
+    char rispostaAttesa(int stato) const override
+    {
+        return stato == StatoLettura || stato == StatoLetturaSingola ? 'r'
+                                                                     : LogicaTaratura::rispostaAttesa(stato);
+    }
     void fineComando(int stato) override;
 
 private:
@@ -72,6 +83,7 @@ private:
     VistaGiri &m_vistaGiri;
     QString m_giriReali;
     bool m_giriTeoInserito = false;
+    bool m_giriTeoDigitato = false;
 };
 
 } // namespace kv

@@ -38,12 +38,14 @@ DescrizionePagina costruisci()
     d.box = {
         {QStringLiteral("BOXEMU"), {{0, PercentualeEmulazione, {}}}},
         {QStringLiteral("BOXTPS"),
-         {{3, TipoTps, QStringLiteral("TIPOTPS"), true},
-          {4, TpsAutoadattante, QStringLiteral("TPSAUTO"), true}}},
+         {{3, TipoTps, QStringLiteral("TIPOTPS"), true, true},
+          {4, TpsAutoadattante, QStringLiteral("TPSAUTO"), true, true}}},
         {QStringLiteral("BOXTIME"), {{1, TempoDisabilitazioneControllo, {}}, {2, TempoAnomaliaLambda, {}}}}};
     d.derivatiLettura = {{PercentualeEmulazione, ValoreEmulazione, 1, FondoScala, BaseEmulazione, ScalaBase}};
     d.derivati = {{ValoreEmulazione, PercentualeEmulazione, 1, -FondoScala, BaseEmulazione, -ScalaBase}};
     d.segnoModulo = {ValoreEmulazione};
+    // A save the ECU does not answer leaves the page in use, to try again or to leave.
+    d.scadenza = Scadenza::LetturaEmergenza;
     return d;
 }
 
@@ -58,7 +60,7 @@ const DescrizionePagina &DescrizioneParametri()
 TaraturaParametri::TaraturaParametri(SequenzaTaratura &sequenza, DialogoPagina &dialogo)
     : m_sequenza(sequenza)
     , m_dialogo(dialogo)
-    , m_inSequenza(sequenza.stato().TaraturaCompleta)
+    , m_inSequenza(sequenza.TaraturaCompleta())
 {}
 
 QString TaraturaParametri::titolo() const
@@ -68,16 +70,18 @@ QString TaraturaParametri::titolo() const
     if (!m_inSequenza)
         return l.LeggiTesto(sezione, QStringLiteral("CAPTION.0"));
     return SequenzaTaratura::ComponiPasso(l.LeggiTesto(sezione, QStringLiteral("CAPTION.1")),
-                                          int(m_sequenza.stato().TaraturaInCorso));
+                                          int(m_sequenza.TaraturaInCorso()));
 }
 
-void TaraturaParametri::EsciTar(bool validi)
+void TaraturaParametri::EsciTar(bool validi, const QString &motivo)
 {
     const Lingua &l = m_sequenza.programma().lingua;
     m_salvataggio = Salvataggio::Nessuno;
     if (!validi) {
-        if (m_sequenza.domanda(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_57"), SequenzaTaratura::FlagDomanda)
-            == DialogoPagina::RispostaNo)
+        QString domanda = l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_57");
+        if (!motivo.isEmpty())
+            domanda = motivo + QLatin1Char(' ') + domanda;
+        if (m_sequenza.domanda(domanda, SequenzaTaratura::FlagDomanda) == DialogoPagina::RispostaNo)
             m_sequenza.ChiudiPagineTaratura();
         return;
     }
@@ -88,7 +92,7 @@ void TaraturaParametri::EsciTar(bool validi)
     // Nothing on its way (the port is closed): nothing to wait for.
     if (m_salvataggio == Salvataggio::InCorso && m_sequenza.motore().StatoDialogo() != salvataggio)
         m_salvataggio = Salvataggio::Riuscito;
-    m_sequenza.stato().TaraturaCompleta = true;
+    m_sequenza.sequenzaConclusa();
     // The frames go on behind the box.
     const int risposta = m_sequenza.domanda(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_56"),
                                             SequenzaTaratura::FlagInformazione);

@@ -27,8 +27,8 @@ public:
 
     // validi: ControlloValori's verdict; when it passed, Corrente holds the fields already.
     // Valid values go to RAM and EEPROM and the calibration ends once the fitter has read
-    // the closing word; otherwise the fitter mends them or leaves without them.
-    void EsciTar(bool validi);
+    // the closing word; otherwise the fitter, told motivo, mends them or leaves without them.
+    void EsciTar(bool validi, const QString &motivo = {});
     // A save of the page is over. A calibration ended by EsciTar while the frames were
     // still going out closes now, if they all went.
     void scritturaConclusa(bool riuscita);

@@ -49,8 +49,7 @@ QString TaraturaStriscia::formatta(const RecordDati &attuale, int canale) const
 
 double TaraturaStriscia::avanzaCampione()
 {
-    qint32 &progressivo = stato().DatiAttuali[0].Progressivo;
-    ++progressivo;
+    const qint32 progressivo = m_sequenza.avanzaCampione();
     if (SaltoFisso(progressivo, Salto, m_minimoX, m_massimoX))
         m_vistaStriscia.impostaAsseX(m_minimoX, m_massimoX);
     return progressivo;
@@ -71,7 +70,7 @@ void TaraturaStriscia::cursore(int indice, double x, double y)
 void TaraturaStriscia::frame(int statoEcu, const RecordDati &attuale)
 {
     VistaStriscia &v = m_vistaStriscia;
-    const bool cambiato = statoEcu != stato().DatiAttuali[1].Valore[Canale::FlagPa];
+    const bool cambiato = statoEcu != m_sequenza.recordPrecedente().Valore[Canale::FlagPa];
     if (fase() == FaseTaratura::Tps) {
         v.mostraDato(0, formatta(attuale, Canale::Giri));
         v.mostraDato(1, formatta(attuale, Canale::Tps));
@@ -132,7 +131,14 @@ void TaraturaStriscia::statoTps(int statoEcu, bool cambiato, double x, const Rec
         break;
     case TpsFine:
     case TpsMemorizzato:
+        // Both ends learnt: the pedal goes back to rest while the next step comes.
+        m_vista.mostraIstruzione(testo(QStringLiteral("MSG_TPS.2")));
         m_sequenza.passoSuccessivo(*this, FaseTaratura::Lambda);
+        break;
+    case TpsPrimoSingola:
+        // Alone, the ECU waits here once both ends are learnt, until the fitter leaves.
+        if (singola() && cursoreVisibile(1))
+            m_vista.mostraIstruzione(testo(QStringLiteral("MSG_TPS.2")));
         break;
     default:
         break;

@@ -2,9 +2,8 @@
 
 #include "link/Identificazione.h"
 #include "link/MotoreDialogo.h"
-#include "link/StatoProgramma.h"
+#include "link/StatoEcu.h"
 #include "link/Temporizzatore.h"
-#include "monitoring/AnelloRegistrazione.h"
 #include "variables/Conversioni.h"
 
 #include <QDebug>
@@ -15,14 +14,13 @@
 
 namespace kv {
 
-DatiLive::DatiLive(StatoProgramma &stato, MotoreDialogo &motore, Identificazione &identificazione,
-                   Temporizzatore &timeOutDati, AnelloRegistrazione *anello, QObject *parent)
+DatiLive::DatiLive(StatoEcu &ecu, MotoreDialogo &motore, Identificazione &identificazione,
+                   Temporizzatore &timeOutDati, QObject *parent)
     : QObject(parent)
-    , m_stato(stato)
+    , m_ecu(ecu)
     , m_motore(motore)
     , m_identificazione(identificazione)
     , m_timeOutDati(timeOutDati)
-    , m_anello(anello)
 {
     m_timeOutDati.setInterval(IntervalloWatchdog);
     connect(&m_timeOutDati, &Temporizzatore::scaduto, this, &DatiLive::watchdog);
@@ -61,8 +59,7 @@ void DatiLive::protetto(F &&f)
     // A fault in a page's or the calibration's part loses this sample, not the stream.
     try {
         f();
-    } catch (...) {
-        m_stato.DatoNuovo = false;
+    } catch (...) { // NOLINT(bugprone-empty-catch)
     }
 }
 
@@ -83,43 +80,34 @@ void DatiLive::RispostaDati(const QByteArray &payload)
     if (std::exchange(m_fermoNelDialogo, false) && m_motore.StatoDialogo() == -1) {
         // The stream comes back only after the dialogue that silenced it: the ECU has been
         // restarted under us (new software), so it is identified anew.
-        m_stato.EcuInMarcia = true;
-        m_stato.EcuNormale = true;
-        m_stato.EcuDaIdentificare = true;
+        m_ecu.ecuPersa();
     }
-    if (m_stato.EcuDaIdentificare) {
+    if (m_ecu.EcuDaIdentificare) {
         m_identificazione.avvia();
         return;
     }
     m_timeOutDati.setEnabled(false);
 
-    RecordDati &attuale = m_stato.DatiAttuali[0];
-    decodifica(payload, attuale);
-
-    if (m_stato.RegistrazioneAttiva && m_anello) {
-        const bool alLimite = m_anello->MemorizzaCampione(attuale);
-        perOgniAscoltatore([&](AscoltatoreDati *a) { a->campioneRegistrato(alLimite); });
-    }
-    m_stato.DatoNuovo = true;
+    decodifica(payload, m_ultimo);
+    const RecordDati attuale = m_ultimo;
+    protetto([&] { emit nuovoRecord(attuale); });
 
     if (attuale.Valore[Canale::FlagPa] == 0) {
-        if (m_taratura && !m_stato.TaraturaCompleta)
+        if (m_taratura && !m_taratura->sequenzaInCorso())
             protetto([&] { m_taratura->marciaNormale(attuale); });
-        if (!m_stato.EcuInMarcia) {
-            m_stato.EcuInMarcia = true;
+        if (!m_ecu.EcuInMarcia) {
+            m_ecu.EcuInMarcia = true;
             emit inMarciaCambiata(true);
         }
         perOgniAscoltatore([&](AscoltatoreDati *a) { a->frameNormale(attuale); });
     } else {
-        if (m_stato.EcuInMarcia) {
-            m_stato.EcuInMarcia = false;
-            if (m_stato.FunzioneScelta == Funzione::MessaPunto)
-                m_stato.FunzioneScelta = Funzione::Nessuna;
+        if (m_ecu.EcuInMarcia) {
+            m_ecu.EcuInMarcia = false;
             emit inMarciaCambiata(false);
         }
         if (m_taratura) {
             const int stato = static_cast<int>(attuale.Valore[Canale::FlagPa]);
-            const bool sequenza = m_stato.TaraturaCompleta;
+            const bool sequenza = m_taratura->sequenzaInCorso();
             protetto([&] { m_taratura->statoTaratura(stato, sequenza, attuale); });
         }
         perOgniAscoltatore([&](AscoltatoreDati *a) { a->frameStato(attuale); });
@@ -154,9 +142,7 @@ void DatiLive::perdita()
 {
     m_fermoNelDialogo = false;
     m_timeOutDati.setEnabled(false);
-    m_stato.EcuInMarcia = true;
-    m_stato.EcuNormale = true;
-    m_stato.EcuDaIdentificare = true;
+    m_ecu.ecuPersa();
     emit ecuPersa();
 }
 

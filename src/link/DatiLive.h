@@ -1,43 +1,43 @@
 #pragma once
 
+#include "monitoring/Canali.h"
+
 #include <QObject>
 
 #include <vector>
 
 namespace kv {
 
-class AnelloRegistrazione;
 class Identificazione;
 class MotoreDialogo;
 class Temporizzatore;
-struct RecordDati;
-struct StatoProgramma;
+struct StatoEcu;
 
-// What a page, the recorder or the calibration takes from each live frame. Called after
-// the frame has been decoded into DatiAttuali(0) and the running flags are up to date.
+// What a page takes from each live frame, called after the frame has been decoded and the
+// running flags are up to date.
 class AscoltatoreDati
 {
 public:
     virtual ~AscoltatoreDati() = default;
     virtual void frameNormale(const RecordDati &) {}
     virtual void frameStato(const RecordDati &) {}
-    // The ring record just written; alLimite when its index is at the upper bound.
-    virtual void campioneRegistrato(bool alLimite) { Q_UNUSED(alLimite); }
 };
 
 // The calibration's share of the live stream: the status byte, not a reply, drives its pages,
 // and the ECU may open the RPM page by itself (status 234) or end a single calibration by
 // going back to normal running. The calibration unit plugs this in; the stream calls it at
-// its place in each frame, after the frame has been decoded into DatiAttuali(0).
+// its place in each frame, after the frame has been decoded.
 class GestoreTaratura
 {
 public:
     virtual ~GestoreTaratura() = default;
-    // Status 0 while no sequence runs (TaraturaCompleta clear), before EcuInMarcia follows
-    // the frame: a single calibration page that is open ends here, with its message.
+    // The guided sequence runs (TaraturaCompleta), not a single page.
+    [[nodiscard]] virtual bool sequenzaInCorso() const = 0;
+    // Status 0 while no sequence runs, before EcuInMarcia follows the frame: a single
+    // calibration page that is open ends here, with its message.
     virtual void marciaNormale(const RecordDati &attuale) = 0;
     // Any other status, after EcuInMarcia has followed it: the branch of the sequence when
-    // sequenza (TaraturaCompleta set), otherwise that of the single calibration.
+    // sequenza, otherwise that of the single calibration.
     virtual void statoTaratura(int stato, bool sequenza, const RecordDati &attuale) = 0;
 };
 
@@ -48,8 +48,8 @@ class DatiLive : public QObject
 public:
     static constexpr int IntervalloWatchdog = 2000;
 
-    DatiLive(StatoProgramma &stato, MotoreDialogo &motore, Identificazione &identificazione,
-             Temporizzatore &timeOutDati, AnelloRegistrazione *anello = nullptr, QObject *parent = nullptr);
+    DatiLive(StatoEcu &ecu, MotoreDialogo &motore, Identificazione &identificazione,
+             Temporizzatore &timeOutDati, QObject *parent = nullptr);
 
     void RispostaDati(const QByteArray &payload);
     void RispostaVita();
@@ -66,7 +66,12 @@ public:
     // The payload of a 'd' frame into a sample record (channels 1 to 11).
     static void decodifica(const QByteArray &payload, RecordDati &record);
 
+    // The newest live record (channels 1 to 11; the sample number is the recorder's business).
+    [[nodiscard]] const RecordDati &ultimoRecord() const { return m_ultimo; }
+
 signals:
+    // Each live frame of a known ECU, decoded, before the pages and the calibration hear it.
+    void nuovoRecord(const kv::RecordDati &record);
     // EcuInMarcia has just changed; the menu follows it.
     void inMarciaCambiata(bool inMarcia);
     // Two seconds without a live frame and no dialogue of ours on the line: the ECU is
@@ -81,11 +86,11 @@ private:
     template <typename F>
     void protetto(F &&f);
 
-    StatoProgramma &m_stato;
+    StatoEcu &m_ecu;
     MotoreDialogo &m_motore;
     Identificazione &m_identificazione;
     Temporizzatore &m_timeOutDati;
-    AnelloRegistrazione *m_anello;
+    RecordDati m_ultimo;
     std::vector<AscoltatoreDati *> m_ascoltatori;
     GestoreTaratura *m_taratura = nullptr;
     // The stream stopped while a dialogue of ours held the line (a flash runs in the boot

@@ -1,7 +1,7 @@
 #include "link/Identificazione.h"
 
 #include "link/Frame.h"
-#include "link/StatoProgramma.h"
+#include "link/StatoEcu.h"
 #include "variables/Catalogo.h"
 #include "variables/Conversioni.h"
 
@@ -31,10 +31,9 @@ QString campo(const QByteArray &payload, int da, int larghezza)
 
 } // namespace
 
-Identificazione::Identificazione(StatoProgramma &stato, Catalogo &catalogo, MotoreDialogo &motore,
-                                 QObject *parent)
+Identificazione::Identificazione(StatoEcu &ecu, Catalogo &catalogo, MotoreDialogo &motore, QObject *parent)
     : QObject(parent)
-    , m_stato(stato)
+    , m_ecu(ecu)
     , m_catalogo(catalogo)
     , m_motore(motore)
 {
@@ -50,7 +49,7 @@ void Identificazione::avvia()
 {
     if (m_motore.StatoDialogo() != -1)
         return;
-    m_stato.EcuNormale = true;
+    m_ecu.EcuNormale = true;
     emit aggiornaMenu();
 
     m_motore.svuotaCoda();
@@ -69,7 +68,7 @@ void Identificazione::avvia()
 
 void Identificazione::RispostaVita()
 {
-    m_stato.EcuNormale = false;
+    m_ecu.EcuNormale = false;
 }
 
 void Identificazione::risposta(char lettera, int stato, const QByteArray &payload)
@@ -90,11 +89,11 @@ void Identificazione::scadenza(int)
 
 void Identificazione::RispostaVersione(const QByteArray &payload)
 {
-    m_stato.InfVeicolo = campo(payload, 2, 10);
-    m_stato.InfData = campo(payload, 12, 10);
-    m_stato.InfCodice = campo(payload, 22, 14);
-    m_stato.InfDatoA = campo(payload, 36, 10);
-    m_stato.InfDatoB = campo(payload, 46, 4);
+    m_ecu.InfVeicolo = campo(payload, 2, 10);
+    m_ecu.InfData = campo(payload, 12, 10);
+    m_ecu.InfCodice = campo(payload, 22, 14);
+    m_ecu.InfDatoA = campo(payload, 36, 10);
+    m_ecu.InfDatoB = campo(payload, 46, 4);
 
     if (m_motore.passaA(StatoLetture) == MotoreDialogo::Seguito::Concluso)
         fine(true);
@@ -113,13 +112,13 @@ void Identificazione::rispostaLettura(const QByteArray &payload)
             break;
         case Par::TpsTaratoMinimo:
             p.Min = m_catalogo.daGrezzo(indice, grezzo);
-            m_stato.TpsPresente = TpsPresenteDa(m_catalogo.Parametri[Par::TpsTaratoMassimo].Max, p.Min);
+            m_ecu.TpsPresente = TpsPresenteDa(m_catalogo.Parametri[Par::TpsTaratoMassimo].Max, p.Min);
             break;
         case Par::TipoTps:
-            m_stato.TipoTpsPresente = grezzo != 0;
+            m_ecu.TipoTpsPresente = grezzo != 0;
             break;
         case Par::TpsAutoadattante:
-            m_stato.TpsAutoPresente = grezzo != 0;
+            m_ecu.TpsAutoPresente = grezzo != 0;
             break;
         }
     }
@@ -131,7 +130,7 @@ void Identificazione::fine(bool completata)
 {
     emit frameAbilitato(true);
     if (completata) {
-        m_stato.EcuDaIdentificare = false;
+        m_ecu.EcuDaIdentificare = false;
         emit identificata();
     }
 }

@@ -7,7 +7,7 @@
 namespace kv {
 
 class Catalogo;
-struct StatoProgramma;
+struct StatoEcu;
 
 // The program never asks whether an ECU is there: the first live frame starts this, which
 // asks for the version and reads the four cells that decide what the menus offer.
@@ -18,8 +18,7 @@ public:
     static constexpr int StatoVersione = 111;
     static constexpr int StatoLetture = 112;
 
-    Identificazione(StatoProgramma &stato, Catalogo &catalogo, MotoreDialogo &motore,
-                    QObject *parent = nullptr);
+    Identificazione(StatoEcu &ecu, Catalogo &catalogo, MotoreDialogo &motore, QObject *parent = nullptr);
     ~Identificazione() override;
 
     // On a live frame while the ECU is still unknown.
@@ -29,6 +28,10 @@ public:
 
     void risposta(char lettera, int stato, const QByteArray &payload) override;
     void scadenza(int stato) override;
+    char rispostaAttesa(int stato) const override
+    {
+        return stato == StatoVersione ? 'v' : stato == StatoLetture ? 'r' : 0;
+    }
 
 signals:
     void aggiornaMenu();
@@ -42,7 +45,7 @@ private:
     // After the link is free: the frame enabled again, and the ECU known when completata.
     void fine(bool completata);
 
-    StatoProgramma &m_stato;
+    StatoEcu &m_ecu;
     Catalogo &m_catalogo;
     MotoreDialogo &m_motore;
 };

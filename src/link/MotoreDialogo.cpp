@@ -10,11 +10,6 @@
 
 namespace kv {
 
-char GestoreStati::rispostaAttesa(int stato) const
-{
-    return TabellaStati::rispostaAttesa(stato);
-}
-
 MotoreDialogo::MotoreDialogo(Porta &porta, Temporizzatore &timeOutReq, RegistroFrame *registro,
                              QObject *parent)
     : QObject(parent)

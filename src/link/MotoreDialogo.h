@@ -23,10 +23,9 @@ public:
     virtual void risposta(char lettera, int stato, const QByteArray &payload) = 0;
     // TimeOutReq fired in one of the owner's states; the engine frees the link afterwards.
     virtual void scadenza(int stato) = 0;
-    // The reply letter a state of the owner waits for ('r', 'e', 'v', 'd'), 0 for none. A
-    // tuning page knows its own from its description; the other owners find theirs in
-    // TabellaStati.
-    [[nodiscard]] virtual char rispostaAttesa(int stato) const;
+    // The reply letter a state of the owner waits for ('r', 'e', 'v', 'd'), 0 for none: each
+    // owner declares its own, so the engine routes by the group of ten alone.
+    [[nodiscard]] virtual char rispostaAttesa(int stato) const = 0;
 };
 
 // Strict stop-and-wait: one request on the line, then its reply or a time-out. An owner

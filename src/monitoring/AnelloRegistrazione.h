@@ -100,6 +100,8 @@ public:
     qint16 IndiceRegistrazione = -1; // newest element, -1 when empty
     double ContaRegistrazione = -1;  // number of the newest sample, -1 before the first
     qint16 StatoRegistrazione = Fermo;
+    // A monitor window is open: every live record goes into the ring.
+    bool RegistrazioneAttiva = false;
     QString FileRegistrazione; // full path, empty when none is chosen
 
 private:

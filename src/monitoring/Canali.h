@@ -61,9 +61,6 @@ struct RecordDati
     qint32 Progressivo = -1;
 };
 
-// Element 0: newest decoded sample; element 1: the one last shown.
-using DatiAttuali = std::array<RecordDati, 2>;
-
 // A row of the chart window's data panel. Canale -1 ends the list.
 struct RigaDati
 {

@@ -330,8 +330,9 @@ DescrizionePagina paginaTps()
     DescrizionePagina d = piccola(
         IdPagina::MP_TPS, "MP_TPS", 211,
         box("BOXTPS", {listaBinaria(0, TipoTps, "TIPOTPS"), listaBinaria(1, TpsAutoadattante, "TPSAUTO")}));
-    // The group is the parameter calibration page's, and so are its messages: a time-out
-    // leaves this page as it stands.
+    // Read as zero or not, as the parameter calibration page reads them, yet sent back as
+    // the list's index. The group is that page's, and so are its messages: a time-out leaves
+    // this page as it stands.
     d.gruppoCondiviso = true;
     d.scadenza = Scadenza::Muta;
     return d;

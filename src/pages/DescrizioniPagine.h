@@ -17,8 +17,10 @@ struct RigaPagina
     int parametro; // the entry it edits
     QString lista; // a list: the language section of its items (lista + "." + n); empty for a field
     // A list of two items over a byte the ECU takes as zero or not: 0 shows the first item,
-    // any other value the second, and the second goes back as 255.
+    // any other value the second.
     bool binaria = false;
+    // The second item goes back as 255 rather than as its index.
+    bool secondaA255 = false;
 };
 
 // A frame of rows on the page, captioned by nome + ".CAPTION".
@@ -45,9 +47,10 @@ struct Derivato
 
 // What the page shows when TimeOutReq fires in its group.
 enum class Scadenza {
-    UscitaEmergenza, // a failed read or leave leaves only Esci_Out; a failed save says so
-    SoloMessaggio,   // the page only says that the ECU did not answer
-    Muta             // nothing: the group's messages belong to the other page that shares it
+    UscitaEmergenza,  // a failed read or leave leaves only Esci_Out; a failed save says so
+    SoloMessaggio,    // the page only says that the ECU did not answer
+    LetturaEmergenza, // a failed read leaves only Esci_Out; a failed save only says so
+    Muta              // nothing: the group's messages belong to the other page that shares it
 };
 
 // Everything the program knows about one tuning page but its widgets: the menu's page, the

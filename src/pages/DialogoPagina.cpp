@@ -3,7 +3,7 @@
 
 #include "base/Lingua.h"
 #include "link/Frame.h"
-#include "link/StatoProgramma.h"
+#include "link/SessioneLinea.h"
 #include "pages/PannelloLive.h"
 #include "pages/VistaPagina.h"
 #include "variables/Catalogo.h"
@@ -31,13 +31,13 @@ bool TestoNumerico(const QString &testo)
     return numero.match(testo).hasMatch();
 }
 
-DialogoPagina::DialogoPagina(DescrizionePagina descrizione, Catalogo &catalogo, MotoreDialogo &motore,
-                             StatoProgramma &stato, const Lingua &lingua, VistaPagina &vista)
+DialogoPagina::DialogoPagina(DescrizionePagina descrizione, Catalogo &catalogo, SessioneLinea &linea,
+                             bool assistenza, const Lingua &lingua, VistaPagina &vista)
     : m_descrizione(std::move(descrizione))
-    , m_voci(m_descrizione.vociInUso(stato.ModoAssistenza))
+    , m_voci(m_descrizione.vociInUso(assistenza))
     , m_catalogo(catalogo)
-    , m_motore(motore)
-    , m_stato(stato)
+    , m_motore(linea.motore())
+    , m_linea(linea)
     , m_lingua(lingua)
     , m_vista(vista)
 {
@@ -113,6 +113,18 @@ bool DialogoPagina::valoreValido(int parametro, const QString &testo) const
     const double v = ValNumero(testo);
     const Parametro &p = m_catalogo.Parametri[static_cast<size_t>(parametro)];
     return v >= p.Min && v <= p.Max;
+}
+
+QString DialogoPagina::motivoRespinto(int parametro, const QString &nome, const QString &testo) const
+{
+    if (!Catalogo::indiceValido(parametro) || valoreValido(parametro, testo))
+        return {};
+    QString motivo = TestoNumerico(testo) ? m_lingua.LeggiTesto("MESSAPUNTO", "FUORI_LIMITI")
+                                          : m_lingua.LeggiTesto("MESSAPUNTO", "NON_NUMERO");
+    // The caption last: whatever it holds is not taken for a mark.
+    motivo.replace(QLatin1String("ZZZ"), m_catalogo.suggerimentoIntervallo(parametro));
+    motivo.replace(QLatin1String("YYY"), testo.trimmed());
+    return motivo.replace(QLatin1String("XXX"), nome.trimmed());
 }
 
 void DialogoPagina::valoreModificato(int parametro, double valore)
@@ -215,20 +227,16 @@ void DialogoPagina::scadenza(int stato)
     if (m_descrizione.scadenza == Scadenza::Muta)
         return;
     m_vista.abilitaPagina(true);
-    if (m_descrizione.scadenza == Scadenza::SoloMessaggio) {
+    const bool lettura = stato == primoStato();
+    const bool soloMessaggio = m_descrizione.scadenza == Scadenza::SoloMessaggio
+                               || (m_descrizione.scadenza == Scadenza::LetturaEmergenza && !lettura);
+    if (lettura || soloMessaggio)
         m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_2"));
-        return;
-    }
-    if (stato == primoStato()) {
-        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_2"));
-        m_vista.uscitaEmergenza();
-    } else if (stato == primoStato() + 1) {
+    else
         m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_5"));
-    } else if (stato == primoStato() + 2) {
-        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_5"));
+    if (!soloMessaggio && (lettura || stato == primoStato() + 2))
         m_vista.uscitaEmergenza();
-    }
-    if (stato != primoStato())
+    if (!lettura)
         m_vista.scritturaConclusa(stato, false);
 }
 
@@ -245,7 +253,8 @@ void DialogoPagina::erroreEcu(int stato, const QByteArray &payload)
 void DialogoPagina::rispostaLettura(const QByteArray &payload)
 {
     if (m_descrizione.zonaLavoro)
-        m_vista.mostraZonaLavoro(TestoZona(m_lingua, m_stato.DatiAttuali[0].Valore[Canale::MZonAct]));
+        m_vista.mostraZonaLavoro(
+            TestoZona(m_lingua, m_linea.datiLive().ultimoRecord().Valore[Canale::MZonAct]));
     const int passo = m_motore.PassoDialogo();
     const auto &piano = m_descrizione.piano;
     if (passo >= 0 && passo < static_cast<int>(piano.size())) {
@@ -283,8 +292,10 @@ void DialogoPagina::gestisciRiga(const RigaLettura &riga, const QByteArray &payl
         aggiornaLimiti(p, v, Occasione::Lettura);
         if (m_descrizione.tps()) {
             const bool presente = TpsPresenteDa(m_catalogo.Valori[Par::TpsTaratoMassimo].Letto, v);
-            m_stato.TpsPresente = presente;
-            if (!presente)
+            m_linea.tpsRiletto(presente);
+            if (presente)
+                m_vista.mostraRigheTps();
+            else
                 m_vista.nascondiRigheTps();
         }
         break;
@@ -312,7 +323,7 @@ double DialogoPagina::aGrezzo(int parametro, double valore) const
     const auto &s = m_descrizione.segnoModulo;
     if (std::find(s.begin(), s.end(), parametro) != s.end())
         return CodificaSegnoModulo(valore);
-    if (const RigaPagina *r = m_descrizione.riga(parametro); r && r->binaria)
+    if (const RigaPagina *r = m_descrizione.riga(parametro); r && r->secondaA255)
         return valore != 0 ? 255 : 0;
     return m_catalogo.aGrezzo(parametro, valore);
 }

@@ -10,7 +10,7 @@ namespace kv {
 class Catalogo;
 class Lingua;
 class VistaPagina;
-struct StatoProgramma;
+class SessioneLinea;
 
 // The ECU side of one tuning page: its opening read, its saves, and the commands of the
 // page frame that work on values rather than on fields. It owns the page's state group
@@ -24,8 +24,9 @@ public:
     // Yes, No and Cancel with the question icon.
     static constexpr int FlagDomandaEsci = 0x23;
 
-    DialogoPagina(DescrizionePagina descrizione, Catalogo &catalogo, MotoreDialogo &motore,
-                  StatoProgramma &stato, const Lingua &lingua, VistaPagina &vista);
+    // assistenza: the page opens in service mode, with the entries that mode shows.
+    DialogoPagina(DescrizionePagina descrizione, Catalogo &catalogo, SessioneLinea &linea, bool assistenza,
+                  const Lingua &lingua, VistaPagina &vista);
     ~DialogoPagina() override;
 
     DialogoPagina(const DialogoPagina &) = delete;
@@ -49,6 +50,9 @@ public:
 
     // Text of a field as the page may send it: a number within the entry's limits.
     bool valoreValido(int parametro, const QString &testo) const;
+    // Why the page may not send testo for the entry, the field named nome: not a number, or
+    // outside its limits, which it names. Empty when it may.
+    QString motivoRespinto(int parametro, const QString &nome, const QString &testo) const;
 
     // The fitter left a field holding valore: the limits hanging on it follow at once.
     void valoreModificato(int parametro, double valore);
@@ -93,7 +97,7 @@ private:
     std::vector<int> m_voci;
     Catalogo &m_catalogo;
     MotoreDialogo &m_motore;
-    StatoProgramma &m_stato;
+    SessioneLinea &m_linea;
     const Lingua &m_lingua;
     VistaPagina &m_vista;
 };

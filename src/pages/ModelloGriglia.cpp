@@ -152,6 +152,7 @@ void ModelloGriglia::mostraValore(int parametro)
         return;
     m_mostrati.insert(parametro);
     m_errati.erase(parametro);
+    m_modificati.erase(parametro);
     // The shading of every cell of its kind may move with it.
     emit dataChanged(index(0, 0), index(m_righe - 1, m_colonne - 1));
 }
@@ -196,6 +197,7 @@ ModelloGriglia::Esito ModelloGriglia::modifica(const QModelIndex &indice, const 
     m_dialogo.impostaCorrente(c.parametro, v);
     m_dialogo.valoreModificato(c.parametro, v);
     m_mostrati.insert(c.parametro);
+    m_modificati.insert(c.parametro);
     emit dataChanged(index(0, 0), index(m_righe - 1, m_colonne - 1));
 
     Esito esito;
@@ -234,6 +236,37 @@ QModelIndex ModelloGriglia::controlla()
         }
     }
     return prima;
+}
+
+bool ModelloGriglia::respinto(int parametro) const
+{
+    const ValoreParametro &v = m_catalogo.Valori[static_cast<size_t>(parametro)];
+    return m_mostrati.count(parametro) && v.Corrente != v.Letto && !valida(parametro);
+}
+
+QModelIndex ModelloGriglia::respinta() const
+{
+    for (int r = 0; r < m_righe; ++r)
+        for (int c = 0; c < m_colonne; ++c)
+            if (cella(r, c).modificabile && respinto(cella(r, c).parametro))
+                return index(r, c);
+    return {};
+}
+
+void ModelloGriglia::scartaRespinte()
+{
+    for (QModelIndex i = respinta(); i.isValid(); i = respinta()) {
+        const int p = cella(i.row(), i.column()).parametro;
+        const double letto = m_catalogo.Valori[static_cast<size_t>(p)].Letto;
+        m_dialogo.impostaCorrente(p, letto);
+        m_dialogo.valoreModificato(p, letto);
+        mostraValore(p);
+        // Its partner, marked for its sake, is looked at again.
+        for (const QModelIndex &k : daControllare(i)) {
+            const int q = cella(k.row(), k.column()).parametro;
+            segna(q, !valida(q));
+        }
+    }
 }
 
 int ModelloGriglia::banda(double valore, int primoPunto, int punti) const

@@ -81,6 +81,14 @@ public:
     // ControlloValori over the grid: every editable cell checked and marked; the first wrong
     // one in the page's write order, invalid when all are good.
     QModelIndex controlla();
+    // The first cell the fitter has changed to a value the page may not send; invalid when
+    // none. A value read that way is not his doing and is left to ControlloValori.
+    QModelIndex respinta() const;
+    // Such cells back to the values read, shown so: the page is left without them.
+    void scartaRespinte();
+    // Some cell edited since the values were last shown or taken by Applica.
+    bool cambiata() const { return !m_modificati.empty(); }
+    void presa() { m_modificati.clear(); }
 
     // The engine's speed and throttle now: the zone it runs in is marked. Never touches a
     // value or the selection.
@@ -105,6 +113,7 @@ protected:
 
 private:
     bool valida(int parametro) const;
+    bool respinto(int parametro) const;
     void segna(int parametro, bool errata);
     void cambiate(const std::set<std::pair<int, int>> &celle);
     std::pair<double, double> estremi(TipoCella tipo) const;
@@ -117,6 +126,7 @@ private:
     std::vector<QRect> m_unioni;
     std::set<int> m_mostrati; // entries read at least once
     std::set<int> m_errati;
+    std::set<int> m_modificati;
     std::set<std::pair<int, int>> m_vive;
 };
 

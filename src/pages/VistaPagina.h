@@ -18,6 +18,8 @@ public:
     virtual void mostraSuggerimento(int parametro, const QString &testo) = 0;
     // No TPS fitted: the page hides its TPS rows.
     virtual void nascondiRigheTps() = 0;
+    // A TPS fitted: rows hidden while an earlier read had found none come back.
+    virtual void mostraRigheTps() {}
     // TpsAutoadattante reads 0: the ECU adapts this TPS threshold itself.
     virtual void bloccaCampoTps(int parametro) = 0;
     // The page's one-line message, empty to clear it.

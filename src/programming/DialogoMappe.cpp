@@ -44,22 +44,22 @@ QString testoPercorso(const Lingua &l, const PercorsoMappa &p)
 
 LetturaMappe::LetturaMappe(Programma &programma, VistaMappe &vista) : m_programma(programma), m_vista(vista)
 {
-    m_programma.motore.registra(Stato, this);
+    m_programma.linea.motore().registra(Stato, this);
 }
 
 LetturaMappe::~LetturaMappe()
 {
-    m_programma.motore.rimuovi(this);
+    m_programma.linea.motore().rimuovi(this);
     if (m_inCorso) {
-        if (m_programma.motore.StatoDialogo() == Stato)
-            m_programma.motore.abbandona();
+        if (m_programma.linea.motore().StatoDialogo() == Stato)
+            m_programma.linea.motore().abbandona();
         QFile::remove(temporaneo());
     }
 }
 
 QString LetturaMappe::temporaneo() const
 {
-    return PercorsoTemporaneoMappa(m_programma.stato.PercorsoApp);
+    return PercorsoTemporaneoMappa(m_programma.PercorsoApp);
 }
 
 void LetturaMappe::Leggi(const ChiaveMappa &campi, const QString &nota)
@@ -77,7 +77,7 @@ void LetturaMappe::Leggi(const ChiaveMappa &campi, const QString &nota)
         m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ReadMappe", "SEGNALAZIONE1.3"));
         return;
     }
-    const PercorsoMappa percorso = PercorsoFileMappa(m_programma.stato.PercorsoApp, chiave);
+    const PercorsoMappa percorso = PercorsoFileMappa(m_programma.PercorsoApp, chiave);
     if (!percorso.ok()) {
         m_vista.beep();
         m_vista.mostraSegnalazione(testoPercorso(l, percorso));
@@ -109,7 +109,7 @@ void LetturaMappe::Leggi(const ChiaveMappa &campi, const QString &nota)
     m_totBlocchiMappa = int((dimensione + LunBlocco - 1) / LunBlocco);
     m_numBloccoMappa = 0;
     m_indirizzoProg = primo;
-    MotoreDialogo &m = m_programma.motore;
+    MotoreDialogo &m = m_programma.linea.motore();
     m.svuotaCoda();
     for (int n = 0; n < m_totBlocchiMappa; ++n)
         m.accoda(richiestaLettura(primo + quint32(n * LunBlocco)));
@@ -141,7 +141,7 @@ void LetturaMappe::risposta(char lettera, int stato, const QByteArray &payload)
     }
     if (lettera != 'r')
         return;
-    MotoreDialogo &m = m_programma.motore;
+    MotoreDialogo &m = m_programma.linea.motore();
     if (m_numBloccoMappa == m_totBlocchiMappa) {
         const int dimensione = m_programma.catalogo.Parametri[Par::ScalaLambda].Dimensione;
         m_scalaLambda = m_programma.catalogo.daGrezzo(Par::ScalaLambda, NumeroBE(payload.mid(1, dimensione)));
@@ -190,7 +190,7 @@ void LetturaMappe::fine()
     m_inCorso = false;
     m_vista.abilitaPagina(true);
     m_vista.nascondiAvanzamento();
-    const QString &app = m_programma.stato.PercorsoApp;
+    const QString &app = m_programma.PercorsoApp;
     const QString tmp = temporaneo();
     // Checked again: the place must still be inside the archive now that it is written.
     const PercorsoMappa percorso = PercorsoFileMappa(app, m_chiave);
@@ -219,12 +219,12 @@ ScritturaMappe::ScritturaMappe(Programma &programma, VistaMappe &vista)
     : m_programma(programma)
     , m_vista(vista)
 {
-    m_programma.motore.registra(Stato, this);
+    m_programma.linea.motore().registra(Stato, this);
 }
 
 ScritturaMappe::~ScritturaMappe()
 {
-    m_programma.motore.rimuovi(this);
+    m_programma.linea.motore().rimuovi(this);
 }
 
 void ScritturaMappe::ProgrammaMappa(const ChiaveMappa &mappa, bool verifica)
@@ -240,8 +240,7 @@ void ScritturaMappe::ProgrammaMappa(const ChiaveMappa &mappa, bool verifica)
         m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ProgMappe", "SEGNALAZIONE1.3"));
         return;
     }
-    const PercorsoMappa percorso =
-        PercorsoFileMappa(m_programma.stato.PercorsoApp, chiave, NomiMappa::Esistenti);
+    const PercorsoMappa percorso = PercorsoFileMappa(m_programma.PercorsoApp, chiave, NomiMappa::Esistenti);
     if (!percorso.ok()) {
         m_vista.beep();
         m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ProgMappe", "SEGNALAZIONE1.4"));
@@ -258,7 +257,7 @@ void ScritturaMappe::ProgrammaMappa(const ChiaveMappa &mappa, bool verifica)
     m_numBloccoMappa = 1;
     m_indirizzoProg = FileMappa::PrimoIndirizzo;
     m_vista.mostraAvanzamento(1, FileMappa::Blocchi);
-    MotoreDialogo &m = m_programma.motore;
+    MotoreDialogo &m = m_programma.linea.motore();
     m.svuotaCoda();
     if (!accodaBlocco()) {
         fallita(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_13"), true);
@@ -280,7 +279,7 @@ bool ScritturaMappe::accodaBlocco()
         m_inviati += blocco.left(dentro);
     m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_11").trimmed()
                                + QLatin1Char(' ') + QString::number(m_numBloccoMappa));
-    m_programma.motore.accoda('W' + ParolaInByte(m_indirizzoProg) + char(blocco.size()) + blocco);
+    m_programma.linea.motore().accoda('W' + ParolaInByte(m_indirizzoProg) + char(blocco.size()) + blocco);
     return true;
 }
 
@@ -297,14 +296,14 @@ void ScritturaMappe::risposta(char lettera, int stato, const QByteArray &payload
     } else if (lettera == 'r' && stato == StatoVerifica) {
         m_riletti += payload.mid(1, LunBlocco);
         m_vista.mostraAvanzamento(int(m_riletti.size() / LunBlocco), FileMappa::Blocchi);
-        if (m_programma.motore.prosegui() == MotoreDialogo::Seguito::Concluso)
+        if (m_programma.linea.motore().prosegui() == MotoreDialogo::Seguito::Concluso)
             fineVerifica();
     }
 }
 
 void ScritturaMappe::bloccoScritto()
 {
-    MotoreDialogo &m = m_programma.motore;
+    MotoreDialogo &m = m_programma.linea.motore();
     // The size is taken again at every step: the file goes over as it stands.
     if (NumeroBlocchi(m_nomeFileMappa) > m_numBloccoMappa) {
         ++m_numBloccoMappa;
@@ -335,7 +334,7 @@ void ScritturaMappe::fineScrittura()
 
 void ScritturaMappe::avviaVerifica()
 {
-    MotoreDialogo &m = m_programma.motore;
+    MotoreDialogo &m = m_programma.linea.motore();
     m.svuotaCoda();
     for (int n = 0; n < FileMappa::Blocchi; ++n)
         m.accoda(richiestaLettura(FileMappa::PrimoIndirizzo + quint32(n * LunBlocco)));

@@ -70,6 +70,7 @@ public:
 
     void risposta(char lettera, int stato, const QByteArray &payload) override;
     void scadenza(int stato) override;
+    char rispostaAttesa(int stato) const override { return stato == Stato ? 'r' : 0; }
 
 private:
     void fine();
@@ -121,6 +122,11 @@ public:
 
     void risposta(char lettera, int stato, const QByteArray &payload) override;
     void scadenza(int stato) override;
+    // The blocks are acknowledged; the check after them reads back.
+    char rispostaAttesa(int stato) const override
+    {
+        return stato == Stato ? 'e' : stato == StatoVerifica ? 'r' : 0;
+    }
 
 private:
     // Block NumBloccoMappa of the file queued as the next 'W'; false when it cannot be read.

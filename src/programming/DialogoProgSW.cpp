@@ -6,7 +6,7 @@
 #include "base/FileSystem.h"
 #include "base/Lingua.h"
 #include "link/Frame.h"
-#include "link/StatoProgramma.h"
+#include "link/StatoEcu.h"
 #include "programming/FileBlocchi.h"
 #include "programming/ImmagineS19.h"
 
@@ -60,10 +60,11 @@ SchedaSoftware LeggiSchedaSoftware(const QString &percorsoApp, const QString &no
     return scheda;
 }
 
-DialogoProgSW::DialogoProgSW(MotoreDialogo &motore, const StatoProgramma &stato, const Lingua &lingua,
-                             VistaProgSW &vista)
+DialogoProgSW::DialogoProgSW(MotoreDialogo &motore, const StatoEcu &stato, const QString &percorsoApp,
+                             const Lingua &lingua, VistaProgSW &vista)
     : m_motore(motore)
     , m_stato(stato)
+    , m_percorsoApp(percorsoApp)
     , m_lingua(lingua)
     , m_vista(vista)
 {
@@ -89,12 +90,12 @@ SchedaSoftware DialogoProgSW::scegli(const QString &testoNodo)
     m_nome = testoNodo.trimmed();
     if (m_nome.isEmpty())
         return {};
-    return LeggiSchedaSoftware(m_stato.PercorsoApp, m_nome, m_lingua);
+    return LeggiSchedaSoftware(m_percorsoApp, m_nome, m_lingua);
 }
 
 bool DialogoProgSW::preparaImmagine()
 {
-    const QString &app = m_stato.PercorsoApp;
+    const QString &app = m_percorsoApp;
     m_fileSW = PercorsoFileSW(app);
     if (!PreparaFileSW(m_fileSW))
         return false;

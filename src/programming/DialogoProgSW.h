@@ -8,7 +8,7 @@
 namespace kv {
 
 class Lingua;
-struct StatoProgramma;
+struct StatoEcu;
 
 // What the software page's dialogue asks of the page on screen.
 class VistaProgSW
@@ -58,8 +58,8 @@ public:
     static constexpr int IntervalloProgrammazione = 3000;
     static constexpr int FlagInformazione = 0x40;
 
-    DialogoProgSW(MotoreDialogo &motore, const StatoProgramma &stato, const Lingua &lingua,
-                  VistaProgSW &vista);
+    DialogoProgSW(MotoreDialogo &motore, const StatoEcu &stato, const QString &percorsoApp,
+                  const Lingua &lingua, VistaProgSW &vista);
     ~DialogoProgSW() override;
 
     DialogoProgSW(const DialogoProgSW &) = delete;
@@ -80,6 +80,10 @@ public:
 
     void risposta(char lettera, int stato, const QByteArray &payload) override;
     void scadenza(int stato) override;
+    char rispostaAttesa(int stato) const override
+    {
+        return stato >= StatoInizio && stato <= StatoFine ? 'e' : 0;
+    }
 
 private:
     bool preparaImmagine();
@@ -90,7 +94,8 @@ private:
     void erroreEcu(const QByteArray &payload);
 
     MotoreDialogo &m_motore;
-    const StatoProgramma &m_stato;
+    const StatoEcu &m_stato;
+    const QString m_percorsoApp;
     const Lingua &m_lingua;
     VistaProgSW &m_vista;
 

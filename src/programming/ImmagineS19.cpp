@@ -2,7 +2,7 @@
 
 #include "base/Cp1252.h"
 #include "base/FileSystem.h"
-#include "link/StatoProgramma.h"
+#include "link/StatoEcu.h"
 #include "programming/FileBlocchi.h"
 
 #include <QFile>
@@ -65,7 +65,7 @@ QString PercorsoFileSW(const QString &percorsoApp)
     return PercorsoFile(percorsoApp, QLatin1String(ImmagineSW::NomeFile));
 }
 
-TestiIdentificazione TestiIdentificazioneDi(const StatoProgramma &stato)
+TestiIdentificazione TestiIdentificazioneDi(const StatoEcu &stato)
 {
     return {lunghezzaFissa(stato.InfCodice, 14), lunghezzaFissa(stato.InfDatoA, 10),
             lunghezzaFissa(stato.InfDatoB, 4)};
@@ -123,7 +123,7 @@ bool SovrapponiS19(QByteArrayView s19, QByteArray &blocchi, const TestiIdentific
     return true;
 }
 
-bool ConvertiS19(const QString &fileS19, const QString &fileBlocchi, const StatoProgramma &stato)
+bool ConvertiS19(const QString &fileS19, const QString &fileBlocchi, const StatoEcu &stato)
 {
     QFile s19(fileS19);
     if (!s19.open(QIODevice::ReadOnly) || s19.size() > DimensioneMassimaS19)

@@ -7,7 +7,7 @@
 
 namespace kv {
 
-struct StatoProgramma;
+struct StatoEcu;
 
 // The software image: the programmable area 0xC000..0xF6FF as FILESW.TXT, 220 block records
 // sent in order. The caller's order is PreparaFileSW, ConvertiS19, then LeggiBloccoSW for
@@ -31,7 +31,7 @@ struct TestiIdentificazione
     QByteArray datoA;
     QByteArray datoB;
 };
-TestiIdentificazione TestiIdentificazioneDi(const StatoProgramma &stato);
+TestiIdentificazione TestiIdentificazioneDi(const StatoEcu &stato);
 
 // The blank image: 220 lines of 128 "F" and CR LF.
 QByteArray FileSWVuoto();
@@ -52,7 +52,7 @@ bool SovrapponiS19(QByteArrayView s19, QByteArray &blocchi, const TestiIdentific
 // records; the block file is read once and written once, also after a failing line, so its
 // bytes are what a line-by-line overlay would have left. False when a file cannot be read
 // or written or a line fails; no message here.
-bool ConvertiS19(const QString &fileS19, const QString &fileBlocchi, const StatoProgramma &stato);
+bool ConvertiS19(const QString &fileS19, const QString &fileBlocchi, const StatoEcu &stato);
 
 // Block numero of FILESW.TXT in the program's folder, 64 bytes; empty when it cannot be read.
 QByteArray LeggiBloccoSW(const QString &percorsoApp, qint32 numero);

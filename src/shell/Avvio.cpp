@@ -28,15 +28,14 @@ Esito preparaCartella(const QString &percorsoApp, IstanzaUnica &istanza)
 
 void esegui(Programma &p)
 {
-    StatoProgramma &s = p.stato;
     const QString decimale = QLocale().decimalPoint();
-    s.SepDecimale = decimale.isEmpty() ? '.' : decimale.at(0).toLatin1();
+    p.SepDecimale = decimale.isEmpty() ? '.' : decimale.at(0).toLatin1();
 
     // A folder that cannot be made is not reported here: the archive that needs it will say so.
     for (const char *cartella : {"/MAPPATURE/LPG/", "/MAPPATURE/CNG/", "/SOFTWARE/", "/DATI/"})
-        CreaCartella(s.PercorsoApp + QLatin1String(cartella));
+        CreaCartella(p.PercorsoApp + QLatin1String(cartella));
     for (const char *file : {"/MESSAGGI.TXT", "/MAPPA.TMP"}) {
-        const QString percorso = s.PercorsoApp + QLatin1String(file);
+        const QString percorso = p.PercorsoApp + QLatin1String(file);
         if (QFile::exists(percorso))
             QFile::remove(percorso);
     }

@@ -1,7 +1,7 @@
 #include "shell/Menu.h"
 
-#include "base/Lingua.h"
-#include "link/StatoProgramma.h"
+#include "link/StatoEcu.h"
+#include "shell/StatoMenu.h"
 
 namespace kv {
 
@@ -61,7 +61,7 @@ const std::vector<Riga> *righe(int funzione, bool assistenza)
     }
 }
 
-bool condizioneVera(Condizione c, const StatoProgramma &s)
+bool condizioneVera(Condizione c, const StatoEcu &s)
 {
     switch (c) {
     case Condizione::Testo:
@@ -78,22 +78,12 @@ bool condizioneVera(Condizione c, const StatoProgramma &s)
 
 } // namespace
 
-Funzioni AggiornaFunzioni(StatoProgramma &stato, const Lingua &lingua)
+QString ChiaveFunzione(int funzione)
 {
-    Funzioni f;
-    f.titolo = lingua.LeggiTesto("KORVANTINE", "CAPTION").trimmed();
-    for (int i = 0; i < NumeroFunzioni; ++i)
-        f.caption[static_cast<size_t>(i)] =
-            lingua.LeggiTesto("MainLambda", "FUNZIONE." + QString::number(i)).trimmed();
-    if (!stato.EcuNormale)
-        stato.FunzioneScelta = Funzione::Nessuna;
-    for (int i = 0; i < NumeroFunzioni; ++i)
-        f.abilitata[static_cast<size_t>(i)] = FunzioneAbilitata(i, stato);
-    f.uscita = lingua.LeggiTesto("MainLambda", "USCITA").trimmed();
-    return f;
+    return QStringLiteral("FUNZIONE.") + QString::number(funzione);
 }
 
-bool FunzioneAbilitata(int funzione, const StatoProgramma &stato)
+bool FunzioneAbilitata(int funzione, const StatoEcu &stato)
 {
     if (funzione < 0 || funzione >= NumeroFunzioni)
         return false;
@@ -120,16 +110,16 @@ QString PrefissoOpzioni(int funzione, bool assistenza)
     }
 }
 
-std::vector<Voce> Opzioni(int funzione, const StatoProgramma &stato, const Lingua &lingua)
+std::vector<Voce> Opzioni(int funzione, const StatoEcu &stato, bool assistenza, const TestoVoce &testo)
 {
-    const std::vector<Riga> *tabella = righe(funzione, stato.ModoAssistenza);
+    const std::vector<Riga> *tabella = righe(funzione, assistenza);
     if (!tabella)
         return {};
-    const QString prefisso = PrefissoOpzioni(funzione, stato.ModoAssistenza);
+    const QString prefisso = PrefissoOpzioni(funzione, assistenza);
     std::vector<Voce> voci(NumeroOpzioni);
     for (int i = 0; i < NumeroOpzioni; ++i) {
         Voce &v = voci[static_cast<size_t>(i)];
-        v.caption = lingua.LeggiTesto("MainLambda", prefisso + QString::number(i)).trimmed();
+        v.caption = testo(prefisso + QString::number(i)).trimmed();
         v.visibile = !v.caption.isEmpty();
         // Text for an entry past the table opens nothing, so it stays grey.
         if (i < static_cast<int>(tabella->size())) {
@@ -141,14 +131,14 @@ std::vector<Voce> Opzioni(int funzione, const StatoProgramma &stato, const Lingu
     return voci;
 }
 
-EsitoParola VerificaParola(StatoProgramma &stato, const QString &parola)
+EsitoParola VerificaParola(StatoMenu &menu, const QString &parola)
 {
     if (parola.toUpper() == QLatin1String(ParolaAssistenza)) {
-        stato.ModoAssistenza = true;
+        menu.impostaAssistenza(true);
         return EsitoParola::Assistenza;
     }
-    if (stato.ModoAssistenza) {
-        stato.ModoAssistenza = false;
+    if (menu.ModoAssistenza()) {
+        menu.impostaAssistenza(false);
         return EsitoParola::Normale;
     }
     return EsitoParola::Errata;

@@ -5,16 +5,17 @@
 #include <QString>
 
 #include <array>
+#include <functional>
 #include <vector>
 
 namespace kv {
 
-class Lingua;
-struct StatoProgramma;
+class StatoMenu;
+struct StatoEcu;
 
-// What the main menu offers, worked out from the program-wide flags and the language file:
-// captions, which functions and entries are shown and enabled, and what each entry opens.
-// The menu page only paints this.
+// What the main menu offers, worked out from what is known of the ECU, the mode and the
+// captions of the language file: which functions and entries are shown and enabled, and what
+// each entry opens. The menu page only paints this.
 namespace Menu {
 
 inline constexpr int NumeroFunzioni = 5;
@@ -32,24 +33,18 @@ struct Voce
     IdPagina pagina = IdPagina::Nessuna;
 };
 
-struct Funzioni
-{
-    QString titolo; // of the main frame
-    std::array<QString, NumeroFunzioni> caption;
-    std::array<bool, NumeroFunzioni> abilitata{};
-    QString uscita;
-};
+// The caption of a key of the menu's section of the language file.
+using TestoVoce = std::function<QString(const QString &chiave)>;
 
-// Steps 1 to 5 of the menu refresh. An ECU without application leaves no function selected.
-Funzioni AggiornaFunzioni(StatoProgramma &stato, const Lingua &lingua);
+bool FunzioneAbilitata(int funzione, const StatoEcu &ecu);
 
-bool FunzioneAbilitata(int funzione, const StatoProgramma &stato);
-
+// The key of a function's caption, in the menu's section.
+QString ChiaveFunzione(int funzione);
 // The key prefix of a function's entries; the tuning entries differ by mode. Empty outside 0..4.
 QString PrefissoOpzioni(int funzione, bool assistenza);
 
 // The NumeroOpzioni entries of a function in the present mode; empty outside 0..4.
-std::vector<Voce> Opzioni(int funzione, const StatoProgramma &stato, const Lingua &lingua);
+std::vector<Voce> Opzioni(int funzione, const StatoEcu &ecu, bool assistenza, const TestoVoce &testo);
 
 enum class EsitoParola {
     Assistenza, // the access word: service mode on
@@ -58,7 +53,7 @@ enum class EsitoParola {
 };
 
 // Checks the word typed on the access page and sets ModoAssistenza.
-EsitoParola VerificaParola(StatoProgramma &stato, const QString &parola);
+EsitoParola VerificaParola(StatoMenu &menu, const QString &parola);
 
 } // namespace Menu
 

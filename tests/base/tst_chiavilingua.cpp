@@ -188,12 +188,12 @@ private slots:
                    + indici("SCHEDA.", 0, 0) + indici("GRIGLIA.", 0, 2) + indici("COLONNA.", 0, 3)
                    + indici("COPIA.", 0, 2) + indici("MAPPA.", 1, 5) + indici("SALVA.", 1, 3);
         // The calibration pages look up their own section, the form's name.
-        const QStringList giri = QStringList{"CAPTION.0"} + indici("SEGNALAZIONE.", 0, 1)
+        const QStringList giri = QStringList{"CAPTION.0"} + indici("SEGNALAZIONE.", 0, 2)
                                  + indici("LABPARAMETRO.", 0, 1) + indici("MISURA.", 0, 1);
         QTest::newRow("T_Giri") << "T_Giri" << giri + QStringList{"CAPTION.1"};
         QTest::newRow("T_Giri_Single") << "T_Giri_Single" << giri;
         const QStringList tps = QStringList{"CAPTION.0", "BOXTPS.CAPTION", "GRAFICO.ASSEX"}
-                                + indici("LABTARTPS.", 0, 3) + indici("MSG_TPS.", 0, 1);
+                                + indici("LABTARTPS.", 0, 3) + indici("MSG_TPS.", 0, 2);
         QTest::newRow("T_TPS") << "T_TPS" << tps + QStringList{"CAPTION.1"};
         QTest::newRow("T_TPS_Single") << "T_TPS_Single" << tps;
         const QStringList lambda = QStringList{"CAPTION.0",       "CAPTION.1",     "BOXSONDA.CAPTION",

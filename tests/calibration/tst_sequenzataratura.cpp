@@ -63,8 +63,6 @@ struct VistaFinta : VistaStriscia
 // the others are not in this build.
 struct TelaioFinto : TelaioTaratura
 {
-    explicit TelaioFinto(StatoProgramma &s) : stato(s) {}
-
     bool apriPagina(IdPagina id) override
     {
         if (id != IdPagina::IniTaratura && id != IdPagina::T_TPS && id != IdPagina::T_TPS_Single
@@ -86,14 +84,12 @@ struct TelaioFinto : TelaioTaratura
             return;
         chiudi();
         if (prosegui)
-            sequenza->AvviaTaratura(stato.TaraturaInCorso);
+            sequenza->prosegui();
     }
     void ChiudiPagineTaratura() override
     {
         chiudi();
-        stato.TaraturaCompleta = false;
-        stato.TaraturaInCorso = FaseTaratura::Nessuna;
-        stato.PassoTaratura = -1;
+        sequenza->terminata();
     }
     IdPagina paginaTaratura() const override { return aperta; }
     void abilitaFrame(bool a) override { frameAbilitato = a; }
@@ -115,7 +111,6 @@ struct TelaioFinto : TelaioTaratura
         aperta = IdPagina::Nessuna;
     }
 
-    StatoProgramma &stato;
     SequenzaTaratura *sequenza = nullptr;
     IdPagina aperta = IdPagina::Nessuna;
     QList<IdPagina> aperture;
@@ -154,21 +149,19 @@ class TstSequenzaTaratura : public QObject
     // The page opened as its way in opens it: in the sequence, or as a single page.
     void apri(IdPagina id)
     {
-        StatoProgramma &s = p->stato;
         const bool singola = id == IdPagina::T_TPS_Single || id == IdPagina::T_Lambda_Single;
         if (singola) {
             QVERIFY(telaio->apriPagina(id));
             QCOMPARE(porta->scritti.constLast(),
                      CreaFrame(QByteArray(1, 'A') + char(pagina()->codiceApertura())));
-            QCOMPARE(p->motore.StatoDialogo(), qint16(pagina()->primoStato()));
+            QCOMPARE(p->linea.motore().StatoDialogo(), qint16(pagina()->primoStato()));
             arriva("e\xFF");
         } else {
-            s.TaraturaCompleta = true;
-            s.TaraturaInCorso = id == IdPagina::T_TPS ? FaseTaratura::Tps : FaseTaratura::Lambda;
-            sequenza->AvviaTaratura(s.TaraturaInCorso);
+            sequenza->entraInSequenza(id == IdPagina::T_TPS ? FaseTaratura::Tps : FaseTaratura::Lambda);
+            sequenza->prosegui();
         }
         QCOMPARE(telaio->aperta, id);
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
     }
 
 private slots:
@@ -189,8 +182,8 @@ private slots:
             std::make_unique<TemporizzatoreManuale>(), std::make_unique<TemporizzatoreManuale>());
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
         p->canali.InizializzaCanali(p->lingua);
-        p->stato.EcuDaIdentificare = false;
-        telaio = std::make_unique<TelaioFinto>(p->stato);
+        p->linea.ecuDiProva().EcuDaIdentificare = false;
+        telaio = std::make_unique<TelaioFinto>();
         sequenza = std::make_unique<SequenzaTaratura>(*p, *telaio);
         telaio->sequenza = sequenza.get();
     }
@@ -211,49 +204,48 @@ private slots:
 
     void handshakeOnlyInState121()
     {
-        StatoProgramma &s = p->stato;
-        s.TaraturaInCorso = FaseTaratura::Avviso;
-        s.PassoTaratura = 0;
-        sequenza->AvviaTaratura(FaseTaratura::Avviso);
-        QVERIFY(s.AttesaIniTaratura);
+        const SequenzaTaratura &s = *sequenza;
+        sequenza->avviaSequenza();
+        QVERIFY(s.AttesaIniTaratura());
         // The ECU still in normal running is no news while the warning page is up.
         arriva(dati(0));
         QVERIFY(telaio->messaggi.isEmpty());
         sequenza->TastoOK();
         QCOMPARE(porta->scritti.constLast(), CreaFrame(QByteArray("A\x02", 2)));
-        QCOMPARE(p->motore.StatoDialogo(), qint16(121));
-        QCOMPARE(p->TimeOutReq.interval(), 2000);
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(121));
+        QCOMPARE(p->linea.TimeOutReq().interval(), 2000);
         QVERIFY(!telaio->frameAbilitato);
 
         // No answer: the menu comes back, and the step stays at 1.
         QVERIFY(req->scatta());
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         QVERIFY(telaio->frameAbilitato && telaio->menuAbilitato);
-        QCOMPARE(s.TaraturaInCorso, FaseTaratura::AttesaEcu);
+        QCOMPARE(s.TaraturaInCorso(), FaseTaratura::AttesaEcu);
+        QVERIFY(s.AttesaIniTaratura()); // cleared by Cancel on the warning page alone
         // A 255 now, outside state 121, changes nothing.
         const qsizetype scritti = porta->scritti.size();
         arriva(dati(255));
-        QCOMPARE(s.TaraturaInCorso, FaseTaratura::AttesaEcu);
-        QVERIFY(!s.TaraturaCompleta);
+        QCOMPARE(s.TaraturaInCorso(), FaseTaratura::AttesaEcu);
+        QVERIFY(!s.TaraturaCompleta());
         QCOMPARE(porta->scritti.size(), scritti);
         QCOMPARE(telaio->aperture, QList<IdPagina>{IdPagina::IniTaratura});
 
         // Again, answered: the first step's page (absent here) is asked for.
-        s.PassoTaratura = 0;
-        sequenza->AvviaTaratura(FaseTaratura::AttesaEcu);
+        sequenza->TastoOK();
         arriva(dati(0));
-        QCOMPARE(p->motore.StatoDialogo(), qint16(121));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(121));
         arriva(dati(255));
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         QVERIFY(!req->isEnabled());
         QVERIFY(telaio->frameAbilitato);
         QCOMPARE(telaio->messaggi.size(), 1); // T_Giri is not in this build
-        QCOMPARE(s.TaraturaInCorso, FaseTaratura::Nessuna);
+        QCOMPARE(s.TaraturaInCorso(), FaseTaratura::Nessuna);
+        QVERIFY(s.AttesaIniTaratura());
 
         // The 'A' 2 of a calibration left ends only itself.
         sequenza->inviaUscita();
         arriva(dati(255));
-        QVERIFY(!s.UscitaTaratura && !s.TaraturaCompleta);
+        QVERIFY(!s.TaraturaCompleta());
         QCOMPARE(telaio->messaggi.size(), 1);
     }
 
@@ -276,6 +268,12 @@ private slots:
         QTest::newRow("tps single: 221 and 220 on every frame")
             << IdPagina::T_TPS_Single << QList<int>{222, 221, 221, 220, 220} << QList<int>{60, 60, 60, 60, 60}
             << true << msg1 << 2 << QString();
+        QTest::newRow("tps single: both ends learnt, then 218")
+            << IdPagina::T_TPS_Single << QList<int>{221, 220, 219, 218} << QList<int>{60, 60, 900, 60} << true
+            << "MSG_TPS.2" << 2 << QString::number(std::lround(Scala1023(900)));
+        QTest::newRow("tps: both ends learnt")
+            << IdPagina::T_TPS << QList<int>{219, 207} << QList<int>{900, 60} << true << "MSG_TPS.2" << 1
+            << QString::number(std::lround(Scala1023(900)));
         QTest::newRow("tps single: 218 does nothing")
             << IdPagina::T_TPS_Single << QList<int>{218, 218} << QList<int>{60, 60} << true << QString() << 0
             << QString();
@@ -355,7 +353,7 @@ private slots:
         telaio->risposta = 1;
         arriva(dati(29));
         QCOMPARE(telaio->aperta, IdPagina::Nessuna);
-        QCOMPARE(p->stato.TaraturaInCorso, FaseTaratura::Nessuna);
+        QCOMPARE(sequenza->TaraturaInCorso(), FaseTaratura::Nessuna);
     }
 
     void ecuBackInNormalRunning_data()
@@ -376,7 +374,7 @@ private slots:
         QVERIFY(telaio->apriPagina(IdPagina::T_TPS_Single));
         if (libero)
             arriva("e\xFF");
-        p->stato.TaraturaInCorso = fase;
+        sequenza->entraInFase(fase);
         arriva(dati(0));
         QCOMPARE(telaio->messaggi, chiave.isEmpty()
                                        ? QStringList()

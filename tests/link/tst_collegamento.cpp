@@ -102,18 +102,18 @@ private slots:
         o.versione = v;
         o.tipoSonda = 0;
         avvia(o);
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
-        QCOMPARE(p->stato.InfCodice, QString("KVTEST-123456 "));
-        QCOMPARE(p->stato.InfVeicolo, QString::fromLatin1(v.veicolo));
-        QCOMPARE(p->stato.InfDatoA, QString::fromLatin1(v.datoA));
-        QCOMPARE(p->stato.InfDatoB, QString::fromLatin1(v.datoB));
-        QCOMPARE(p->stato.TpsPresente, true);
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QTRY_COMPARE_WITH_TIMEOUT(p->linea.ecu().EcuDaIdentificare, false, 3000);
+        QCOMPARE(p->linea.ecu().InfCodice, QString("KVTEST-123456 "));
+        QCOMPARE(p->linea.ecu().InfVeicolo, QString::fromLatin1(v.veicolo));
+        QCOMPARE(p->linea.ecu().InfDatoA, QString::fromLatin1(v.datoA));
+        QCOMPARE(p->linea.ecu().InfDatoB, QString::fromLatin1(v.datoB));
+        QCOMPARE(p->linea.ecu().TpsPresente, true);
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
 
         Raccoglitore r;
-        p->datiLive.aggiungiAscoltatore(&r);
+        p->linea.datiLive().aggiungiAscoltatore(&r);
         QTRY_VERIFY_WITH_TIMEOUT(r.record.size() >= 10, 3000);
-        p->datiLive.rimuoviAscoltatore(&r);
+        p->linea.datiLive().rimuoviAscoltatore(&r);
 
         // Each decoded record is a frame the ECU sent, in order, with nothing lost.
         const auto corrisponde = [](const RecordDati &d, const QByteArray &bytes) {
@@ -142,17 +142,17 @@ private slots:
     void lostStreamMakesTheEcuUnknownUntilItComesBack()
     {
         avvia();
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
-        QSignalSpy persa(&p->datiLive, &DatiLive::ecuPersa);
+        QTRY_COMPARE_WITH_TIMEOUT(p->linea.ecu().EcuDaIdentificare, false, 3000);
+        QSignalSpy persa(&p->linea.datiLive(), &DatiLive::ecuPersa);
         // The watchdog runs from the first live frame after identification on.
-        QTRY_VERIFY_WITH_TIMEOUT(p->TimeOutDati.isEnabled(), 2000);
+        QTRY_VERIFY_WITH_TIMEOUT(p->linea.TimeOutDati().isEnabled(), 2000);
         ecu->impostaStallo(true);
         QTest::qWait(1500);
         QCOMPARE(persa.size(), 0);
         QTRY_COMPARE_WITH_TIMEOUT(persa.size(), 1, 1500);
-        QCOMPARE(p->stato.EcuDaIdentificare, true);
+        QCOMPARE(p->linea.ecu().EcuDaIdentificare, true);
         ecu->impostaStallo(false);
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
+        QTRY_COMPARE_WITH_TIMEOUT(p->linea.ecu().EcuDaIdentificare, false, 3000);
         QCOMPARE(richiesteVersione, 2);
     }
 
@@ -177,26 +177,26 @@ private slots:
         p->dispositivoForzato = collegamento;
         QVERIFY(p->ApriPorta());
         ecu->avvia();
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
-        QTRY_VERIFY_WITH_TIMEOUT(p->TimeOutDati.isEnabled(), 2000);
+        QTRY_COMPARE_WITH_TIMEOUT(p->linea.ecu().EcuDaIdentificare, false, 3000);
+        QTRY_VERIFY_WITH_TIMEOUT(p->linea.TimeOutDati().isEnabled(), 2000);
 
         // Pulled: closed, said, and the ECU forgotten at once rather than two seconds later.
-        QSignalSpy persa(&p->sorveglianza, &SorveglianzaLinea::persa);
+        QSignalSpy persa(&p->linea.sorveglianza(), &SorveglianzaLinea::persa);
         ecu->riaggancia();
         QTRY_COMPARE_WITH_TIMEOUT(persa.size(), 1, 3000);
-        QCOMPARE(p->sorveglianza.stato(), SorveglianzaLinea::Stato::Persa);
-        QVERIFY(!p->porta.PortOpen());
-        QCOMPARE(p->stato.EcuDaIdentificare, true);
+        QCOMPARE(p->linea.sorveglianza().stato(), SorveglianzaLinea::Stato::Persa);
+        QVERIFY(!p->linea.porta().PortOpen());
+        QCOMPARE(p->linea.ecu().EcuDaIdentificare, true);
         QVERIFY(!QFileInfo(collegamento).isSymLink());
         QVERIFY(riapertura->scatta()); // nothing to open yet
-        QCOMPARE(p->sorveglianza.stato(), SorveglianzaLinea::Stato::Persa);
+        QCOMPARE(p->linea.sorveglianza().stato(), SorveglianzaLinea::Stato::Persa);
         QTest::qWait(300);
 
         // Plugged in again: a new device under the same path, opened at the next try.
         QVERIFY(ecu->riapriLinea());
         QVERIFY(riapertura->scatta());
-        QCOMPARE(p->sorveglianza.stato(), SorveglianzaLinea::Stato::Aperta);
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
+        QCOMPARE(p->linea.sorveglianza().stato(), SorveglianzaLinea::Stato::Aperta);
+        QTRY_COMPARE_WITH_TIMEOUT(p->linea.ecu().EcuDaIdentificare, false, 3000);
         QCOMPARE(richiesteVersione, 2);
         QCOMPARE(persa.size(), 1);
         QCOMPARE(porta->scrittureSuPortaChiusa, 0);
@@ -205,14 +205,14 @@ private slots:
     void unansweredVersionFreesTheLinkAndIsAskedAgain()
     {
         avvia({}, [](EcuSimulata &e) { e.scartaOgniNRisposte(1); });
-        QTRY_COMPARE_WITH_TIMEOUT(p->motore.StatoDialogo(), qint16(111), 2000);
-        QSignalSpy frame(&p->identificazione, &Identificazione::frameAbilitato);
+        QTRY_COMPARE_WITH_TIMEOUT(p->linea.motore().StatoDialogo(), qint16(111), 2000);
+        QSignalSpy frame(&p->linea.identificazione(), &Identificazione::frameAbilitato);
         QTest::qWait(4000);
-        QCOMPARE(p->motore.StatoDialogo(), qint16(111)); // no retry inside the wait
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(111)); // no retry inside the wait
         ecu->scartaOgniNRisposte(0);
         QTRY_VERIFY_WITH_TIMEOUT(!frame.isEmpty(), 2000);
         QCOMPARE(frame.first().at(0).toBool(), true);
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 2000);
+        QTRY_COMPARE_WITH_TIMEOUT(p->linea.ecu().EcuDaIdentificare, false, 2000);
         QCOMPARE(richiesteVersione, 2);
     }
 
@@ -233,12 +233,12 @@ private slots:
         OpzioniEcu o;
         o.applicazionePresente = applicazione;
         avvia(o, [&](EcuSimulata &e) { e.scriviMemoria(0xC110, celleTps); });
-        QTRY_VERIFY_WITH_TIMEOUT(!p->stato.EcuDaIdentificare || !p->stato.EcuNormale, 3000);
+        QTRY_VERIFY_WITH_TIMEOUT(!p->linea.ecu().EcuDaIdentificare || !p->linea.ecu().EcuNormale, 3000);
         QTest::qWait(100);
-        QCOMPARE(p->stato.EcuNormale, applicazione);
-        QCOMPARE(p->stato.EcuDaIdentificare, !applicazione);
-        QCOMPARE(p->stato.TpsPresente, tps);
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.ecu().EcuNormale, applicazione);
+        QCOMPARE(p->linea.ecu().EcuDaIdentificare, !applicazione);
+        QCOMPARE(p->linea.ecu().TpsPresente, tps);
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
     }
 
     void noiseAndBadChecksumsLoseOnlyTheFramesTheyHit()
@@ -246,10 +246,10 @@ private slots:
         OpzioniEcu o;
         o.frameAlSecondo = 40;
         avvia(o);
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
+        QTRY_COMPARE_WITH_TIMEOUT(p->linea.ecu().EcuDaIdentificare, false, 3000);
 
         int ricevuti = 0;
-        connect(p.get(), &Programma::segnalazione, this, [&](const QString &hex) {
+        connect(&p->linea, &SessioneLinea::segnalazione, this, [&](const QString &hex) {
             if (hex.startsWith(QLatin1String("64")))
                 ++ricevuti;
         });

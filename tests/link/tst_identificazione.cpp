@@ -12,7 +12,8 @@ namespace {
 class TaraturaSpia : public GestoreTaratura
 {
 public:
-    explicit TaraturaSpia(const StatoProgramma &s) : m_s(s) {}
+    explicit TaraturaSpia(const StatoEcu &s) : m_s(s) {}
+    bool sequenzaInCorso() const override { return sequenza; }
     void marciaNormale(const RecordDati &r) override
     {
         chiamate << QStringLiteral("normal %1 rpm %2 running %3")
@@ -29,9 +30,10 @@ public:
                         .arg(m_s.EcuInMarcia);
     }
     QStringList chiamate;
+    bool sequenza = false;
 
 private:
-    const StatoProgramma &m_s;
+    const StatoEcu &m_s;
 };
 
 } // namespace
@@ -45,9 +47,9 @@ private slots:
 
     void firstLiveFrameAsksForVersionAndTheFourCells()
     {
-        QSignalSpy frame(&p->identificazione, &Identificazione::frameAbilitato);
+        QSignalSpy frame(&p->linea.identificazione(), &Identificazione::frameAbilitato);
         arriva(datiLive(0));
-        QCOMPARE(p->motore.StatoDialogo(), qint16(111));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(111));
         QCOMPARE(porta->scritti, QByteArrayList{CreaFrame("V")});
         QCOMPARE(req->interval(), 5000);
         QVERIFY(!dati->isEnabled()); // no watchdog during identification
@@ -55,9 +57,9 @@ private slots:
         QCOMPARE(frame.at(0).at(0).toBool(), false);
 
         arriva(rispostaVersione());
-        QCOMPARE(p->motore.StatoDialogo(), qint16(112));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(112));
         QCOMPARE(porta->scritti.last(), CreaFrame(QByteArray("R\xC1\x12\x02", 4)));
-        const StatoProgramma &s = p->stato;
+        const StatoEcu &s = p->linea.ecu();
         QCOMPARE(QStringList({s.InfVeicolo, s.InfData, s.InfCodice, s.InfDatoA, s.InfDatoB}),
                  QStringList({"VEICOLO-01", "2026-11-01", "KV-CODE-000042", "DATO-A-123", "B-77"}));
 
@@ -69,11 +71,11 @@ private slots:
         QCOMPARE(porta->scritti.last(), CreaFrame(QByteArray("R\x01\x09\x01", 4)));
         arriva(QByteArray("r\x00", 2));
         QCOMPARE(porta->scritti.size(), 5);
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
-        QCOMPARE(p->stato.EcuDaIdentificare, false);
-        QCOMPARE(p->stato.TpsPresente, true);
-        QCOMPARE(p->stato.TipoTpsPresente, true);
-        QCOMPARE(p->stato.TpsAutoPresente, false);
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.ecu().EcuDaIdentificare, false);
+        QCOMPARE(p->linea.ecu().TpsPresente, true);
+        QCOMPARE(p->linea.ecu().TipoTpsPresente, true);
+        QCOMPARE(p->linea.ecu().TpsAutoPresente, false);
         QCOMPARE(frame.last().at(0).toBool(), true);
         // The calibration points went through the scale and the mask into the limits.
         QCOMPARE(p->catalogo.Parametri[Par::TpsTaratoMassimo].Max, 224.0);
@@ -83,24 +85,25 @@ private slots:
     void tpsPresenceNeedsBothCellsErased()
     {
         identifica(1023, 1023);
-        QCOMPARE(p->stato.TpsPresente, false);
+        QCOMPARE(p->linea.ecu().TpsPresente, false);
         init();
         identifica(1023, 60);
-        QCOMPARE(p->stato.TpsPresente, true);
+        QCOMPARE(p->linea.ecu().TpsPresente, true);
     }
 
     void liveFramesAreDecodedOnceTheEcuIsKnown()
     {
         identifica();
+        QSignalSpy nuovi(&p->linea.datiLive(), &DatiLive::nuovoRecord);
         arriva(datiLive(0, 2500, 1023, 1023, 3, 0));
-        const RecordDati &r = p->stato.DatiAttuali[0];
+        const RecordDati &r = p->linea.datiLive().ultimoRecord();
         QCOMPARE(r.Valore[Canale::Giri], 2500.0);
         QCOMPARE(r.Valore[Canale::Tps], 255.0);
         QCOMPARE(r.Valore[Canale::Lambda], 255.0); // scaled when the probe type is 0
         QCOMPARE(r.Valore[Canale::MZonAct], 3.0);
         QCOMPARE(r.Valore[Canale::TipAlim], 2.0);
         QCOMPARE(r.Valore[Canale::TipoLambda], 0.0);
-        QCOMPARE(p->stato.DatoNuovo, true);
+        QCOMPARE(nuovi.size(), 1);
         QVERIFY(dati->isEnabled());
 
         arriva(datiLive(0, 2500, 512, 700, 3, 5));
@@ -111,23 +114,23 @@ private slots:
 
     void liveFrameDuringAnotherDialogueDoesNotStartIdentification()
     {
-        p->motore.accoda("V");
-        QVERIFY(p->motore.avvia(1, 5000));
+        p->linea.motore().accoda("V");
+        QVERIFY(p->linea.motore().avvia(1, 5000));
         arriva(datiLive(0));
-        QCOMPARE(p->motore.StatoDialogo(), qint16(1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(1));
         QCOMPARE(porta->scritti.size(), 1);
-        QCOMPARE(p->stato.EcuDaIdentificare, true);
+        QCOMPARE(p->linea.ecu().EcuDaIdentificare, true);
     }
 
     void timeOutDuringIdentificationRetriesOnTheNextLiveFrame()
     {
         arriva(datiLive(0));
-        QSignalSpy frame(&p->identificazione, &Identificazione::frameAbilitato);
+        QSignalSpy frame(&p->linea.identificazione(), &Identificazione::frameAbilitato);
         QVERIFY(req->scatta());
         QCOMPARE(frame.size(), 1);
         QCOMPARE(frame.at(0).at(0).toBool(), true);
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
-        QCOMPARE(p->stato.EcuDaIdentificare, true);
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.ecu().EcuDaIdentificare, true);
         arriva(rispostaVersione()); // too late: dropped
         QCOMPARE(porta->scritti.size(), 1);
         arriva(datiLive(0));
@@ -138,17 +141,17 @@ private slots:
     void watchdogMakesTheEcuUnknownAgain()
     {
         identifica();
-        QSignalSpy persa(&p->datiLive, &DatiLive::ecuPersa);
+        QSignalSpy persa(&p->linea.datiLive(), &DatiLive::ecuPersa);
         arriva(datiLive(5, 0, 0, 0, 1, 0));
-        QCOMPARE(p->stato.EcuInMarcia, false);
+        QCOMPARE(p->linea.ecu().EcuInMarcia, false);
         QVERIFY(dati->scatta());
         QCOMPARE(persa.size(), 1);
-        QCOMPARE(p->stato.EcuDaIdentificare, true);
-        QCOMPARE(p->stato.EcuNormale, true);
-        QCOMPARE(p->stato.EcuInMarcia, true);
+        QCOMPARE(p->linea.ecu().EcuDaIdentificare, true);
+        QCOMPARE(p->linea.ecu().EcuNormale, true);
+        QCOMPARE(p->linea.ecu().EcuInMarcia, true);
         QVERIFY(!dati->isEnabled());
         arriva(datiLive(0));
-        QCOMPARE(p->motore.StatoDialogo(), qint16(111));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(111));
     }
 
     // A flash puts the ECU in its boot loader, which answers but sends no live frames.
@@ -171,38 +174,38 @@ private slots:
         QFETCH(int, statoDopo);
         identifica();
         arriva(datiLive(0, 800, 100, 500, 1, 0));
-        QSignalSpy persa(&p->datiLive, &DatiLive::ecuPersa);
-        p->motore.svuotaCoda();
-        p->motore.accoda("I");
-        QVERIFY(p->motore.avvia(151, 3000));
+        QSignalSpy persa(&p->linea.datiLive(), &DatiLive::ecuPersa);
+        p->linea.motore().svuotaCoda();
+        p->linea.motore().accoda("I");
+        QVERIFY(p->linea.motore().avvia(151, 3000));
         QVERIFY(dati->scatta());
         QVERIFY(dati->scatta());
         QCOMPARE(persa.size(), 0);
-        QCOMPARE(p->stato.EcuDaIdentificare, false);
+        QCOMPARE(p->linea.ecu().EcuDaIdentificare, false);
         if (tornaNelDialogo)
             arriva(datiLive(0, 800, 100, 500, 1, 0));
-        p->motore.abbandona();
+        p->linea.motore().abbandona();
         if (tornaDopo)
             arriva(datiLive(0, 800, 100, 500, 1, 0));
         else
             QVERIFY(dati->scatta());
         QCOMPARE(persa.size(), perse);
-        QCOMPARE(p->motore.StatoDialogo(), qint16(statoDopo));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(statoDopo));
     }
 
     void statusOtherThanZeroLeavesRunningAndDropsTheRunningFunction()
     {
         identifica();
-        QSignalSpy marcia(&p->datiLive, &DatiLive::inMarciaCambiata);
-        p->stato.FunzioneScelta = Funzione::MessaPunto;
+        QSignalSpy marcia(&p->linea.datiLive(), &DatiLive::inMarciaCambiata);
+        p->menu.scegli(Funzione::MessaPunto);
         arriva(datiLive(1));
         QCOMPARE(marcia.size(), 1);
-        QCOMPARE(p->stato.FunzioneScelta, Funzione::Nessuna);
+        QCOMPARE(p->menu.FunzioneScelta(), Funzione::Nessuna);
         arriva(datiLive(1));
         QCOMPARE(marcia.size(), 1); // only on a change
         arriva(datiLive(0));
         QCOMPARE(marcia.size(), 2);
-        QCOMPARE(p->stato.EcuInMarcia, true);
+        QCOMPARE(p->linea.ecu().EcuInMarcia, true);
     }
 
     void signOfLifeWithoutApplication()
@@ -211,9 +214,9 @@ private slots:
         arriva(datiLive(0));
         QVERIFY(dati->isEnabled());
         arriva("g");
-        QCOMPARE(p->stato.EcuNormale, false);
+        QCOMPARE(p->linea.ecu().EcuNormale, false);
         QVERIFY(!dati->isEnabled()); // a stream of 'g' never ends in a time-out
-        QCOMPARE(p->stato.EcuDaIdentificare, false);
+        QCOMPARE(p->linea.ecu().EcuDaIdentificare, false);
     }
 
     void calibrationIsCalledAtItsPlaceInEachFrame_data()
@@ -245,13 +248,13 @@ private slots:
         QFETCH(QStringList, attese);
         if (identificata)
             identifica();
-        TaraturaSpia spia(p->stato);
-        p->datiLive.impostaGestoreTaratura(&spia);
-        p->stato.TaraturaCompleta = sequenza;
+        TaraturaSpia spia(p->linea.ecu());
+        p->linea.datiLive().impostaGestoreTaratura(&spia);
+        spia.sequenza = sequenza;
         for (int i = 0; i < stati.size(); ++i)
             arriva(datiLive(quint8(stati[i]), quint16(1000 + i)));
         QCOMPARE(spia.chiamate, attese);
-        p->datiLive.impostaGestoreTaratura(nullptr);
+        p->linea.datiLive().impostaGestoreTaratura(nullptr);
         arriva(datiLive(234));
         QCOMPARE(spia.chiamate.size(), attese.size());
     }
@@ -260,7 +263,7 @@ private slots:
     {
         identifica();
         p->anello.azzera();
-        p->stato.RegistrazioneAttiva = true;
+        p->anello.RegistrazioneAttiva = true;
         for (int i = 0; i < 3; ++i)
             arriva(datiLive(0, quint16(1000 + i)));
         QCOMPARE(p->anello.IndiceRegistrazione, qint16(2));

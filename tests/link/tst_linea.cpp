@@ -13,7 +13,7 @@ class TstLinea : public QObject, ProgrammaFinto
 {
     Q_OBJECT
 
-    Stato stato() const { return p->sorveglianza.stato(); }
+    Stato stato() const { return p->linea.sorveglianza().stato(); }
 
 private slots:
     void init()
@@ -38,7 +38,7 @@ private slots:
     void nothingLikeAnEcuIsToldAndAGoodFrameEndsIt()
     {
         QFETCH(QByteArray, sullaLinea);
-        QSignalSpy cambi(&p->sorveglianza, &SorveglianzaLinea::statoCambiato);
+        QSignalSpy cambi(&p->linea.sorveglianza(), &SorveglianzaLinea::statoCambiato);
         QCOMPARE(silenzio->interval(), 5000);
         porta->arriva(sullaLinea);
         QVERIFY(silenzio->scatta());
@@ -46,8 +46,8 @@ private slots:
         QCOMPARE(cambi.size(), 1);
         QVERIFY(!silenzio->isEnabled()); // said once
         QVERIFY(porta->scritti.isEmpty());
-        QCOMPARE(p->sorveglianza.impostazioni().dispositivo, QStringLiteral("/dev/ttyUSB3"));
-        QCOMPARE(p->sorveglianza.impostazioni().velocita, 19200);
+        QCOMPARE(p->linea.sorveglianza().impostazioni().dispositivo, QStringLiteral("/dev/ttyUSB3"));
+        QCOMPARE(p->linea.sorveglianza().impostazioni().velocita, 19200);
 
         // A good frame right behind a spoilt one may wait for the next arrival.
         arriva("g\x01");
@@ -59,23 +59,23 @@ private slots:
 
     void aLostPortEndsTheDialogueAndTheEcuIsIdentifiedWhenItComesBack()
     {
-        QSignalSpy frame(&p->identificazione, &Identificazione::frameAbilitato);
+        QSignalSpy frame(&p->linea.identificazione(), &Identificazione::frameAbilitato);
         arriva(datiLive(0));
-        QCOMPARE(p->motore.StatoDialogo(), qint16(111));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(111));
         QCOMPARE(porta->scritti, QByteArrayList{CreaFrame("V")});
 
         porta->perdi();
         QCOMPARE(stato(), Stato::Persa);
         // The request in flight ended as its time-out would: the link is free, the frame enabled.
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         QCOMPARE(frame.last().at(0).toBool(), true);
         QVERIFY(!silenzio->isEnabled());
         QCOMPARE(riapertura->interval(), 1000);
 
         // Nothing goes to a dead port, whoever asks.
-        p->motore.svuotaCoda();
-        p->motore.accoda("V");
-        QVERIFY(!p->motore.avvia(111, MotoreDialogo::IntervalloLettura));
+        p->linea.motore().svuotaCoda();
+        p->linea.motore().accoda("V");
+        QVERIFY(!p->linea.motore().avvia(111, MotoreDialogo::IntervalloLettura));
         porta->riesce = false;
         for (int i = 0; i < 3; ++i)
             QVERIFY(riapertura->scatta());
@@ -86,7 +86,7 @@ private slots:
         QCOMPARE(porta->scritti.size(), 1);
 
         porta->riesce = true;
-        QSignalSpy riaperta(&p->sorveglianza, &SorveglianzaLinea::riaperta);
+        QSignalSpy riaperta(&p->linea.sorveglianza(), &SorveglianzaLinea::riaperta);
         QVERIFY(riapertura->scatta());
         QCOMPARE(riaperta.size(), 1);
         QCOMPARE(stato(), Stato::Aperta);

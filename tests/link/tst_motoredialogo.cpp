@@ -18,7 +18,7 @@ public:
     char rispostaAttesa(int stato) const override
     {
         const int passo = (stato - 1) % 10;
-        return stato >= 100 ? GestoreStati::rispostaAttesa(stato) : passo == 0 ? 'r' : passo <= 2 ? 'e' : 0;
+        return stato == 111 ? 'v' : stato >= 100 ? 0 : passo == 0 ? 'r' : passo <= 2 ? 'e' : 0;
     }
 
     void risposta(char lettera, int stato, const QByteArray &payload) override

@@ -72,7 +72,7 @@ private slots:
             }
         });
         // As a monitor window opens.
-        p->stato.RegistrazioneAttiva = true;
+        p->anello.RegistrazioneAttiva = true;
         QVERIFY(r().impostaFileRegistrazione(file));
     }
 

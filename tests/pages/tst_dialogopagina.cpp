@@ -2,6 +2,7 @@
 // opening reads of every plan, conversions, cross limits, TPS presence and lock, saves in
 // every page's order, refusals by the ECU and time-outs. Time-outs fire by hand.
 
+#include "support/FrameDiProva.h"
 #include "support/ProgrammaSimulato.h"
 
 #include "link/Frame.h"
@@ -68,7 +69,8 @@ class TstDialogoPagina : public QObject, ProgrammaSimulato
 
     void crea(const DescrizionePagina &d)
     {
-        dialogo = std::make_unique<DialogoPagina>(d, p->catalogo, p->motore, p->stato, p->lingua, vista);
+        dialogo = std::make_unique<DialogoPagina>(d, p->catalogo, p->linea, p->menu.ModoAssistenza(),
+                                                  p->lingua, vista);
     }
 
     bool apri(const DescrizionePagina &d)
@@ -100,7 +102,7 @@ private slots:
 
     void idleReadFillsValuesLimitsAndTheZoneLine()
     {
-        p->stato.DatiAttuali[0].Valore[Canale::MZonAct] = 3;
+        p->linea.datiLive().RispostaDati(datiLive(0, 800, 100, 500, 3));
         QVERIFY(apriMinimo());
         QCOMPARE(vista.valori.size(), 8);
         QCOMPARE(vista.valori.value(Par::SogliaLambdaRiccoMinimo), scala(700));
@@ -153,7 +155,7 @@ private slots:
             // point an earlier page read.
             const bool normale = id == IdPagina::MP_Normale;
             const bool atteso = presente || normale;
-            QVERIFY2(p->stato.TpsPresente == atteso, qPrintable(descrizione(id).sezione));
+            QVERIFY2(p->linea.ecu().TpsPresente == atteso, qPrintable(descrizione(id).sezione));
             QCOMPARE(vista.righeTpsNascoste, !atteso);
             QCOMPARE(val(Par::TpsTaratoMassimo).Letto, normale ? 77.0 : scala(massimo));
             // The low point, read last on every page, is the idle exit's floor.
@@ -234,7 +236,7 @@ private slots:
         QVERIFY(porta->scritti.isEmpty());
         QCOMPARE(val(Par::SogliaGiriEntrataMinimo).Letto, -1.0);
         QCOMPARE(vista.disabilitazioni, 0);
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
     }
 
     void workZonePartnersFollowPastTheirLimits_data()
@@ -297,7 +299,7 @@ private slots:
         dialogo->RispostaEsci(2); // cancel: the page stays and nothing is sent
         QVERIFY(porta->scritti.isEmpty());
         QCOMPARE(vista.chiusure, 1);
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
     }
 
     void periodFieldCountsAsAChangeAndZeroFails()
@@ -385,7 +387,7 @@ private slots:
         crea(descrizione(IdPagina::MP_Minimo));
         QVERIFY(dialogo->avviaLettura());
         emit porta->arrivati(CreaFrame(QByteArray("e\x03", 2), 0));
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         QVERIFY(vista.emergenza);
         QVERIFY(vista.abilitata);
         QVERIFY(vista.segnalazioni.last().startsWith("03H "));
@@ -396,10 +398,12 @@ private slots:
         QTest::addColumn<int>("stato");
         QTest::addColumn<QString>("chiave");
         QTest::addColumn<bool>("emergenza");
-        QTest::newRow("opening read") << 1 << "SEGNALAZIONE_2" << true;
-        QTest::newRow("save") << 2 << "SEGNALAZIONE_5" << false;
-        QTest::newRow("save and leave") << 3 << "SEGNALAZIONE_5" << true;
-        QTest::newRow("small page, save") << 182 << "SEGNALAZIONE_2" << false;
+        QTest::addColumn<bool>("soloLettura"); // Esci_Out after a failed read alone
+        QTest::newRow("opening read") << 1 << "SEGNALAZIONE_2" << true << false;
+        QTest::newRow("save") << 2 << "SEGNALAZIONE_5" << false << false;
+        QTest::newRow("save and leave") << 3 << "SEGNALAZIONE_5" << true << false;
+        QTest::newRow("small page, save") << 182 << "SEGNALAZIONE_2" << false << false;
+        QTest::newRow("parameter page, save and leave") << 183 << "SEGNALAZIONE_2" << false << true;
     }
 
     void timeOutsByState()
@@ -407,10 +411,15 @@ private slots:
         QFETCH(int, stato);
         QFETCH(QString, chiave);
         QFETCH(bool, emergenza);
+        QFETCH(bool, soloLettura);
         vociMinimo();
         if (stato == 1)
             ecu->impostaStallo(true);
-        crea(stato > 100 ? descrizione(IdPagina::MP_Stechio) : descrizione(IdPagina::MP_Minimo));
+        DescrizionePagina d =
+            stato > 100 ? descrizione(IdPagina::MP_Stechio) : descrizione(IdPagina::MP_Minimo);
+        if (soloLettura)
+            d.scadenza = Scadenza::LetturaEmergenza;
+        crea(d);
         QVERIFY(dialogo->avviaLettura());
         if (stato != 1) {
             QVERIFY(attendi());
@@ -421,10 +430,10 @@ private slots:
             else
                 dialogo->RispostaEsci(DialogoPagina::RispostaSi);
         }
-        QCOMPARE(p->motore.StatoDialogo(), qint16(stato));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(stato));
         QVERIFY(!vista.abilitata);
         QVERIFY(req->scatta());
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         QVERIFY(vista.abilitata);
         QCOMPARE(vista.segnalazioni.last(), testo("SEGNALAZIONI", chiave));
         QCOMPARE(vista.emergenza, emergenza);
@@ -440,6 +449,16 @@ private slots:
         QCOMPARE(vista.chiusure, 0);
     }
 
+    void throttlePageSendsTheListIndex()
+    {
+        voce(Par::TipoTps, 0xFF); // as the parameter page writes it
+        QVERIFY(apri(descrizione(IdPagina::MP_TPS)));
+        dialogo->impostaCorrente(Par::TipoTps, 1);
+        dialogo->Applica();
+        QVERIFY(attendi());
+        QCOMPARE(ram(Par::TipoTps), 0x01);
+    }
+
     void aPageSharingAnotherPagesGroupStaysSilent()
     {
         DescrizionePagina d = descrizione(IdPagina::MP_Stechio);
@@ -449,7 +468,7 @@ private slots:
         crea(d);
         QVERIFY(dialogo->avviaLettura());
         QVERIFY(req->scatta());
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         QVERIFY(!vista.abilitata && !vista.emergenza);
         QCOMPARE(vista.segnalazioni.size(), 1); // "reading", and nothing after
     }

@@ -49,8 +49,8 @@ class TstGriglie : public QObject, ProgrammaSimulato
 
     void creaMappa()
     {
-        dialogo = std::make_unique<DialogoPagina>(*DescrizioneDi(IdPagina::MP_Normale), p->catalogo,
-                                                  p->motore, p->stato, p->lingua, vista);
+        dialogo = std::make_unique<DialogoPagina>(*DescrizioneDi(IdPagina::MP_Normale), p->catalogo, p->linea,
+                                                  p->menu.ModoAssistenza(), p->lingua, vista);
         mappa = std::make_unique<ModelloMappaLambda>(*dialogo, p->catalogo);
         vista.griglia = mappa.get();
     }
@@ -271,7 +271,7 @@ private slots:
     void fullLoadMarkerTakesTheRpmZone()
     {
         dialogo = std::make_unique<DialogoPagina>(*DescrizioneDi(IdPagina::MP_PienoCarico), p->catalogo,
-                                                  p->motore, p->stato, p->lingua, vista);
+                                                  p->linea, p->menu.ModoAssistenza(), p->lingua, vista);
         ModelloGrigliaRTS rts(*dialogo, p->catalogo);
         vista.griglia = &rts;
         QVERIFY(dialogo->avviaLettura() && attendi());

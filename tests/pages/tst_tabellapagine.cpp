@@ -35,9 +35,6 @@ private slots:
             pagine.insert(d.id);
             QCOMPARE(TabellaStati::primoDelGruppo(d.primoStato), d.primoStato);
             ++gruppi[d.primoStato];
-            // A page's group is no other owner's.
-            for (int s = d.primoStato; s < d.primoStato + 10; ++s)
-                QVERIFY2(TabellaStati::rispostaAttesa(s) == 0, qPrintable(QString::number(s)));
         }
         for (const DescrizionePagina &d : TabellaPagine())
             QVERIFY2(gruppi[d.primoStato] == 1 || d.gruppoCondiviso, qPrintable(d.sezione));

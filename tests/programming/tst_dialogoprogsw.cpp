@@ -86,12 +86,13 @@ class TstDialogoProgSW : public QObject, ProgrammaSimulato
     // What the ECU must hold after a flash: the release with the identification it gave.
     QByteArray immagineAttesa() const
     {
-        QByteArray id = (p->stato.InfCodice + p->stato.InfDatoA + p->stato.InfDatoB).toLatin1();
+        QByteArray id =
+            (p->linea.ecu().InfCodice + p->linea.ecu().InfDatoA + p->linea.ecu().InfDatoB).toLatin1();
         return ImmagineDiProva().replace(0x40, id.size(), id);
     }
     bool libero()
     {
-        return finche([this] { return p->motore.StatoDialogo() == -1; });
+        return finche([this] { return p->linea.motore().StatoDialogo() == -1; });
     }
 
     // A fresh program and ECU; an ECU with application is identified first.
@@ -101,16 +102,17 @@ class TstDialogoProgSW : public QObject, ProgrammaSimulato
         OpzioniEcu o = OpzioniManuali();
         o.applicazionePresente = applicazione;
         ProgrammaSimulato::avvia(o);
-        p->stato.EcuDaIdentificare = true;
+        p->linea.ecuDiProva().EcuDaIdentificare = true;
         ecu->avanzaTempo(applicazione ? 40 : 300);
         if (applicazione)
-            QVERIFY(finche([this] { return !p->stato.EcuDaIdentificare; }));
+            QVERIFY(finche([this] { return !p->linea.ecu().EcuDaIdentificare; }));
         else
-            QVERIFY(finche([this] { return !p->stato.EcuNormale; }));
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+            QVERIFY(finche([this] { return !p->linea.ecu().EcuNormale; }));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         vista = VistaFinta();
         vista.scritti = &porta->scritti;
-        d = std::make_unique<DialogoProgSW>(p->motore, p->stato, p->lingua, vista);
+        d = std::make_unique<DialogoProgSW>(p->linea.motore(), p->linea.ecu(), p->PercorsoApp, p->lingua,
+                                            vista);
         porta->scritti.clear();
     }
 
@@ -122,7 +124,7 @@ class TstDialogoProgSW : public QObject, ProgrammaSimulato
         vista.scritti = &porta->scritti;
         porta->scritti.clear();
         d->avviaProgrammazione();
-        QCOMPARE(p->motore.StatoDialogo(), qint16(DialogoProgSW::StatoInizio));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(DialogoProgSW::StatoInizio));
         QCOMPARE(req->interval(), 3000);
         QVERIFY(!vista.abilitata);
         QVERIFY(libero());
@@ -171,7 +173,7 @@ private slots:
         const QString home = altra.path();
         QVERIFY(preparaCartella(home));
         ProgrammaSimulato::avvia(OpzioniManuali(), home);
-        DialogoProgSW dialogo(p->motore, p->stato, p->lingua, vista);
+        DialogoProgSW dialogo(p->linea.motore(), p->linea.ecu(), p->PercorsoApp, p->lingua, vista);
 
         // The folder is made when missing.
         QVERIFY(ElencoSoftware(home).isEmpty());
@@ -239,7 +241,7 @@ private slots:
         d->avviaProgrammazione();
         QTest::qWait(20);
         QVERIFY(porta->scritti.isEmpty());
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         QVERIFY(vista.abilitata && !vista.barraVisibile);
         if (messaggio == 13) {
             QCOMPARE(vista.messaggi,
@@ -263,7 +265,7 @@ private slots:
         QFETCH(bool, applicazione);
         avvia(applicazione);
         if (!applicazione)
-            QCOMPARE(p->stato.InfCodice, QString(14, ' ')); // no version reply: blanks go in
+            QCOMPARE(p->linea.ecu().InfCodice, QString(14, ' ')); // no version reply: blanks go in
         d->scegli(QStringLiteral("NEWREL"));
         flashRiuscito();
     }
@@ -320,11 +322,11 @@ private slots:
         QVERIFY(finche([&] { return colpito; }));
         QTest::qWait(20);
         if (guasto == Guasto::Silenzio) {
-            QCOMPARE(p->motore.StatoDialogo(), qint16(dove == 0 ? 151 : dove == FrameF ? 153 : 152));
+            QCOMPARE(p->linea.motore().StatoDialogo(), qint16(dove == 0 ? 151 : dove == FrameF ? 153 : 152));
             QVERIFY(!vista.abilitata);
             QVERIFY(req->scatta());
         }
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         const QString attesa = guasto == Guasto::Codice
                                    ? QStringLiteral("%1H ").arg(codice, 2, 16, QLatin1Char('0')).toUpper()
                                          + testo("ERRORI", chiave)
@@ -342,9 +344,9 @@ private slots:
         ecu->impostaGuastoBlocco(0);
         ecu->impostaStallo(false);
         if (guasto == Guasto::PortaPersa) {
-            QVERIFY(!p->porta.PortOpen());
+            QVERIFY(!p->linea.porta().PortOpen());
             QVERIFY(riapertura->scatta());
-            QVERIFY(p->porta.PortOpen());
+            QVERIFY(p->linea.porta().PortOpen());
         }
         flashRiuscito();
     }
@@ -367,7 +369,7 @@ private slots:
         o.applicazionePresente = applicazione;
         QVERIFY(avviaSuLinea(o));
         vista = VistaFinta();
-        DialogoProgSW dialogo(p->motore, p->stato, p->lingua, vista);
+        DialogoProgSW dialogo(p->linea.motore(), p->linea.ecu(), p->PercorsoApp, p->lingua, vista);
         dialogo.scegli(QStringLiteral("NEWREL"));
         const auto ultima = [this] { return vista.segnalazioni.value(vista.segnalazioni.size() - 1); };
         if (caduta) {
@@ -382,11 +384,12 @@ private slots:
         QTRY_COMPARE_WITH_TIMEOUT(ultima(), segnalazione(12), 10000);
         QCOMPARE(ecu->leggiMemoria(0xC000, 0x3700), immagineAttesa());
         if (!applicazione) {
-            QCOMPARE(p->stato.InfCodice + p->stato.InfDatoA + p->stato.InfDatoB, QString(28, u' '));
+            QCOMPARE(p->linea.ecu().InfCodice + p->linea.ecu().InfDatoA + p->linea.ecu().InfDatoB,
+                     QString(28, u' '));
             // The new software runs: the ECU that had none is identified, with the new image's
             // version reply.
-            QTRY_VERIFY_WITH_TIMEOUT(!p->stato.EcuDaIdentificare && p->stato.EcuNormale, 5000);
-            QCOMPARE(p->stato.InfVeicolo, QStringLiteral("NEW-REL   "));
+            QTRY_VERIFY_WITH_TIMEOUT(!p->linea.ecu().EcuDaIdentificare && p->linea.ecu().EcuNormale, 5000);
+            QCOMPARE(p->linea.ecu().InfVeicolo, QStringLiteral("NEW-REL   "));
         }
     }
 

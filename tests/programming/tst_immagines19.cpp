@@ -4,7 +4,7 @@
 #include "programming/FileBlocchi.h"
 #include "programming/ImmagineS19.h"
 
-#include "link/StatoProgramma.h"
+#include "link/StatoEcu.h"
 #include "support/FileDiProva.h"
 #include "support/S19DiProva.h"
 
@@ -82,7 +82,7 @@ private slots:
         QFETCH(bool, riuscita);
         QFETCH(Scritture, attese);
         QTemporaryDir dir;
-        StatoProgramma stato;
+        StatoEcu stato;
         stato.InfCodice = QString::fromLatin1(Codice);
         stato.InfDatoA = QString::fromLatin1(DatoA);
         stato.InfDatoB = QStringLiteral("R2"); // short: padded with blanks
@@ -110,7 +110,7 @@ private slots:
     void fileMancantiOAltrui()
     {
         QTemporaryDir dir;
-        const StatoProgramma stato;
+        const StatoEcu stato;
         const QString fileSW = dir.filePath(QStringLiteral("FILESW.TXT"));
         const QString fileS19 = dir.filePath(QStringLiteral("KV2.S19"));
         scrivi(fileS19, RigaS1(0xC100, "\x01"));

@@ -284,7 +284,7 @@ private slots:
         const QString atteso = parti.size() == 2 ? p->lingua.LeggiTesto(parti[0], parti[1]) : messaggio;
         QVERIFY2(vista.segnalazione.startsWith(atteso), qPrintable(vista.segnalazione));
         QVERIFY(vista.abilitata);
-        QCOMPARE(p->motore.StatoDialogo(), -1);
+        QCOMPARE(p->linea.motore().StatoDialogo(), -1);
     }
 
     void aRefusedFlagStillFilesTheMap()

@@ -47,10 +47,8 @@ private slots:
         QCOMPARE(p->lingua.LinguaCorrente, QString("ENGLISH"));
         // The program goes on without a link, its channel names read in the chosen language.
         QVERIFY(!p->canali.TitoloCanale(2).isEmpty());
-        QVERIFY(!p->porta.PortOpen());
+        QVERIFY(!p->linea.porta().PortOpen());
         QCOMPARE(fallita.size(), 1);
-        QVERIFY(!fallita.at(0).at(0).toString().trimmed().isEmpty());
-        QVERIFY(!fallita.at(0).at(1).toString().trimmed().isEmpty());
         p.reset();
         istanza.reset();
 
@@ -97,10 +95,10 @@ private slots:
         QSignalSpy fallita(p.get(), &Programma::portaNonAperta);
         Avvio::esegui(*p);
         QCOMPARE(fallita.size(), 0);
-        QVERIFY(p->porta.PortOpen());
+        QVERIFY(p->linea.porta().PortOpen());
         QCOMPARE(p->seriale.VelocitaCom, 38400);
         ecu.avvia();
-        QTRY_COMPARE_WITH_TIMEOUT(p->stato.EcuDaIdentificare, false, 3000);
+        QTRY_COMPARE_WITH_TIMEOUT(p->linea.ecu().EcuDaIdentificare, false, 3000);
         p.reset();
         // The version request, as sent, in the log of the folder the program was started in.
         QVERIFY(leggi(home + "/MESSAGGI.TXT").split('\n').contains("02873AF1560803\r"));

@@ -1,9 +1,10 @@
 // The menu's rules without a widget: what each state of the ECU and each language file
 // leaves enabled, hidden or open, and the access word of the service mode.
 #include "base/Lingua.h"
-#include "link/StatoProgramma.h"
+#include "link/StatoEcu.h"
 #include "shell/InfoProgramma.h"
 #include "shell/Menu.h"
+#include "shell/StatoMenu.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -32,6 +33,16 @@ class TstMenu : public QObject
 
     QTemporaryDir cartella;
     Lingua lingua;
+
+    std::vector<Menu::Voce> opzioni(int f, const StatoEcu &ecu, bool assistenza, const Lingua &l)
+    {
+        return Menu::Opzioni(f, ecu, assistenza,
+                             [&l](const QString &k) { return l.LeggiTesto("MainLambda", k); });
+    }
+    std::vector<Menu::Voce> opzioni(int f, const StatoEcu &ecu, bool assistenza)
+    {
+        return opzioni(f, ecu, assistenza, lingua);
+    }
 
 private slots:
     void initTestCase()
@@ -64,22 +75,22 @@ private slots:
         QFETCH(QList<int>, flag);
         QFETCH(int, sceltaDopo);
         QFETCH(QString, atteso);
-        StatoProgramma stato;
+        StatoEcu stato;
         stato.EcuNormale = flag[0] != 0;
         stato.EcuInMarcia = flag[1] != 0;
         stato.TpsPresente = flag[2] != 0;
-        stato.ModoAssistenza = flag[3] != 0;
-        stato.FunzioneScelta = Funzione::Taratura;
-        const Menu::Funzioni f = Menu::AggiornaFunzioni(stato, lingua);
-        QCOMPARE(static_cast<int>(stato.FunzioneScelta), sceltaDopo);
+        const bool assistenza = flag[3] != 0;
+        StatoMenu menu;
+        menu.scegli(Funzione::Taratura);
+        menu.ecuCambiata(stato);
+        QCOMPARE(static_cast<int>(menu.FunzioneScelta()), sceltaDopo);
         QStringList voci;
-        for (int i = 0; i < Menu::NumeroFunzioni; ++i) {
-            QCOMPARE(f.abilitata[size_t(i)], Menu::FunzioneAbilitata(i, stato));
-            voci << (f.abilitata[size_t(i)] ? abilitate(Menu::Opzioni(i, stato, lingua)) : QString("-"));
-        }
+        for (int i = 0; i < Menu::NumeroFunzioni; ++i)
+            voci << (Menu::FunzioneAbilitata(i, stato) ? abilitate(opzioni(i, stato, assistenza))
+                                                       : QString("-"));
         QCOMPARE(voci.join(u' '), atteso);
         // The one entry a missing TPS greys is the pump page.
-        for (const Menu::Voce &v : Menu::Opzioni(2, stato, lingua))
+        for (const Menu::Voce &v : opzioni(2, stato, assistenza))
             QCOMPARE(v.visibile && !v.abilitata, !stato.TpsPresente && v.pagina == IdPagina::MP_Pompata);
     }
 
@@ -93,21 +104,20 @@ private slots:
         f.close();
         Lingua prova(altra.path());
         prova.LeggiImpLingua();
-        StatoProgramma stato;
-        const auto utilita = Menu::Opzioni(4, stato, prova);
+        StatoEcu stato;
+        const auto utilita = opzioni(4, stato, false, prova);
         QCOMPARE(abilitate(utilita), QStringLiteral("11"));
         QVERIFY(utilita[3].visibile && !utilita[1].visibile && !utilita[2].visibile && !utilita[11].visibile);
         // Text past the table's rows shows, but opens nothing.
-        const auto prog = Menu::Opzioni(0, stato, prova);
+        const auto prog = opzioni(0, stato, false, prova);
         QVERIFY(prog[2].visibile && !prog[2].abilitata);
         QCOMPARE(prog[2].pagina, IdPagina::Nessuna);
-        QVERIFY(Menu::Opzioni(5, stato, prova).empty());
+        QVERIFY(opzioni(5, stato, false, prova).empty());
 
         Lingua nessuna(altra.filePath("manca"));
         nessuna.LeggiImpLingua();
-        QVERIFY(Menu::AggiornaFunzioni(stato, nessuna).caption[0].isEmpty());
         for (int i = 0; i < Menu::NumeroFunzioni; ++i)
-            QVERIFY(abilitate(Menu::Opzioni(i, stato, nessuna)).isEmpty());
+            QVERIFY(abilitate(opzioni(i, stato, false, nessuna)).isEmpty());
     }
 
     void accessWord_data()
@@ -131,10 +141,10 @@ private slots:
         QFETCH(QString, parola);
         QFETCH(int, esito);
         QFETCH(qint16, modoDopo);
-        StatoProgramma stato;
-        stato.ModoAssistenza = modo != 0;
-        QCOMPARE(int(Menu::VerificaParola(stato, parola)), esito);
-        QCOMPARE(stato.ModoAssistenza, modoDopo != 0);
+        StatoMenu menu;
+        menu.impostaAssistenza(modo != 0);
+        QCOMPARE(int(Menu::VerificaParola(menu, parola)), esito);
+        QCOMPARE(menu.ModoAssistenza(), modoDopo != 0);
     }
 
     void versionNumber()

@@ -6,7 +6,7 @@
 #include "RigaComando.h"
 
 #include "link/Frame.h"
-#include "link/StatoProgramma.h"
+#include "link/StatoEcu.h"
 #include "programming/ImmagineS19.h"
 #include "support/FileDiProva.h"
 #include "support/PortaEcu.h"
@@ -457,7 +457,7 @@ private slots:
         QCOMPARE(righe.at(1), RigaS1(0xC000, immagine.left(32)) + '\r'); // count and checksum right
 
         QTemporaryDir dir;
-        StatoProgramma stato;
+        StatoEcu stato;
         stato.InfCodice = QString::fromLatin1(v.codice);
         stato.InfDatoA = QString::fromLatin1(v.datoA);
         stato.InfDatoB = QString::fromLatin1(v.datoB);

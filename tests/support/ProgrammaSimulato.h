@@ -56,10 +56,10 @@ protected:
         p = std::make_unique<Programma>(app.isEmpty() ? cartella.path() : app, std::move(pe), std::move(r),
                                         std::make_unique<TemporizzatoreManuale>(), std::move(ra),
                                         std::make_unique<TemporizzatoreManuale>());
-        p->stato.EcuDaIdentificare = false;
+        p->linea.ecuDiProva().EcuDaIdentificare = false;
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
         p->canali.InizializzaCanali(p->lingua);
-        p->datiLive.aggiungiAscoltatore(&m_decodificati);
+        p->linea.datiLive().aggiungiAscoltatore(&m_decodificati);
     }
 
     // The real port at 38400 baud, the ECU streaming, identified by its first frames (or, with
@@ -81,7 +81,8 @@ protected:
         if (!p->ApriPorta())
             return false;
         ecu->avvia();
-        return QTest::qWaitFor([this] { return !p->stato.EcuDaIdentificare || !p->stato.EcuNormale; }, 5000)
+        return QTest::qWaitFor(
+                   [this] { return !p->linea.ecu().EcuDaIdentificare || !p->linea.ecu().EcuNormale; }, 5000)
                && attendi(5000);
     }
 
@@ -110,9 +111,9 @@ protected:
     bool attendi(int millisecondi = 3000)
     {
         QDeadlineTimer scadenza(millisecondi);
-        while (p->motore.StatoDialogo() != -1 && !scadenza.hasExpired())
+        while (p->linea.motore().StatoDialogo() != -1 && !scadenza.hasExpired())
             QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-        return p->motore.StatoDialogo() == -1;
+        return p->linea.motore().StatoDialogo() == -1;
     }
 
     int ram(int parametro) const { return CellaEcu(*ecu, p->catalogo, parametro, false); }

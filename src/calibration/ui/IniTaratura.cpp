@@ -42,7 +42,7 @@ IniTaratura::IniTaratura(SequenzaTaratura &sequenza, QWidget *parent)
     tasti->addWidget(m_annulla);
     colonna->addLayout(tasti);
     m_ok->setFocus(Qt::OtherFocusReason);
-    m_sequenza.stato().AttesaIniTaratura = true;
+    m_sequenza.paginaAvvisoAperta();
 }
 
 void IniTaratura::TastoOK()

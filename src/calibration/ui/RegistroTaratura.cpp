@@ -58,13 +58,30 @@ private:
     Korvantine &m_frame;
 };
 
+// The session as the frame sees it.
+class TaraturaNelFrame : public QObject, public Korvantine::Taratura
+{
+public:
+    TaraturaNelFrame(SequenzaTaratura &sequenza, QObject *parent) : QObject(parent), m_sequenza(sequenza) {}
+
+    void avvia(FaseTaratura passo) override { m_sequenza.AvviaTaratura(passo); }
+    void avviaSequenza() override { m_sequenza.avviaSequenza(); }
+    void prosegui() override { m_sequenza.prosegui(); }
+    bool inCorso() const override { return m_sequenza.TaraturaInCorso() != FaseTaratura::Nessuna; }
+    void terminata() override { m_sequenza.terminata(); }
+
+private:
+    SequenzaTaratura &m_sequenza;
+};
+
 } // namespace
 
 SequenzaTaratura &RegistraPagineTaratura(Korvantine &frame)
 {
     auto *telaio = new TelaioKorvantine(frame);
     auto *sequenza = new SequenzaTaratura(frame.programma(), *telaio, telaio);
-    frame.impostaAvviaTaratura([sequenza](FaseTaratura passo) { sequenza->AvviaTaratura(passo); });
+    frame.impostaTaratura(new TaraturaNelFrame(*sequenza, sequenza));
+    QObject::connect(sequenza, &SequenzaTaratura::segnalazione1, &frame, &Korvantine::impostaSegnalazione1);
     frame.registraPagina(
         IdPagina::IniTaratura, [sequenza](Korvantine &) { return new IniTaratura(*sequenza); },
         Korvantine::Apertura::SopraIlMenu);
@@ -91,6 +108,7 @@ SequenzaTaratura &RegistraPagineTaratura(Korvantine &frame)
         });
         // However it ends, in the sequence or alone, the calibration is over and the menu
         // comes back.
+        QObject::connect(pagina, &TelaioMessaPunto::segnalazione1, &f, &Korvantine::impostaSegnalazione1);
         QObject::connect(pagina, &TelaioMessaPunto::chiusa, sequenza,
                          [sequenza] { sequenza->ChiudiPagineTaratura(); });
         pagina->carica();

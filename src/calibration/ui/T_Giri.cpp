@@ -14,6 +14,8 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+#include <utility>
+
 namespace kv {
 
 namespace {
@@ -44,6 +46,9 @@ void CampoGiri::colora(const QColor &sfondo, const QColor &testo)
     QPalette p = palette();
     p.setColor(QPalette::Base, sfondo);
     p.setColor(QPalette::Text, testo);
+    // Selected text in reverse: what the next digit replaces shows as selected.
+    p.setColor(QPalette::Highlight, testo);
+    p.setColor(QPalette::HighlightedText, sfondo);
     setPalette(p);
 }
 
@@ -67,6 +72,8 @@ void CampoGiri::keyPressEvent(QKeyEvent *evento)
         focusNextChild();
         return;
     }
+    if (evento->matches(QKeySequence::SelectAll))
+        selectAll();
     if (modificatori != Qt::NoModifier)
         return;
     if (tasto == Qt::Key_Space) {
@@ -92,6 +99,16 @@ void CampoGiri::focusInEvent(QFocusEvent *evento)
     colora(Blu, Qt::white);
     setText(text().trimmed());
     QLineEdit::focusInEvent(evento);
+    // The first digit typed replaces what the field holds, however it was reached.
+    selectAll();
+    m_selezionaAlRilascio = evento->reason() == Qt::MouseFocusReason;
+}
+
+void CampoGiri::mouseReleaseEvent(QMouseEvent *evento)
+{
+    QLineEdit::mouseReleaseEvent(evento);
+    if (std::exchange(m_selezionaAlRilascio, false) && !hasSelectedText())
+        selectAll();
 }
 
 void CampoGiri::focusOutEvent(QFocusEvent *evento)
@@ -185,7 +202,7 @@ T_Giri::T_Giri(SequenzaTaratura &sequenza, bool singola, QWidget *parent)
     auto *paginaSu = new QShortcut(QKeySequence(Qt::Key_PageUp), this);
     paginaSu->setContext(Qt::WindowShortcut);
     connect(paginaSu, &QShortcut::activated, this, [this] {
-        if (m_avanti->isEnabled() && m_avanti->isVisible() && m_sequenza.stato().TaraturaCompleta)
+        if (m_avanti->isEnabled() && m_avanti->isVisible() && m_sequenza.TaraturaCompleta())
             m_avanti->click();
     });
 }

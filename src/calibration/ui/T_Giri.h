@@ -15,7 +15,7 @@ class QPushButton;
 namespace kv {
 
 // GiriTeo: digits only. A blank empties it, Enter moves on as Tab does, and every other key
-// is dropped; blue while it has the focus.
+// is dropped; blue while it has the focus, which selects its text.
 class CampoGiri : public QLineEdit
 {
     Q_OBJECT
@@ -35,10 +35,12 @@ protected:
     void keyPressEvent(QKeyEvent *evento) override;
     void focusInEvent(QFocusEvent *evento) override;
     void focusOutEvent(QFocusEvent *evento) override;
+    void mouseReleaseEvent(QMouseEvent *evento) override;
 
 private:
     void colora(const QColor &sfondo, const QColor &testo);
     bool m_segue = false;
+    bool m_selezionaAlRilascio = false;
 };
 
 // T_Giri (step 2 of the sequence) and T_Giri_Single.

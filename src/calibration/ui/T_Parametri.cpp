@@ -79,7 +79,8 @@ void T_Parametri::Applica()
 
 void T_Parametri::EsciTar()
 {
-    m_logica->EsciTar(prendiValori());
+    const bool validi = prendiValori();
+    m_logica->EsciTar(validi, validi ? QString() : primoRespinto(false));
 }
 
 void T_Parametri::mostraValore(int parametro, double valore)

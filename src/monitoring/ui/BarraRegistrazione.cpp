@@ -186,13 +186,10 @@ BarraRegistrazione::BarraRegistrazione(Programma &programma, QWidget *finestra, 
         if (QAction *a = azione(QString::fromLatin1(nome)))
             a->setEnabled(false);
 
-    m_programma.datiLive.aggiungiAscoltatore(this);
+    connect(&m_programma, &Programma::campioneRegistrato, this, &BarraRegistrazione::campioneRegistrato);
 }
 
-BarraRegistrazione::~BarraRegistrazione()
-{
-    m_programma.datiLive.rimuoviAscoltatore(this);
-}
+BarraRegistrazione::~BarraRegistrazione() = default;
 
 QAction *BarraRegistrazione::creaAzione(const QString &nome, const QString &chiave, QObject *genitore)
 {

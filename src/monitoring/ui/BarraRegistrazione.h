@@ -26,7 +26,7 @@ class Programma;
 //
 // Every command has a key as well: the menus' accelerators, and F2 card, F5 record,
 // F6 pause, F7 stop, F8 freeze or unfreeze. Esc is the window's own.
-class BarraRegistrazione : public QObject, public AscoltatoreDati
+class BarraRegistrazione : public QObject
 {
     Q_OBJECT
 public:
@@ -72,7 +72,8 @@ signals:
     void sblocca();
 
 protected:
-    void campioneRegistrato(bool alLimite) override;
+    // The ring record just written; alLimite when its index is at the upper bound.
+    void campioneRegistrato(bool alLimite);
 
 private:
     QAction *creaAzione(const QString &nome, const QString &chiave, QObject *genitore);

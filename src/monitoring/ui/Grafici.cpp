@@ -230,6 +230,8 @@ Grafici::Grafici(Programma &programma, QWidget *parent)
     , m_labRegistro(new QLabel(this))
 {
     setObjectName(QStringLiteral("Grafici"));
+    connect(&programma.linea.datiLive(), &DatiLive::nuovoRecord, this,
+            [this](const RecordDati &r) { m_datoNuovo = r; });
     m_visDati->setInterval(PeriodoVisDati);
     connect(m_visDati, &QTimer::timeout, this, &Grafici::VisDati);
 
@@ -301,7 +303,7 @@ Grafici::~Grafici()
 {
     if (!m_chiusa) {
         m_programma.anello.chiudiFinestra();
-        m_programma.stato.RegistrazioneAttiva = false;
+        m_programma.anello.RegistrazioneAttiva = false;
     }
 }
 
@@ -324,11 +326,11 @@ void Grafici::carica()
     r.azzera();
     r.StatoRegistrazione = AnelloRegistrazione::Fermo;
     r.ContaRegistrazione = -1;
-    m_programma.stato.RegistrazioneAttiva = true;
+    m_programma.anello.RegistrazioneAttiva = true;
     m_barra->carica();
     m_barra->mostraBlocco(false);
     ridisegnoLayout();
-    m_programma.stato.DatoNuovo = false;
+    m_datoNuovo.reset();
     m_visDati->start();
     for (RigaDatoGrafico *riga : m_righe)
         if (!riga->isHidden()) {
@@ -443,10 +445,9 @@ void Grafici::focusInEvent(QFocusEvent *evento)
 
 void Grafici::VisDati()
 {
-    StatoProgramma &s = m_programma.stato;
-    if (!s.DatoNuovo)
+    if (!m_datoNuovo)
         return;
-    const RecordDati nuovo = s.DatiAttuali[0];
+    const RecordDati nuovo = *std::exchange(m_datoNuovo, std::nullopt);
     for (std::size_t r = 0; r < m_modello.righe.size(); ++r) {
         const qint16 c = m_modello.righe[r].Canale;
         if (c < 0)
@@ -454,7 +455,6 @@ void Grafici::VisDati()
         const ModelloGrafici::TestoDato t = m_modello.testoDato(c, nuovo.Valore[static_cast<std::size_t>(c)]);
         m_righe[r]->impostaValore(t.testo, t.sfondo ? std::optional(daBgr(*t.sfondo)) : std::nullopt);
     }
-    s.DatoNuovo = false;
 
     const auto aggiornamenti = m_modello.tick(nuovo);
     const Canale &tempo = m_modello.canale(0);
@@ -501,7 +501,7 @@ void Grafici::Esci()
     m_chiusa = true;
     m_visDati->stop();
     m_programma.anello.chiudiFinestra();
-    m_programma.stato.RegistrazioneAttiva = false;
+    m_programma.anello.RegistrazioneAttiva = false;
     emit chiusa();
 }
 

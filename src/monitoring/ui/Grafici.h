@@ -118,6 +118,8 @@ private:
     std::array<GraficoStriscia *, NumeroGrafici> m_grafici{};
     QLabel *m_labRegistro;
     bool m_chiusa = false;
+    // The newest live record not shown yet.
+    std::optional<RecordDati> m_datoNuovo;
 };
 
 } // namespace kv

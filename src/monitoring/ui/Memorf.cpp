@@ -45,7 +45,7 @@ public:
 Memorf::Memorf(Programma &programma, QWidget *parent)
     : QDialog(parent)
     , m_programma(programma)
-    , m_logica(programma.stato.PercorsoApp, programma.anello)
+    , m_logica(programma.PercorsoApp, programma.anello)
     , m_scheda(new QGroupBox(this))
     , m_elenco(new QListWidget(this))
     , m_segnalazione(new QLabel(this))

@@ -1,10 +1,12 @@
 #include "monitoring/ui/Strumenti.h"
 
+#include "monitoring/ModelloStrumenti.h"
 #include "monitoring/ui/BarraRegistrazione.h"
 #include "monitoring/ui/BarraStrumento.h"
 #include "monitoring/ui/Contagiri.h"
 #include "monitoring/ui/ImmaginiMotorino.h"
-#include "pages/ModelloStrumenti.h"
+#include "pages/LetturaStrumenti.h"
+#include "pages/PannelloLive.h"
 #include "shell/Programma.h"
 #include "variables/Formato.h"
 
@@ -49,7 +51,8 @@ QString numero(int n)
 Strumenti::Strumenti(Programma &programma, QWidget *parent)
     : QWidget(parent)
     , m_programma(programma)
-    , m_modello(new ModelloStrumenti(programma, this))
+    , m_modello(std::make_unique<ModelloStrumenti>(programma.catalogo, programma.canali))
+    , m_lettura(new LetturaStrumenti(programma.linea.motore(), programma.catalogo, programma.anello, this))
     , m_visDati(new QTimer(this))
     , m_barra(new BarraRegistrazione(programma, this, QStringLiteral("Strumenti"),
                                      BarraRegistrazione::Tipo::Strumenti))
@@ -58,8 +61,10 @@ Strumenti::Strumenti(Programma &programma, QWidget *parent)
     connect(m_barra, &BarraRegistrazione::esci, this, &Strumenti::Esci);
     m_visDati->setInterval(PeriodoVisDati);
     connect(m_visDati, &QTimer::timeout, this, &Strumenti::VisDati);
-    connect(m_modello, &ModelloStrumenti::valoreLetto, this, &Strumenti::mostraValore);
-    connect(m_modello, &ModelloStrumenti::letturaFinita, this, &Strumenti::letturaFinita);
+    connect(m_lettura, &LetturaStrumenti::valoreLetto, this, &Strumenti::mostraValore);
+    connect(m_lettura, &LetturaStrumenti::letturaFinita, this, &Strumenti::letturaFinita);
+    connect(&programma.linea.datiLive(), &DatiLive::nuovoRecord, this,
+            [this](const RecordDati &r) { m_modello->ricevi(r); });
 
     auto *principale = new QVBoxLayout(this);
     principale->setMenuBar(m_barra->menu());
@@ -174,7 +179,7 @@ Strumenti::Strumenti(Programma &programma, QWidget *parent)
 Strumenti::~Strumenti()
 {
     if (!m_chiusa)
-        m_modello->chiudi();
+        m_lettura->chiudi();
 }
 
 QGroupBox *Strumenti::creaBox(const char *nome)
@@ -290,7 +295,8 @@ void Strumenti::carica()
     // Until the set points are in, the instruments would show half a picture.
     m_strumenti->setVisible(false);
     m_boxInf->setEnabled(true);
-    const bool lettura = m_modello->carica();
+    m_modello->azzera();
+    const bool lettura = m_lettura->carica();
     // After the model, which empties the ring and arms the recorder.
     m_barra->carica();
     if (!lettura) {
@@ -394,16 +400,16 @@ void Strumenti::VisDati()
         m_motorinoG->impostaPosizione(q.posizioneMotorino);
     }
     if (c.alimentazione) {
-        m_statoAlim->setText(q.alimentazione);
+        m_statoAlim->setText(m_programma.lingua.LeggiTesto("ALIMENTAZIONE", q.chiaveAlimentazione));
         coloraStato(m_statoAlim, daBgr(q.coloreAlimentazione));
     }
     if (c.pompata) {
-        m_statoPompata->setText(q.pompata);
-        const bool attiva = m_programma.stato.DatiAttuali[1].Valore[Canale::Pompata] != 0;
+        m_statoPompata->setText(m_programma.lingua.LeggiTesto("POMPATA", q.chiavePompata));
+        const bool attiva = m_modello->mostrato().Valore[Canale::Pompata] != 0;
         coloraStato(m_statoPompata, attiva ? ColorePompa : Cruscotto);
     }
     if (c.zona) {
-        m_zonaLavoro->setText(q.zona);
+        m_zonaLavoro->setText(TestoZona(m_programma.lingua, q.zona));
         coloraStato(m_zonaLavoro, Cruscotto);
     }
 }
@@ -414,7 +420,7 @@ void Strumenti::Esci()
         return;
     m_chiusa = true;
     m_visDati->stop();
-    m_modello->chiudi();
+    m_lettura->chiudi();
     emit chiusa();
 }
 

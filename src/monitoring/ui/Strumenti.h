@@ -3,6 +3,7 @@
 #include <QWidget>
 
 #include <array>
+#include <memory>
 
 class QGroupBox;
 class QLabel;
@@ -15,6 +16,7 @@ class AttuatoreMotorino;
 class BarraRegistrazione;
 class BarraStrumento;
 class Contagiri;
+class LetturaStrumenti;
 class ModelloStrumenti;
 class Programma;
 class ScalaMotorino;
@@ -40,6 +42,7 @@ public:
     void VisDati();
 
     ModelloStrumenti &modello() { return *m_modello; }
+    LetturaStrumenti &lettura() { return *m_lettura; }
     BarraRegistrazione &barra() { return *m_barra; }
 
 signals:
@@ -66,7 +69,8 @@ private:
     static void coloraStato(QLabel *stato, const QColor &sfondo);
 
     Programma &m_programma;
-    ModelloStrumenti *m_modello;
+    std::unique_ptr<ModelloStrumenti> m_modello;
+    LetturaStrumenti *m_lettura;
     QTimer *m_visDati;
     BarraRegistrazione *m_barra;
 

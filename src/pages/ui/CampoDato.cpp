@@ -6,6 +6,8 @@
 
 #include <QKeyEvent>
 
+#include <utility>
+
 namespace kv {
 
 using namespace Tavolozza;
@@ -42,9 +44,10 @@ void CampoDato::colora(Aspetto aspetto)
     }
     p.setColor(QPalette::Base, sfondo);
     p.setColor(QPalette::Text, testo);
-    // The selection would hide the focus colour when the field is entered by Tab.
-    p.setColor(QPalette::Highlight, sfondo);
-    p.setColor(QPalette::HighlightedText, testo);
+    // The selected text in reverse, inside the focus colour: what the next digit replaces is
+    // seen to be selected, and a field that is not selected does not look so.
+    p.setColor(QPalette::Highlight, testo);
+    p.setColor(QPalette::HighlightedText, sfondo);
     setPalette(p);
 }
 
@@ -72,11 +75,16 @@ QString CampoDato::testoCampo(double valore, const QString &maschera, int lunghe
 void CampoDato::mostra(double valore, const QString &maschera)
 {
     m_maschera = maschera;
-    setText(testoCampo(valore, maschera, maxLength()));
+    m_mostrato = testoCampo(valore, maschera, maxLength());
+    setText(m_mostrato);
 }
 
 void CampoDato::keyPressEvent(QKeyEvent *evento)
 {
+    if (evento->matches(QKeySequence::SelectAll)) {
+        selectAll();
+        return;
+    }
     const int tasto = evento->key();
     if (tasto == Qt::Key_Escape) {
         evento->ignore(); // the page's own key
@@ -114,12 +122,22 @@ void CampoDato::focusInEvent(QFocusEvent *evento)
     if (!m_bloccato) {
         // The focus colours win over the red mark: the fitter must see where he types.
         colora(Aspetto::Fuoco);
-        // Only when there is something to trim: a grid's editor comes with its text selected,
-        // so that the first key typed replaces it.
         if (text() != text().trimmed())
             setText(text().trimmed());
     }
     QLineEdit::focusInEvent(evento);
+    // However the field is reached, the first digit typed replaces what it holds. A click
+    // places the cursor after this: the selection is made again when the button is let go.
+    selectAll();
+    m_selezionaAlRilascio = evento->reason() == Qt::MouseFocusReason;
+}
+
+void CampoDato::mouseReleaseEvent(QMouseEvent *evento)
+{
+    QLineEdit::mouseReleaseEvent(evento);
+    // A drag chose a part on purpose.
+    if (std::exchange(m_selezionaAlRilascio, false) && !hasSelectedText())
+        selectAll();
 }
 
 void CampoDato::focusOutEvent(QFocusEvent *evento)

@@ -5,7 +5,8 @@
 namespace kv {
 
 // The edit field of a tuning page: whole numbers only, typed from the keyboard, with the
-// colours that tell the fitter where the focus is, what is wrong and what is locked.
+// colours that tell the fitter where the focus is, what is wrong and what is locked. Taking
+// the focus it selects its text, so that the first digit typed replaces it.
 class CampoDato : public QLineEdit
 {
     Q_OBJECT
@@ -28,6 +29,10 @@ public:
 
     // Text as the page shows a value: by the mask, blanks in front up to the maximum length.
     void mostra(double valore, const QString &maschera);
+    // The fitter has typed something other than what the page last showed or took.
+    bool cambiato() const { return text().trimmed() != m_mostrato.trimmed(); }
+    // Applica has taken what the field holds.
+    void preso() { m_mostrato = text(); }
     static QString testoCampo(double valore, const QString &maschera, int lunghezza);
 
 signals:
@@ -38,6 +43,7 @@ protected:
     void keyPressEvent(QKeyEvent *evento) override;
     void focusInEvent(QFocusEvent *evento) override;
     void focusOutEvent(QFocusEvent *evento) override;
+    void mouseReleaseEvent(QMouseEvent *evento) override;
 
 private:
     enum class Aspetto {
@@ -50,7 +56,9 @@ private:
 
     bool m_bloccato = false;
     bool m_errato = false;
+    bool m_selezionaAlRilascio = false;
     QString m_maschera = QStringLiteral("#0");
+    QString m_mostrato;
 };
 
 } // namespace kv

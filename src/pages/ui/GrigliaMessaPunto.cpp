@@ -61,25 +61,34 @@ protected:
             return QStyledItemDelegate::eventFilter(oggetto, evento);
         if (evento->type() != QEvent::ShortcutOverride && evento->type() != QEvent::KeyPress)
             return QStyledItemDelegate::eventFilter(oggetto, evento);
+        // Esc is the page's, as in any field: it clicks Esci, which takes what was typed.
+        if (evento->type() == QEvent::ShortcutOverride)
+            return false;
         const auto *tasto = static_cast<QKeyEvent *>(evento);
-        // Esc belongs to the field while it is open: it drops the edit, not the page.
-        if (evento->type() == QEvent::ShortcutOverride) {
-            if (tasto->key() != Qt::Key_Escape)
-                return QStyledItemDelegate::eventFilter(oggetto, evento);
-            evento->accept();
-            return true;
-        }
+        if (tasto->modifiers() & (Qt::ControlModifier | Qt::AltModifier))
+            return QStyledItemDelegate::eventFilter(oggetto, evento);
+        // As in a spreadsheet: Enter and Tab keep the value and go on to the next cell, an
+        // arrow keeps it and goes to the neighbour that way.
         switch (tasto->key()) {
         case Qt::Key_Return:
         case Qt::Key_Enter:
         case Qt::Key_Tab:
-        case Qt::Key_Backtab:
-            // Kept, and the grid stays where it is: the next Tab leaves it.
-            emit commitData(editor);
-            emit closeEditor(editor, NoHint);
+            m_griglia->confermaESposta(editor, GrigliaMessaPunto::MoveNext);
             return true;
-        case Qt::Key_Escape:
-            emit closeEditor(editor, RevertModelCache);
+        case Qt::Key_Backtab:
+            m_griglia->confermaESposta(editor, GrigliaMessaPunto::MovePrevious);
+            return true;
+        case Qt::Key_Up:
+            m_griglia->confermaESposta(editor, GrigliaMessaPunto::MoveUp);
+            return true;
+        case Qt::Key_Down:
+            m_griglia->confermaESposta(editor, GrigliaMessaPunto::MoveDown);
+            return true;
+        case Qt::Key_Left:
+            m_griglia->confermaESposta(editor, GrigliaMessaPunto::MoveLeft);
+            return true;
+        case Qt::Key_Right:
+            m_griglia->confermaESposta(editor, GrigliaMessaPunto::MoveRight);
             return true;
         default:
             return QStyledItemDelegate::eventFilter(oggetto, evento);
@@ -213,6 +222,17 @@ void GrigliaMessaPunto::confermaModifica()
         commitData(campo);
         closeEditor(campo, QAbstractItemDelegate::NoHint);
     }
+}
+
+void GrigliaMessaPunto::confermaESposta(QWidget *editor, CursorAction verso)
+{
+    const QModelIndex da = currentIndex();
+    commitData(editor);
+    closeEditor(editor, QAbstractItemDelegate::NoHint);
+    // A wrong value keeps the grid where it is (restaSu); a good one lets it move.
+    const QModelIndex a = moveCursor(verso, Qt::NoModifier);
+    if (a.isValid() && a != da && (m_modello->flags(a) & Qt::ItemIsEditable))
+        setCurrentIndex(a);
 }
 
 void GrigliaMessaPunto::adattaDimensioni()

@@ -12,8 +12,8 @@ class ModelloGriglia;
 // A grid of a tuning page on screen: fixed cells drawn like headers, lean and rich
 // thresholds shaded by value, wrong cells red, the engine's zone outlined. One edit field
 // floats over the cell being edited, with the key filter of the page's fields. By keyboard:
-// arrows move, Enter or a digit opens the field, Enter or Tab keeps what was typed, Esc
-// drops it and stays on the page.
+// arrows move, Enter or a digit opens the field; in it Enter or Tab keeps what was typed and
+// moves on to the next cell, an arrow keeps it and moves that way, Esc is the page's Esci.
 class GrigliaMessaPunto : public QTableView
 {
     Q_OBJECT
@@ -43,6 +43,8 @@ protected:
 private:
     friend class DelegatoGriglia;
     void restaSu(const QModelIndex &indice);
+    // The field's value kept, the field closed, the current cell moved by verso.
+    void confermaESposta(QWidget *editor, CursorAction verso);
 
     ModelloGriglia *m_modello;
     QPointer<CampoDato> m_campo;

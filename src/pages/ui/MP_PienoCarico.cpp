@@ -35,10 +35,16 @@ void MP_PienoCarico::nascondiRigheTps()
     Liste_Click();
 }
 
+void MP_PienoCarico::mostraRigheTps()
+{
+    // The lists, read before, decide which TPS rows and column come back.
+    Liste_Click();
+}
+
 void MP_PienoCarico::Liste_Click()
 {
     const auto aspetto = AspettoPerListe(lista(RigaTipoPC)->currentIndex(), lista(RigaPcConf)->currentIndex(),
-                                         programma().stato.TpsPresente);
+                                         programma().linea.ecu().TpsPresente);
     if (!aspetto)
         return;
     for (int riga : {2, 3})

@@ -25,6 +25,7 @@ public:
 protected:
     void caricaTestiAltrove() override;
     void nascondiRigheTps() override;
+    void mostraRigheTps() override;
 
 private:
     // What a click on either list leaves on view.

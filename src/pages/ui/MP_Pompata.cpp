@@ -4,7 +4,6 @@
 #include "pages/ui/GrigliaMessaPunto.h"
 #include "shell/Programma.h"
 
-#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace kv {
@@ -24,8 +23,6 @@ void MP_Pompata::caricaTestiAltrove()
     for (int r = 0; r < ModelloGrigliaPompata::Righe; ++r)
         m_modello->impostaTesto(r, 0, testo(QStringLiteral("GRIGLIA.%1").arg(r)));
     m_griglia->adattaDimensioni();
-    tastoMemorizza()->setText(
-        testoComando(programma().lingua.LeggiTesto("TASTI", "COPIA"), QStringLiteral("F5")));
 }
 
 } // namespace kv

@@ -8,8 +8,8 @@ class GrigliaMessaPunto;
 class ModelloGrigliaPompata;
 
 // The pump page: the enrichment on a quick opening of the throttle, zone by RPM zone in
-// GrigliaPompata; in service mode also how quick an opening counts. Memorizza is "&COPIA"
-// here. Dialogue states 41, 42 and 43.
+// GrigliaPompata; in service mode also how quick an opening counts. Memorizza does here what
+// it does on every page, and is called the same. Dialogue states 41, 42 and 43.
 class MP_Pompata : public TelaioMessaPunto
 {
     Q_OBJECT

@@ -43,6 +43,7 @@ void RegistraPagineMessaPunto(Korvantine &frame)
                 return f.MostraMsg(testo, flags, titolo);
             });
             QObject::connect(pagina, &TelaioMessaPunto::chiusa, &f, [&f, pagina] { f.ChiudiPagina(pagina); });
+            QObject::connect(pagina, &TelaioMessaPunto::segnalazione1, &f, &Korvantine::impostaSegnalazione1);
             pagina->carica();
             return pagina;
         });

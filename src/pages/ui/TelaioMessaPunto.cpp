@@ -15,6 +15,7 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QHideEvent>
 #include <QLabel>
 #include <QPointer>
 #include <QPushButton>
@@ -31,6 +32,9 @@ QString numero(int n)
     return FormattaNumero(n, QStringLiteral("#0"));
 }
 
+// Yes and No with the question icon.
+constexpr int DomandaSiNo = 0x24;
+
 } // namespace
 
 TelaioMessaPunto::TelaioMessaPunto(Programma &programma, const DescrizionePagina &descrizione,
@@ -40,9 +44,9 @@ TelaioMessaPunto::TelaioMessaPunto(Programma &programma, const DescrizionePagina
     , m_sezione(descrizione.sezione)
     , m_righeTps(descrizione.righeTps)
 {
-    m_dialogo =
-        std::make_unique<DialogoPagina>(descrizione, programma.catalogo, programma.motore, programma.stato,
-                                        programma.lingua, static_cast<VistaPagina &>(*this));
+    m_dialogo = std::make_unique<DialogoPagina>(descrizione, programma.catalogo, programma.linea,
+                                                programma.menu.ModoAssistenza(), programma.lingua,
+                                                static_cast<VistaPagina &>(*this));
     setObjectName(m_sezione);
 
     auto *principale = new QVBoxLayout(this);
@@ -130,7 +134,7 @@ TelaioMessaPunto::~TelaioMessaPunto()
     for (GrigliaMessaPunto *g : m_griglie)
         g->setModel(nullptr);
     if (m_ascolta)
-        m_programma.datiLive.rimuoviAscoltatore(this);
+        m_programma.linea.datiLive().rimuoviAscoltatore(this);
 }
 
 void TelaioMessaPunto::costruisciComandi()
@@ -221,7 +225,7 @@ void TelaioMessaPunto::costruisciBox(const BoxParametri &descrizione, QGridLayou
     // Label, colon, field, unit and range close together; the spare width goes after them.
     griglia->setColumnStretch(5, 1);
     // The service entries of a page in normal mode: read, and nothing more.
-    const bool inUso = !descrizione.soloAssistenza || m_programma.stato.ModoAssistenza;
+    const bool inUso = !descrizione.soloAssistenza || m_programma.menu.ModoAssistenza();
     box->setVisible(inUso);
     box->setEnabled(inUso);
     for (const RigaPagina &r : descrizione.righe)
@@ -285,10 +289,8 @@ TelaioMessaPunto::Riga &TelaioMessaPunto::nuovaRiga(QGroupBox *box, QGridLayout 
             r.lista->addItem(voce);
         }
         r.lista->setCurrentIndex(-1);
-        // On a narrow page the list gives way before the captions do: its open list still
-        // shows every option whole, a cut caption says nothing.
-        r.lista->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        r.lista->setMinimumContentsLength(12);
+        // As wide as its longest item: a choice cut short says nothing.
+        r.lista->setSizeAdjustPolicy(QComboBox::AdjustToContents);
         griglia->addWidget(r.lista, riga, 2, 1, 3);
     }
     m_righe.push_back(r);
@@ -427,14 +429,14 @@ void TelaioMessaPunto::carica()
 {
     caricaTesti();
     // The main frame's message line, until a save is acknowledged.
-    m_programma.impostaSegnalazione1(m_programma.lingua.LeggiTesto("TASTI", "ESCI"));
+    emit segnalazione1(m_programma.lingua.LeggiTesto("TASTI", "ESCI"));
     // Without a line there is nothing to edit: only Esci stays useful.
-    const bool aperta = m_programma.motore.PortOpen();
+    const bool aperta = m_programma.linea.motore().PortOpen();
     for (const Box &b : m_box)
         b.widget->setVisible(aperta && b.widget->isEnabled());
     for (GrigliaMessaPunto *g : m_griglie)
         g->setVisible(aperta);
-    m_programma.datiLive.aggiungiAscoltatore(this);
+    m_programma.linea.datiLive().aggiungiAscoltatore(this);
     m_ascolta = true;
 
     // Rows first, top to bottom, then the grids, then the commands; the fitter starts on
@@ -475,6 +477,8 @@ void TelaioMessaPunto::mostraValore(int parametro, double valore)
                 valore >= 0 && valore < r->lista->count() && valore == static_cast<int>(valore);
             r->lista->setCurrentIndex(valido ? static_cast<int>(valore) : -1);
         }
+        if (r->lista)
+            r->indiceMostrato = r->lista->currentIndex();
         return;
     }
     for (GrigliaMessaPunto *g : m_griglie)
@@ -495,6 +499,20 @@ void TelaioMessaPunto::nascondiRigheTps()
 {
     for (int indice : m_righeTps)
         mostraRiga(indice, false);
+}
+
+void TelaioMessaPunto::mostraRigheTps()
+{
+    for (int indice : m_righeTps)
+        mostraRiga(indice, true);
+}
+
+void TelaioMessaPunto::hideEvent(QHideEvent *evento)
+{
+    QWidget::hideEvent(evento);
+    // The strip's word for this page goes with it.
+    if (!evento->spontaneous())
+        emit segnalazione1({});
 }
 
 void TelaioMessaPunto::bloccaCampoTps(int parametro)
@@ -628,18 +646,87 @@ bool TelaioMessaPunto::ControlloValori()
     return validi;
 }
 
+QString TelaioMessaPunto::primoRespinto(bool modificati, QWidget **dove)
+{
+    confermaGriglie();
+    for (Riga &r : m_righe) {
+        if (!r.campo || !r.inUso)
+            continue;
+        if (modificati && !r.campo->cambiato())
+            continue;
+        const QString motivo = m_dialogo->motivoRespinto(r.parametro, r.etichetta->text(), r.campo->text());
+        if (motivo.isEmpty())
+            continue;
+        r.campo->segnaErrato(true);
+        if (dove)
+            *dove = r.campo;
+        return motivo;
+    }
+    for (GrigliaMessaPunto *g : m_griglie) {
+        ModelloGriglia *m = g->modello();
+        const QModelIndex cella = modificati ? m->respinta() : m->controlla();
+        if (!cella.isValid())
+            continue;
+        if (g->isVisible())
+            g->setCurrentIndex(cella);
+        if (dove)
+            *dove = g;
+        const int p = cella.data(ModelloGriglia::RuoloParametro).toInt();
+        return m_dialogo->motivoRespinto(p, m_programma.lingua.LeggiTesto("MESSAPUNTO", "CELLA"),
+                                         m->testoDi(p));
+    }
+    return {};
+}
+
+bool TelaioMessaPunto::modificheNonApplicate() const
+{
+    for (const Riga &r : m_righe) {
+        if (r.inUso
+            && ((r.campo && r.campo->cambiato()) || (r.lista && r.lista->currentIndex() != r.indiceMostrato)))
+            return true;
+    }
+    return std::any_of(m_griglie.begin(), m_griglie.end(), [](const GrigliaMessaPunto *g) {
+        return g->inModifica() || g->modello()->cambiata();
+    });
+}
+
+bool TelaioMessaPunto::lasciaRespinti()
+{
+    QWidget *dove = nullptr;
+    const QString motivo = primoRespinto(true, &dove);
+    if (motivo.isEmpty())
+        return true;
+    if (dove && dove->isVisible())
+        dove->setFocus(Qt::OtherFocusReason);
+    const Lingua &l = m_programma.lingua;
+    QPointer<TelaioMessaPunto> pagina(this);
+    const int risposta = m_domanda(motivo + QLatin1Char(' ') + l.LeggiTesto("MESSAPUNTO", "NON_INVIATO"),
+                                   DomandaSiNo, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
+    // Only No leaves: the key at hand, and a box closed without one, keep the page.
+    if (!pagina || risposta != DialogoPagina::RispostaNo)
+        return false;
+    for (GrigliaMessaPunto *g : m_griglie)
+        g->modello()->scartaRespinte();
+    return true;
+}
+
 bool TelaioMessaPunto::prendiValori()
 {
     if (!ControlloValori())
         return false;
-    for (const Riga &r : m_righe) {
+    for (Riga &r : m_righe) {
         if (!r.inUso)
             continue;
-        if (r.campo)
+        if (r.campo) {
             m_dialogo->impostaCorrente(r.parametro, ValNumero(r.campo->text()));
-        else if (r.lista)
+            r.campo->preso();
+        } else if (r.lista) {
             m_dialogo->impostaCorrente(r.parametro, r.lista->currentIndex());
+            r.indiceMostrato = r.lista->currentIndex();
+        }
     }
+    for (GrigliaMessaPunto *g : m_griglie)
+        g->modello()->presa();
     return true;
 }
 
@@ -665,6 +752,8 @@ void TelaioMessaPunto::Ripristina()
 void TelaioMessaPunto::Esci()
 {
     confermaGriglie();
+    if (!lasciaRespinti())
+        return;
     QPointer<TelaioMessaPunto> pagina(this);
     if (!m_dialogo->Esci())
         return;

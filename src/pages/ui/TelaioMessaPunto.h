@@ -39,6 +39,8 @@ class Programma;
 class TelaioMessaPunto : public QWidget, protected VistaPagina, protected AscoltatoreDati
 {
     Q_OBJECT
+    // What the main frame asks of a page it closes for the ECU's silence.
+    Q_PROPERTY(bool modificheNonApplicate READ modificheNonApplicate)
 public:
     // The question at Esci; returns the code of the key (6 Yes, 7 No, 2 Cancel, 99 none).
     using Domanda = std::function<int(const QString &testo, int flags, const QString &titolo)>;
@@ -66,6 +68,13 @@ public:
     // Corrente, as Applica takes them.
     bool prendiValori();
 
+    // Why the first field or grid cell that fails its limits may not be sent, named by its
+    // caption, and that field or grid; empty when every one may. modificati: only those the
+    // fitter has changed from what the page showed.
+    QString primoRespinto(bool modificati, QWidget **dove = nullptr);
+    // Something typed, chosen or edited on the page that Applica has not taken.
+    bool modificheNonApplicate() const;
+
     // Mask of field i (FormatoMinimo and its kin): the Formato of its entry, empty for an
     // index the page does not have.
     QString formato(int indice) const;
@@ -83,6 +92,8 @@ public:
 signals:
     // The page has ended (Esci, Esci_Out, or the last reply of a save on leaving).
     void chiusa();
+    // For the main frame's message line.
+    void segnalazione1(const QString &testo);
 
 protected:
     // A grid of the page, placed by the page itself; the frame fills it, checks it with the
@@ -113,10 +124,13 @@ protected:
     // The page's own captions, after those of the frame.
     virtual void caricaTestiAltrove();
 
+    void hideEvent(QHideEvent *evento) override;
+
     // VistaPagina
     void mostraValore(int parametro, double valore) override;
     void mostraSuggerimento(int parametro, const QString &testo) override;
     void nascondiRigheTps() override;
+    void mostraRigheTps() override;
     void bloccaCampoTps(int parametro) override;
     void mostraSegnalazione(const QString &testo) override;
     void mostraZonaLavoro(const QString &testo) override;
@@ -138,6 +152,7 @@ private:
         QLabel *duePunti = nullptr;
         CampoDato *campo = nullptr;
         QComboBox *lista = nullptr;
+        int indiceMostrato = -1; // the list's item as last shown or taken
         bool binaria = false;
         QLabel *misura = nullptr;
         QLabel *intervallo = nullptr;
@@ -160,6 +175,9 @@ private:
     void costruisciPannelloLive();
     void caricaTesti();
     void confermaGriglie();
+    // Esc with a value that may not be sent: the fitter is told which and why, and stays to
+    // mend it unless he leaves without it. False when he stays.
+    bool lasciaRespinti();
 
     Programma &m_programma;
     QString m_sezione;

@@ -100,7 +100,7 @@ void PaginaElenchiMappe::carica()
         m_aggiungi[i]->setText(testo(QStringLiteral("AGGIUNGI.") + QString::number(i)));
         m_rimuovi[i]->setText(testo(QStringLiteral("RIMUOVI.") + QString::number(i)));
     }
-    const QMap<QString, QString> marchi = CaricoMarchi(programma().stato.PercorsoApp);
+    const QMap<QString, QString> marchi = CaricoMarchi(programma().PercorsoApp);
     for (ModelloAlberoMappe *m : m_modelli) {
         m->impostaTestoMancante(testo(QStringLiteral("SCAMBIO"), QStringLiteral("MANCANTE")));
         m->impostaMarchi(marchi);
@@ -124,7 +124,7 @@ void PaginaElenchiMappe::carica()
 void PaginaElenchiMappe::ricaricaArchivio()
 {
     EsitoArchivio esito;
-    m_selezione.imposta(AlberoMappe::Carica(programma().stato.PercorsoApp, &esito));
+    m_selezione.imposta(AlberoMappe::Carica(programma().PercorsoApp, &esito));
     aggiornaElenchi();
     if (!esito.ok())
         mostraSegnalazione(TestoEsitoArchivio(programma().lingua, esito));
@@ -190,7 +190,7 @@ void PaginaElenchiMappe::ScegliSorgente(const QString &sorgente)
     SorgenteMappe letta;
     {
         Attesa attesa;
-        letta = LeggiDiscoMappe(programma().stato.PercorsoApp, programma().lingua, m_sorgente);
+        letta = LeggiDiscoMappe(programma().PercorsoApp, programma().lingua, m_sorgente);
     }
     m_selezione.imposta(letta.albero);
     aggiornaElenchi();
@@ -204,7 +204,7 @@ void PaginaElenchiMappe::ScegliSorgente(const QString &sorgente)
 
 void PaginaElenchiMappe::Comando()
 {
-    const QString app = programma().stato.PercorsoApp;
+    const QString app = programma().PercorsoApp;
     const Lingua &l = programma().lingua;
     const DomandaScambio domanda = [this](const QString &t) { return chiedi(t); };
     mostra({});

@@ -139,7 +139,7 @@ void PaginaSoftware::riempi(const QList<VoceSoftware> &voci)
 void PaginaSoftware::ricaricaArchivio()
 {
     EsitoArchivio esito;
-    riempi(ElencoSoftware(programma().stato.PercorsoApp, &esito));
+    riempi(ElencoSoftware(programma().PercorsoApp, &esito));
     if (!esito.ok())
         mostraSegnalazione(TestoEsitoArchivio(programma().lingua, esito));
 }
@@ -168,7 +168,7 @@ void PaginaSoftware::ScegliSorgente(const QString &sorgente)
     SorgenteSoftware letta;
     {
         Attesa attesa;
-        letta = LeggiDiscoSoftware(programma().stato.PercorsoApp, programma().lingua, m_sorgente);
+        letta = LeggiDiscoSoftware(programma().PercorsoApp, programma().lingua, m_sorgente);
     }
     riempi(letta.voci);
     if (letta.esito.fatto && letta.esito.messaggio.isEmpty())
@@ -179,7 +179,7 @@ void PaginaSoftware::ScegliSorgente(const QString &sorgente)
 
 void PaginaSoftware::Comando()
 {
-    const QString app = programma().stato.PercorsoApp;
+    const QString app = programma().PercorsoApp;
     const Lingua &l = programma().lingua;
     const DomandaScambio domanda = [this](const QString &t) { return chiedi(t); };
     mostra({});

@@ -66,7 +66,8 @@ ProgSW::ProgSW(kv::Programma &programma, QWidget *parent)
     , m_tastoEsci(new QPushButton(this))
 {
     setObjectName(QStringLiteral("ProgSW"));
-    m_dialogo = std::make_unique<DialogoProgSW>(programma.motore, programma.stato, programma.lingua,
+    m_dialogo = std::make_unique<DialogoProgSW>(programma.linea.motore(), programma.linea.ecu(),
+                                                programma.PercorsoApp, programma.lingua,
                                                 static_cast<VistaProgSW &>(*this));
 
     m_boxProg->setObjectName(QStringLiteral("BoxProg"));
@@ -165,7 +166,7 @@ void ProgSW::carica()
 void ProgSW::ElencoSoftware()
 {
     m_lSoftware->clear();
-    const QStringList nomi = kv::ElencoSoftware(m_programma.stato.PercorsoApp);
+    const QStringList nomi = kv::ElencoSoftware(m_programma.PercorsoApp);
     for (const QString &nome : nomi)
         m_lSoftware->addTopLevelItem(new QTreeWidgetItem(QStringList{nome}));
     m_lSoftware->setCurrentItem(nullptr);

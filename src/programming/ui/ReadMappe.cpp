@@ -77,7 +77,7 @@ ReadMappe::ReadMappe(Programma &programma, QWidget *parent)
     comando()->setObjectName(QStringLiteral("Leggi"));
 
     // The plant folders are there from the first read on.
-    const QString mappe = CartellaMappe(programma.stato.PercorsoApp);
+    const QString mappe = CartellaMappe(programma.PercorsoApp);
     for (const QLatin1String impianto : FileMappa::Impianti)
         CreaCartella(PercorsoFile(mappe, impianto));
 }

@@ -32,7 +32,7 @@ void RegistraPagineMappe(Korvantine &frame)
     // Archived maps need no ECU: the page gets the folder, the catalogue and the texts only.
     frame.registraPagina(IdPagina::ConfrontoMappe, [](Korvantine &f) -> QWidget * {
         Programma &p = f.programma();
-        auto *pagina = new ConfrontoMappe(p.stato.PercorsoApp, p.catalogo, p.lingua);
+        auto *pagina = new ConfrontoMappe(p.PercorsoApp, p.catalogo, p.lingua);
         pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
             return f.MostraMsg(testo, flags, titolo);
         });

@@ -138,7 +138,7 @@ void TelaioMappe::carica()
     m_labMappe->setText(testo(QStringLiteral("LABMAPPE")));
     m_esci->setText(QLatin1Char('&') + l.LeggiTesto("TASTI", "ESCI").trimmed() + QStringLiteral("  (Esc)"));
     m_modello->impostaTestoMancante(testo(QStringLiteral("MANCANTE")));
-    m_modello->impostaMarchi(CaricoMarchi(m_programma.stato.PercorsoApp));
+    m_modello->impostaMarchi(CaricoMarchi(m_programma.PercorsoApp));
     caricaTestiAltrove();
 
     QWidget *precedente = m_albero;
@@ -155,8 +155,7 @@ void TelaioMappe::carica()
 void TelaioMappe::aggiornaAlbero(const ChiaveMappa &scelta)
 {
     EsitoArchivio esito;
-    m_modello->imposta(AlberoMappe::Carica(m_programma.stato.PercorsoApp, &esito),
-                       AlberoMappe::Livello::Modello);
+    m_modello->imposta(AlberoMappe::Carica(m_programma.PercorsoApp, &esito), AlberoMappe::Livello::Modello);
     if (!esito.ok())
         mostraSegnalazione(TestoEsitoArchivio(m_programma.lingua, esito));
     const QModelIndex radice = m_modello->indice(AlberoMappe::Radice);

@@ -128,35 +128,45 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     // their own units; until they are, their menu entries say they are not there yet.
 
     Programma &p = m_programma;
-    connect(&p, &Programma::portaNonAperta, this, [this](const QString &testo, const QString &titolo) {
+    connect(&p, &Programma::portaNonAperta, this, [this] {
         aggiornaStatoCollegamento();
-        avvisa(testo, titolo, 16);
+        const Lingua &l = m_programma.lingua;
+        avvisa(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_3"), l.LeggiTesto("SEGNALAZIONI", "TITOLO_2"), 16);
     });
-    connect(&p, &Programma::segnalazione, this, [this](const QString &hex) {
+    SessioneLinea &linea = p.linea;
+    connect(&linea, &SessioneLinea::segnalazione, this, [this](const QString &hex) {
         m_segnalazione->setText(hex);
         ripartisciStriscia();
         aggiornaStatoCollegamento();
     });
-    connect(&p, &Programma::segnalazione1, this, [this](const QString &testo) {
-        m_segnalazione1->setText(testo);
-        m_segnalazione1->setToolTip(testo);
-        ripartisciStriscia();
-    });
-    connect(&p.sorveglianza, &SorveglianzaLinea::statoCambiato, this, &Korvantine::aggiornaStatoCollegamento);
-    connect(&p.motore, &MotoreDialogo::cursoreAttesa, this, &Korvantine::cursoreAttesa);
-    connect(&p.identificazione, &Identificazione::aggiornaMenu, this, &Korvantine::AggiornaMenu);
-    connect(&p.identificazione, &Identificazione::frameAbilitato, this, &Korvantine::abilitaArea);
-    connect(&p.identificazione, &Identificazione::identificata, this, [this] {
+    connect(&linea, &SessioneLinea::scritturaRiuscita, this, [this] { impostaSegnalazione1({}); });
+    connect(&linea.sorveglianza(), &SorveglianzaLinea::statoCambiato, this,
+            &Korvantine::aggiornaStatoCollegamento);
+    connect(&linea.motore(), &MotoreDialogo::cursoreAttesa, this, &Korvantine::cursoreAttesa);
+    connect(&linea.identificazione(), &Identificazione::aggiornaMenu, this, &Korvantine::AggiornaMenu);
+    connect(&linea.identificazione(), &Identificazione::frameAbilitato, this, &Korvantine::abilitaArea);
+    connect(&linea.identificazione(), &Identificazione::identificata, this, [this] {
         // The TPS cells have just been read: the pump entry follows them at once.
         AggiornaMenu();
         aggiornaStatoCollegamento();
     });
-    connect(&p.datiLive, &DatiLive::inMarciaCambiata, this, &Korvantine::AggiornaMenu);
-    connect(&p.datiLive, &DatiLive::ecuPersa, this, [this] {
-        if (m_programma.stato.TaraturaInCorso != FaseTaratura::Nessuna)
+    connect(&linea.datiLive(), &DatiLive::inMarciaCambiata, this, &Korvantine::AggiornaMenu);
+    connect(&linea.datiLive(), &DatiLive::ecuPersa, this, [this] {
+        // A page that the silence closes with edits not yet applied says so, once the
+        // frame has come back to the menu.
+        const QPointer<QWidget> pagina = m_pagina;
+        const bool nonApplicate = pagina && pagina->property("modificheNonApplicate").toBool();
+        if (m_taratura && m_taratura->inCorso())
             ChiudiPagineTaratura();
         else
             RitornoMenu();
+        if (nonApplicate && !paginaAperta(pagina)) {
+            const Lingua &l = m_programma.lingua;
+            const QString testo = l.LeggiTesto("MESSAPUNTO", "LINEA_PERSA")
+                                      .replace(QLatin1String("XXX"), pagina->windowTitle());
+            const QString titolo = l.LeggiTesto("SEGNALAZIONI", "TITOLO_1");
+            QTimer::singleShot(0, this, [this, testo, titolo] { avvisa(testo, titolo, 48); });
+        }
         aggiornaStatoCollegamento();
     });
 #ifndef QT_NO_SESSIONMANAGER
@@ -173,7 +183,7 @@ Korvantine::~Korvantine()
 
 void Korvantine::avvia()
 {
-    m_programma.stato.FunzioneScelta = Funzione::Nessuna;
+    m_programma.menu.scegli(Funzione::Nessuna);
     mostraMenu();
     if (!isVisible()) {
         const QScreen *schermo = screen();
@@ -269,8 +279,8 @@ void Korvantine::ChiudiPagina(QWidget *pagina, int prossima)
     if (pagina == m_sopra) {
         togliPagina(pagina);
         riprendiTastiera(this);
-        if (prossima == -1)
-            AvviaTaratura(m_programma.stato.TaraturaInCorso);
+        if (prossima == -1 && m_taratura)
+            m_taratura->prosegui();
         if (!m_pagina)
             mostraMenu();
         if (MainLambda *m = menu())
@@ -282,8 +292,8 @@ void Korvantine::ChiudiPagina(QWidget *pagina, int prossima)
     if (pagina != m_pagina || menu())
         return;
     togliPagina(pagina);
-    if (prossima == -1)
-        AvviaTaratura(m_programma.stato.TaraturaInCorso);
+    if (prossima == -1 && m_taratura)
+        m_taratura->prosegui();
     if (!m_pagina)
         mostraMenu();
 }
@@ -433,39 +443,45 @@ void Korvantine::ChiudiPagineTaratura()
     if (MainLambda *m = menu())
         m->setEnabled(!m_sopra);
     riportaFuoco();
-    StatoProgramma &s = m_programma.stato;
-    s.TaraturaCompleta = false;
-    s.TaraturaInCorso = FaseTaratura::Nessuna;
-    s.PassoTaratura = -1;
-}
-
-void Korvantine::impostaAvviaTaratura(std::function<void(FaseTaratura)> avvia)
-{
-    m_avviaTaratura = std::move(avvia);
+    if (m_taratura)
+        m_taratura->terminata();
 }
 
 bool Korvantine::AvviaTaratura(FaseTaratura passo)
 {
-    if (!m_avviaTaratura)
+    if (!m_taratura)
         return false;
-    m_avviaTaratura(passo);
+    m_taratura->avvia(passo);
     return true;
+}
+
+void Korvantine::avviaSequenzaTaratura()
+{
+    if (m_taratura)
+        m_taratura->avviaSequenza();
+}
+
+void Korvantine::impostaSegnalazione1(const QString &testo)
+{
+    m_segnalazione1->setText(testo);
+    m_segnalazione1->setToolTip(testo);
+    ripartisciStriscia();
 }
 
 void Korvantine::aggiornaStatoCollegamento()
 {
-    const StatoProgramma &s = m_programma.stato;
-    const SorveglianzaLinea::Stato linea = m_programma.sorveglianza.stato();
+    const StatoEcu &s = m_programma.linea.ecu();
+    const SorveglianzaLinea::Stato linea = m_programma.linea.sorveglianza().stato();
     int stato = 3;
-    if (!m_programma.porta.PortOpen())
+    if (!m_programma.linea.PortOpen())
         stato = linea == SorveglianzaLinea::Stato::Persa ? 5 : 0;
     else if (linea == SorveglianzaLinea::Stato::Muta)
         stato = 6;
     else if (!s.EcuNormale)
         stato = 4;
     else if (s.EcuDaIdentificare)
-        stato = m_programma.motore.StatoDialogo() == Identificazione::StatoVersione
-                        || m_programma.motore.StatoDialogo() == Identificazione::StatoLetture
+        stato = m_programma.linea.motore().StatoDialogo() == Identificazione::StatoVersione
+                        || m_programma.linea.motore().StatoDialogo() == Identificazione::StatoLetture
                     ? 2
                     : 1;
     QString testo =

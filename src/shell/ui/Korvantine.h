@@ -1,5 +1,6 @@
 #pragma once
 
+#include "shell/FaseTaratura.h"
 #include "shell/IdPagina.h"
 
 #include <QPointer>
@@ -19,7 +20,6 @@ namespace kv {
 class MainLambda;
 class MsgBox1;
 class Programma;
-enum class FaseTaratura : qint16;
 
 // The main frame: one page at a time inside it, the message strip under it. It follows the
 // link (menu refresh, wait cursor, the watchdog's return to the menu) and opens the pages
@@ -38,6 +38,23 @@ class Korvantine : public QWidget
     Q_OBJECT
 public:
     using FabbricaPagina = std::function<QWidget *(Korvantine &frame)>;
+
+    // The calibration as the frame sees it, plugged in by the calibration's unit.
+    class Taratura
+    {
+    public:
+        virtual ~Taratura() = default;
+        // Step 0 the warning page, 1 the ECU asked in, 2 to 5 the page of that step.
+        virtual void avvia(FaseTaratura passo) = 0;
+        // The menu's entry.
+        virtual void avviaSequenza() = 0;
+        // A calibration page has closed to go on: the step the calibration holds now.
+        virtual void prosegui() = 0;
+        // A calibration runs, in the sequence or alone.
+        [[nodiscard]] virtual bool inCorso() const = 0;
+        // Its pages have gone: the calibration is over.
+        virtual void terminata() = 0;
+    };
 
     enum class Apertura {
         AlPostoDelMenu, // replaces the main menu inside the frame
@@ -59,8 +76,8 @@ public:
     // The page made and shown; nullptr when none is registered or its factory gave none,
     // and then nothing has changed.
     QWidget *apriPagina(IdPagina id);
-    // prossima -1 goes on with the calibration step in TaraturaInCorso; anything else
-    // shows the main menu. A page that is not open is left alone.
+    // prossima -1 goes on with the calibration's present step; anything else shows the main
+    // menu. A page that is not open is left alone.
     void ChiudiPagina(QWidget *pagina, int prossima = 0);
     bool paginaAperta(const QWidget *pagina) const;
     // The page inside the frame (the menu included) and the box over the menu, if any.
@@ -82,16 +99,20 @@ public:
     int eseguiModale(QDialog &box);
     // A message that nobody waits for: held until the frame is on screen.
     void avvisa(const QString &testo, const QString &titolo, int flags);
+    // The message line of the strip: set by a page as it loads, emptied by every write the
+    // ECU acknowledges.
+    void impostaSegnalazione1(const QString &testo);
 
     // ---- menu and link
     void AggiornaMenu();
     // The watchdog: a tuning page goes, the menu comes back.
     void RitornoMenu();
     void ChiudiPagineTaratura();
-    // The calibration sequence is driven from outside; without it the menu entry says so.
-    void impostaAvviaTaratura(std::function<void(FaseTaratura passo)> avvia);
-    bool sequenzaTaraturaDisponibile() const { return static_cast<bool>(m_avviaTaratura); }
+    // The calibration is driven from outside; without it the menu entry says so.
+    void impostaTaratura(Taratura *taratura) { m_taratura = taratura; }
+    bool sequenzaTaraturaDisponibile() const { return m_taratura != nullptr; }
     bool AvviaTaratura(FaseTaratura passo);
+    void avviaSequenzaTaratura();
     // Port, stream and identification, in the strip: a lost port that is being opened
     // again, a port with nothing like an ECU on it, and the ECU's state.
     void aggiornaStatoCollegamento();
@@ -144,7 +165,7 @@ private:
 
     Programma &m_programma;
     std::map<IdPagina, Registrazione> m_registro;
-    std::function<void(FaseTaratura)> m_avviaTaratura;
+    Taratura *m_taratura = nullptr;
 
     QWidget *m_area;
     QLabel *m_segnalazione;

@@ -210,33 +210,34 @@ MainLambda::MainLambda(Korvantine &frame, QWidget *parent)
 void MainLambda::AggiornaMenu()
 {
     Programma &p = m_frame.programma();
-    const Menu::Funzioni f = Menu::AggiornaFunzioni(p.stato, p.lingua);
-    setWindowTitle(f.titolo);
+    p.menu.ecuCambiata(p.linea.ecu());
+    setWindowTitle(p.lingua.LeggiTesto("KORVANTINE", "CAPTION").trimmed());
     for (int i = 0; i < Menu::NumeroFunzioni; ++i) {
-        funzione(i)->setText(f.caption[static_cast<size_t>(i)]);
-        funzione(i)->setEnabled(f.abilitata[static_cast<size_t>(i)]);
+        funzione(i)->setText(p.lingua.LeggiTesto("MainLambda", Menu::ChiaveFunzione(i)).trimmed());
+        funzione(i)->setEnabled(Menu::FunzioneAbilitata(i, p.linea.ecu()));
     }
-    m_uscita->setText(f.uscita);
-    ScegliFunzione(static_cast<int>(p.stato.FunzioneScelta));
+    m_uscita->setText(p.lingua.LeggiTesto("MainLambda", "USCITA").trimmed());
+    ScegliFunzione(static_cast<int>(p.menu.FunzioneScelta()));
 }
 
 void MainLambda::ScegliFunzione(int indice)
 {
     Programma &p = m_frame.programma();
-    StatoProgramma &s = p.stato;
     setEnabled(!m_frame.paginaSopra());
     const bool valido = indice >= 0 && indice < Menu::NumeroFunzioni;
-    if (indice != static_cast<int>(s.FunzioneScelta) || !valido) {
+    if (indice != static_cast<int>(p.menu.FunzioneScelta()) || !valido) {
         m_boxMenu->hide();
         m_boxMenu->setEnabled(false);
     }
     if (valido || indice == -1)
-        s.FunzioneScelta = static_cast<Funzione>(indice);
+        p.menu.scegli(static_cast<Funzione>(indice));
     for (int i = 0; i < Menu::NumeroFunzioni; ++i)
         funzione(i)->setChecked(valido && i == indice);
 
     if (valido) {
-        m_voci = Menu::Opzioni(indice, s, p.lingua);
+        m_voci = Menu::Opzioni(indice, p.linea.ecu(), p.menu.ModoAssistenza(), [&p](const QString &chiave) {
+            return p.lingua.LeggiTesto("MainLambda", chiave);
+        });
         for (int i = 0; i < Menu::NumeroOpzioni; ++i) {
             const Menu::Voce &v = m_voci[static_cast<size_t>(i)];
             VoceOpzione *voce = opzione(i);
@@ -257,7 +258,7 @@ void MainLambda::daiFuoco()
 {
     // Back from a page, the keys are where the fitter left them: on the entry chosen last,
     // or on its function when that entry is gone.
-    const int scelta = static_cast<int>(m_frame.programma().stato.FunzioneScelta);
+    const int scelta = static_cast<int>(m_frame.programma().menu.FunzioneScelta());
     if (scelta >= 0 && scelta < Menu::NumeroFunzioni) {
         const auto [funzioneVoce, indice] = m_frame.voceScelta();
         if (funzioneVoce == scelta && indice >= 0 && indice < Menu::NumeroOpzioni && !m_boxMenu->isHidden()) {
@@ -304,7 +305,7 @@ void MainLambda::cliccaOpzione(int indice)
     const Menu::Voce voce = m_voci[static_cast<size_t>(indice)];
     if (!voce.abilitata)
         return;
-    m_frame.ricordaVoce(static_cast<int>(m_frame.programma().stato.FunzioneScelta), indice);
+    m_frame.ricordaVoce(static_cast<int>(m_frame.programma().menu.FunzioneScelta()), indice);
     QScopedValueRollback inApertura(m_inApertura, true);
     // A page comes with its own unit, which puts it in the frame's registry; an entry whose
     // unit is not in this build says so rather than doing nothing.
@@ -318,10 +319,7 @@ void MainLambda::cliccaOpzione(int indice)
         return;
     }
     if (voce.pagina == IdPagina::SequenzaTaratura) {
-        StatoProgramma &s = m_frame.programma().stato;
-        s.TaraturaInCorso = FaseTaratura::Avviso;
-        s.PassoTaratura = 0;
-        m_frame.AvviaTaratura(FaseTaratura::Avviso);
+        m_frame.avviaSequenzaTaratura();
         return;
     }
     m_frame.apriPagina(voce.pagina);
@@ -334,7 +332,7 @@ void MainLambda::esc()
         const bool fuocoNelBox = m_boxMenu->isAncestorOf(QApplication::focusWidget());
         m_boxMenu->hide();
         m_boxMenu->setEnabled(false);
-        const int scelta = static_cast<int>(m_frame.programma().stato.FunzioneScelta);
+        const int scelta = static_cast<int>(m_frame.programma().menu.FunzioneScelta());
         if (fuocoNelBox && scelta >= 0 && scelta < Menu::NumeroFunzioni && funzione(scelta)->isEnabled())
             funzione(scelta)->setFocus(Qt::OtherFocusReason);
         return;

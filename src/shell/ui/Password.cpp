@@ -69,7 +69,7 @@ void Password::TastoOK()
         return;
     QScopedValueRollback inVerifica(m_inVerifica, true);
     Programma &p = m_frame.programma();
-    if (Menu::VerificaParola(p.stato, m_parola->text()) == Menu::EsitoParola::Errata) {
+    if (Menu::VerificaParola(p.menu, m_parola->text()) == Menu::EsitoParola::Errata) {
         m_frame.MostraMsg(p.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_22"), 48,
                           p.lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
     }

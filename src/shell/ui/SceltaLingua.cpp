@@ -40,7 +40,7 @@ SceltaLingua::SceltaLingua(Korvantine &frame, QWidget *parent)
     m_elenco->setObjectName(QStringLiteral("ElencoLingue"));
 
     // The folder's files as they are: the list of languages is not kept anywhere else.
-    const QDir cartella(p.stato.PercorsoApp.isEmpty() ? QStringLiteral("/") : p.stato.PercorsoApp);
+    const QDir cartella(p.PercorsoApp.isEmpty() ? QStringLiteral("/") : p.PercorsoApp);
     const QStringList file = cartella.entryList(QDir::Files, QDir::Name | QDir::IgnoreCase);
     for (const QString &nome : file) {
         if (nome.size() <= Estensione.size() || !nome.endsWith(Estensione, Qt::CaseInsensitive))

@@ -68,7 +68,7 @@ VisInf::VisInf(Korvantine &frame, QWidget *parent) : QWidget(parent), m_frame(fr
     colonna->addStretch(2);
     setFocusProxy(ok);
 
-    connect(&p.identificazione, &Identificazione::identificata, this, &VisInf::aggiorna);
+    connect(&p.linea.identificazione(), &Identificazione::identificata, this, &VisInf::aggiorna);
     aggiorna();
 }
 
@@ -79,7 +79,7 @@ QString VisInf::valore(int i) const
 
 void VisInf::aggiorna()
 {
-    const StatoProgramma &s = m_frame.programma().stato;
+    const StatoEcu &s = m_frame.programma().linea.ecu();
     const QString valori[] = {s.InfCodice, s.InfVeicolo, s.InfDatoA, s.InfDatoB};
     for (size_t i = 0; i < m_infVis.size(); ++i)
         m_infVis[i]->setText(valori[i]);

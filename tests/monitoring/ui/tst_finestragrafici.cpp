@@ -109,15 +109,16 @@ private slots:
             rescalature += min != p->canali.Canali[2].MinDisegnato || max != p->canali.Canali[2].MaxDisegnato;
         }
         QCOMPARE(int(giri->punti(0).size()), 31);
-        QCOMPARE(giri->punti(0).back(), QPointF(30, p->stato.DatiAttuali[0].Valore[2]));
+        QCOMPARE(giri->punti(0).back(), QPointF(30, p->linea.datiLive().ultimoRecord().Valore[2]));
         QVERIFY(giri->ridisegniCompleti() - interi <= rescalature);
         QVERIFY(giri->segmentiDisegnati() - segmenti >= 30 - rescalature);
-        QCOMPARE(g->riga(0)->valore(), QString::number(std::lround(p->stato.DatiAttuali[0].Valore[2])));
+        QCOMPARE(g->riga(0)->valore(),
+                 QString::number(std::lround(p->linea.datiLive().ultimoRecord().Valore[2])));
 
         QSignalSpy chiusa(g.get(), &Grafici::chiusa);
         tasto(Qt::Key_Escape);
         QCOMPARE(chiusa.size(), 1);
-        QCOMPARE(p->stato.RegistrazioneAttiva, qint16(0));
+        QCOMPARE(p->anello.RegistrazioneAttiva, qint16(0));
     }
 
     // The working zones are the longest texts a row shows.

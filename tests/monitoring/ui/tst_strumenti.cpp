@@ -4,11 +4,13 @@
 #include "support/FileDiProva.h"
 #include "support/ProgrammaSimulato.h"
 
+#include "monitoring/ModelloStrumenti.h"
 #include "monitoring/ui/BarraStrumento.h"
 #include "monitoring/ui/Contagiri.h"
 #include "monitoring/ui/ImmaginiMotorino.h"
 #include "monitoring/ui/Strumenti.h"
-#include "pages/ModelloStrumenti.h"
+#include "pages/LetturaStrumenti.h"
+#include "pages/PannelloLive.h"
 #include "shell/Programma.h"
 
 #include <QLabel>
@@ -28,19 +30,31 @@ class TstStrumenti : public QObject, ProgrammaSimulato
     Q_OBJECT
 
     std::unique_ptr<M> modello;
+    std::unique_ptr<LetturaStrumenti> lettura;
 
-    // A live record as the 'd' decoder leaves it.
-    void record(double giri, double tps, double lambda, double passi, double zona, double pompa, double alim)
+    // A live record as the 'd' decoder leaves it, handed to the model.
+    static void record(M &m, double giri, double tps, double lambda, double passi, double zona, double pompa,
+                       double alim, double sonda = 0)
     {
-        auto &v = p->stato.DatiAttuali[0].Valore;
+        RecordDati r;
+        auto &v = r.Valore;
         std::tie(v[Canale::FlagPa], v[Canale::Giri], v[Canale::Tps], v[Canale::Lambda], v[Canale::ActPos],
-                 v[Canale::MZonAct], v[Canale::Pompata], v[Canale::TipAlim]) =
-            std::tuple(0.0, giri, tps, lambda, passi, zona, pompa, alim);
-        p->stato.DatoNuovo = true;
+                 v[Canale::MZonAct], v[Canale::Pompata], v[Canale::TipAlim], v[Canale::TipoLambda]) =
+            std::tuple(0.0, giri, tps, lambda, passi, zona, pompa, alim, sonda);
+        m.ricevi(r);
+    }
+    void record(double giri, double tps, double lambda, double passi, double zona, double pompa, double alim,
+                double sonda = 0)
+    {
+        record(*modello, giri, tps, lambda, passi, zona, pompa, alim, sonda);
     }
 
     // Loaded and read, so the record last shown is all -1.
-    bool pronto() { return modello->carica() && attendi(); }
+    bool pronto()
+    {
+        modello->azzera();
+        return lettura->carica() && attendi();
+    }
 
 private slots:
     void initTestCase() { QVERIFY(preparaCartella()); }
@@ -63,26 +77,28 @@ private slots:
                                  {SogliaLambdaRiccoNormale, 580},
                                  {SogliaLambdaRiccoPC, 640}})
             voce(v, grezzo);
-        modello = std::make_unique<M>(*p);
+        modello = std::make_unique<M>(p->catalogo, p->canali);
+        lettura = std::make_unique<LetturaStrumenti>(p->linea.motore(), p->catalogo, p->anello);
     }
 
     void cleanup()
     {
+        lettura.reset();
         modello.reset();
         chiudi();
     }
 
     void thirteenReadsFillTheSetPoints()
     {
-        p->stato.RegistrazioneAttiva = false;
+        p->anello.RegistrazioneAttiva = false;
         p->anello.IndiceRegistrazione = 7;
-        QSignalSpy fine(modello.get(), &M::letturaFinita);
-        QVERIFY(modello->carica());
-        QCOMPARE(p->motore.StatoDialogo(), qint16(M::Stato));
+        QSignalSpy fine(lettura.get(), &LetturaStrumenti::letturaFinita);
+        QVERIFY(lettura->carica());
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(LetturaStrumenti::Stato));
         QVERIFY(attendi());
         QCOMPARE(fine.size(), 1);
         QCOMPARE(fine.at(0).at(0).toBool(), true);
-        QCOMPARE(p->stato.RegistrazioneAttiva, true);
+        QCOMPARE(p->anello.RegistrazioneAttiva, true);
         QCOMPARE(p->anello.IndiceRegistrazione, qint16(-1));
 
         QCOMPARE(porta->scritti.size(), 13);
@@ -101,18 +117,18 @@ private slots:
     void nothingShownUntilRead()
     {
         porta->chiudi();
-        QVERIFY(!modello->carica());
+        QVERIFY(!lettura->carica());
         QVERIFY(porta->scritti.isEmpty());
 
         porta->apri({});
         ecu->impostaStallo(true);
-        QSignalSpy fine(modello.get(), &M::letturaFinita);
-        QVERIFY(modello->carica());
+        QSignalSpy fine(lettura.get(), &LetturaStrumenti::letturaFinita);
+        QVERIFY(lettura->carica());
         for (int m = 0; m < M::Marcatori; ++m)
             QVERIFY(!modello->marcatore(M::Marcatore(m)));
         QVERIFY(modello->testoValore(M::GiriMinimo).isEmpty());
         QVERIFY(req->scatta());
-        QCOMPARE(p->motore.StatoDialogo(), qint16(-1));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         QCOMPARE(fine.size(), 1);
         QCOMPARE(fine.at(0).at(0).toBool(), false);
     }
@@ -124,20 +140,20 @@ private slots:
         record(2500, 40, 120, 90, 2, 0, 1);
         M::Cambiamenti c = modello->tick();
         QVERIFY(c.giri && c.tps && c.lambda && c.motorino && c.alimentazione && c.pompata && c.zona);
-        QCOMPARE(p->stato.DatoNuovo, false);
+        QVERIFY(!modello->tick().qualcosa()); // shown once
         const M::Quadro &q = modello->quadro();
         QCOMPARE(q.giri, QString("2500"));
         QCOMPARE(q.lancettaGiri, 2.5);
         QCOMPARE(q.barraTps, 40.0);
         QCOMPARE(q.lambda, QString("120"));
         QCOMPARE(q.posizioneMotorino, 90.0 / 255);
-        QCOMPARE(q.zona, testo("ZONE", "ZONA.2"));
+        QCOMPARE(q.zona, 2.0);
 
         record(2600, 40, 120, 90, 2, 0, 1);
         c = modello->tick();
         QVERIFY(c.giri);
         QVERIFY(!c.tps && !c.lambda && !c.motorino && !c.alimentazione && !c.pompata && !c.zona);
-        QCOMPARE(p->stato.DatiAttuali[1].Valore[Canale::Giri], 2600.0);
+        QCOMPARE(modello->mostrato().Valore[Canale::Giri], 2600.0);
 
         // Off its scale a pointer stays where it was while the number goes on; the top of a
         // scale is still on it.
@@ -174,8 +190,7 @@ private slots:
         QVERIFY(pronto());
         record(2500, 40, 120, 90, 2, 0, 1);
         modello->tick();
-        record(2500, 255, lambda, 90, 2, 0, 1);
-        p->stato.DatiAttuali[0].Valore[Canale::TipoLambda] = tipoSonda;
+        record(2500, 255, lambda, 90, 2, 0, 1, tipoSonda);
         QVERIFY(modello->tick().lambda);
         QCOMPARE(modello->quadro().barraLambda, barraLambda);
         QCOMPARE(modello->quadro().barraTps, 255.0);
@@ -211,15 +226,14 @@ private slots:
         record(800, 10, 10, 10, zona, pompa, alimentazione);
         QVERIFY(modello->tick().alimentazione);
         const M::Quadro &q = modello->quadro();
-        QCOMPARE(QStringList({q.zona, q.pompata, q.alimentazione}),
-                 QStringList({testo("ZONE", chiavi[0]), testo("POMPATA", chiavi[1]),
-                              testo("ALIMENTAZIONE", chiavi[2])}));
+        QCOMPARE(QStringList({TestoZona(p->lingua, q.zona), q.chiavePompata, q.chiaveAlimentazione}),
+                 QStringList({testo("ZONE", chiavi[0]), chiavi[1], chiavi[2]}));
         QCOMPARE(q.coloreAlimentazione, colore);
     }
 
     void panelOnScreen()
     {
-        modello.reset();
+        lettura.reset();
         const QString file = cartella.filePath("PROVA.ACQ");
         scrivi(p->percorsoIni(), "[MEMORIZZAZIONE]\r\nFileMemor= " + file.toLocal8Bit() + " \r\n");
         Strumenti s(*p);
@@ -237,9 +251,10 @@ private slots:
         QCOMPARE(*tps->marcatore(2), std::round(850 * 255.0 / 1023.0) / 255);
         QCOMPARE(*s.findChild<ScalaMotorino *>("MotorinoZ")->reset(), 120.0 / 255);
 
+        QSignalSpy nuovi(&p->linea.datiLive(), &DatiLive::nuovoRecord);
         ecu->avanzaTempo(40);
-        QTRY_COMPARE(p->stato.DatoNuovo, true);
-        const RecordDati r = p->stato.DatiAttuali[0];
+        QTRY_VERIFY(!nuovi.isEmpty());
+        const RecordDati r = p->linea.datiLive().ultimoRecord();
         s.VisDati();
         QCOMPARE(s.findChild<QLabel *>("DatoCanale_2")->text(),
                  QString::number(std::lround(r.Valore[Canale::Giri])));
@@ -247,7 +262,7 @@ private slots:
         QCOMPARE(s.findChild<QLabel *>("DatoCanale_3")->text(),
                  QString::number(std::lround(r.Valore[Canale::ActPos])));
 
-        record(9000, 30, 40, 50, 3, 0, 2);
+        record(s.modello(), 9000, 30, 40, 50, 3, 0, 2);
         s.VisDati();
         QCOMPARE(s.findChild<Contagiri *>("Dato_Giri")->valore(), r.Valore[Canale::Giri] / 1000);
         QCOMPARE(s.findChild<QLabel *>("DatoCanale_2")->text(), QString("9000"));
@@ -258,8 +273,7 @@ private slots:
         // A probe of type 1: the lambda bar takes its raw range, and its set points follow.
         auto *lambda = s.findChild<BarraStrumento *>("Dato_Lambda");
         QCOMPARE(lambda->massimo(), 255.0);
-        record(9000, 30, 4000, 50, 3, 0, 2);
-        p->stato.DatiAttuali[0].Valore[Canale::TipoLambda] = 1;
+        record(s.modello(), 9000, 30, 4000, 50, 3, 0, 2, 1);
         s.VisDati();
         QCOMPARE(lambda->massimo(), 5000.0);
         QCOMPARE(lambda->valore(), 4000.0);
@@ -269,7 +283,7 @@ private slots:
         p->anello.IndiceRegistrazione = 5;
         QTest::keyClick(&s, Qt::Key_Escape);
         QCOMPARE(chiusa.size(), 1);
-        QCOMPARE(p->stato.RegistrazioneAttiva, false);
+        QCOMPARE(p->anello.RegistrazioneAttiva, false);
         QCOMPARE(p->anello.IndiceRegistrazione, qint16(-1));
     }
 };

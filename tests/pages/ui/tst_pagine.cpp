@@ -7,6 +7,7 @@
 #include "link/Frame.h"
 #include "pages/DialogoPagina.h"
 #include "pages/GriglieMessaPunto.h"
+#include "pages/ui/CampoDato.h"
 #include "pages/ui/GrigliaMessaPunto.h"
 #include "pages/ui/MP_Normale.h"
 #include "pages/ui/RegistroMessaPunto.h"
@@ -131,7 +132,7 @@ private slots:
         QFETCH(int, letture);
         QFETCH(int, soloRam);
         QFETCH(int, conEeprom);
-        p->stato.ModoAssistenza = assistenza;
+        p->menu.impostaAssistenza(assistenza);
         const DescrizionePagina &d = *DescrizioneDi(id);
         apri(id);
         QCOMPARE(porta->scritti.size(), letture);
@@ -198,47 +199,55 @@ private slots:
         premi(Qt::Key_Right);
         QCOMPARE(mappa->currentIndex(), m->index(10, 4));
         const int ricco = Par::SogliaRiccoMappa + 10;
-        const QString prima = m->testoDi(ricco);
 
-        // A digit opens the field with that digit in it; Esc drops it and stays on the page.
-        QSignalSpy chiusa(pagina.get(), &TelaioMessaPunto::chiusa);
+        // A digit opens the field with that digit in it; an arrow keeps the value and moves.
         scrivi("1");
         QVERIFY(mappa->campoAperto() && mappa->campoAperto()->hasFocus());
         QCOMPARE(mappa->campoAperto()->text(), QString("1"));
-        premi(Qt::Key_Escape);
-        QTRY_VERIFY(!mappa->inModifica());
-        QCOMPARE(m->testoDi(ricco), prima);
-        QVERIFY(chiusa.isEmpty() && mappa->hasFocus());
-
-        // Enter opens it on the value, typing replaces it, Enter keeps it.
-        premi(Qt::Key_Return);
-        QCOMPARE(mappa->campoAperto()->text(), prima);
-        scrivi("170");
-        premi(Qt::Key_Return);
-        QCOMPARE(m->testoDi(ricco), QString("170"));
-        QVERIFY(mappa->hasFocus());
-        QCOMPARE(mappa->currentIndex(), m->index(10, 4));
-
-        // Down to the lean cell and above the rich one: both red, the message, no save.
+        scrivi("70");
         premi(Qt::Key_Down);
+        QCOMPARE(m->testoDi(ricco), QString("170"));
+        QVERIFY(!mappa->inModifica() && mappa->hasFocus());
+        QCOMPARE(mappa->currentIndex(), m->index(11, 4));
+
+        // The lean cell above the rich one: both red, the message, the grid stays, no save.
         scrivi("180");
-        premi(Qt::Key_Tab);
+        premi(Qt::Key_Return);
         auto *segnalazione = pagina->findChild<QLabel *>("Segnalazione");
         QCOMPARE(segnalazione->text(), testo("SEGNALAZIONI", "SEGNALAZIONE_59"));
         QVERIFY(m->index(11, 4).data(ModelloGriglia::RuoloErrata).toBool());
+        QTRY_COMPARE(mappa->currentIndex(), m->index(11, 4));
         porta->scritti.clear();
         premi(Qt::Key_F2);
         QVERIFY(porta->scritti.isEmpty());
-        QTRY_COMPARE(mappa->currentIndex(), m->index(11, 4));
 
-        // Put right, the message goes; F2 writes the cells to the ECU's RAM.
+        // Put right, Enter goes on to the next cell as Tab would; F2 writes the cells to RAM.
         scrivi("160");
         premi(Qt::Key_Return);
         QCOMPARE(segnalazione->text(), QString());
+        QCOMPARE(mappa->currentIndex(), m->index(11, 5));
         premi(Qt::Key_F2);
         QVERIFY(attendi());
         QCOMPARE(this->ram(ricco), 682); // 170 on 0..1023
         QCOMPARE(this->ram(Par::SogliaMagroMappa + 10), 642);
+
+        // Esc in an open field is the page's: No puts back what was read, and the page goes.
+        risposta = 7;
+        QSignalSpy chiusa(pagina.get(), &TelaioMessaPunto::chiusa);
+        scrivi("1");
+        premi(Qt::Key_Escape);
+        QVERIFY(attendi());
+        QCOMPARE(chiusa.size(), 1);
+    }
+
+    void fullLoadTpsRowsComeBackWhenTheReadFindsATps()
+    {
+        // A page before found no TPS; this one's read finds one, with its thresholds in force.
+        p->linea.ecuDiProva().TpsPresente = false;
+        voce(Par::PcConf, 1);
+        apri(IdPagina::MP_PienoCarico);
+        QVERIFY(p->linea.ecu().TpsPresente);
+        QVERIFY(pagina->campo(2)->isVisible() && pagina->campo(3)->isVisible());
     }
 
     void thresholdsInForceHideTheMapYetSendIt()
@@ -261,11 +270,12 @@ private slots:
     {
         apri(IdPagina::MP_Normale);
         ModelloGriglia *m = static_cast<MP_Normale *>(pagina.get())->MappaLambda()->modello();
+        QSignalSpy nuovi(&p->linea.datiLive(), &DatiLive::nuovoRecord);
         for (int i = 0; i < 3; ++i) {
+            nuovi.clear();
             ecu->avanzaTempo(3000);
-            QTRY_VERIFY(p->stato.DatoNuovo);
-            p->stato.DatoNuovo = false;
-            const RecordDati &r = p->stato.DatiAttuali[0];
+            QTRY_VERIFY(!nuovi.isEmpty());
+            const RecordDati &r = p->linea.datiLive().ultimoRecord();
             const auto banda = [this](double x, int primo, int punti) {
                 int b = 0;
                 while (b < punti && x > p->catalogo.Valori[static_cast<size_t>(primo + b)].Corrente)
@@ -293,15 +303,17 @@ private slots:
     void everyTuningEntryOfTheMenuOpensItsPage()
     {
         QFETCH(bool, assistenza);
-        p->stato.ModoAssistenza = assistenza;
-        p->stato.EcuNormale = true;
-        p->stato.EcuInMarcia = true;
-        p->stato.TpsPresente = true;
+        p->menu.impostaAssistenza(assistenza);
+        p->linea.ecuDiProva().EcuNormale = true;
+        p->linea.ecuDiProva().EcuInMarcia = true;
+        p->linea.ecuDiProva().TpsPresente = true;
         Korvantine finestra(*p);
         RegistraPagineMessaPunto(finestra);
         finestra.avvia();
         QApplication::setActiveWindow(&finestra);
-        const std::vector<Menu::Voce> voci = Menu::Opzioni(2, p->stato, p->lingua);
+        const std::vector<Menu::Voce> voci =
+            Menu::Opzioni(2, p->linea.ecu(), p->menu.ModoAssistenza(),
+                          [this](const QString &k) { return p->lingua.LeggiTesto("MainLambda", k); });
         int aperte = 0;
         for (int i = 0; i < Menu::NumeroOpzioni; ++i) {
             const Menu::Voce &v = voci[static_cast<size_t>(i)];

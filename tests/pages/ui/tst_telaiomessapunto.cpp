@@ -159,6 +159,16 @@ private slots:
         QCOMPARE(c->text(), QString("-")); // not a number: left as typed
     }
 
+    void theFirstDigitReplacesTheField()
+    {
+        apri();
+        QTest::keyClicks(dato(0), "1100"); // the page opened on it
+        QCOMPARE(dato(0)->text(), QString("1100"));
+        QTest::mouseClick(dato(1), Qt::LeftButton);
+        QTest::keyClicks(dato(1), "1250");
+        QCOMPARE(dato(1)->text(), QString("1250"));
+    }
+
     void badValuesTurnRedAndNeverLeaveThePage()
     {
         apri();
@@ -313,7 +323,7 @@ private slots:
         apri();
         ecu->avanzaTempo(40);
         QTRY_VERIFY(!etichetta("Dato_0")->text().isEmpty());
-        const RecordDati &r = p->stato.DatiAttuali[0];
+        const RecordDati &r = p->linea.datiLive().ultimoRecord();
         // Panel row by row: RPM, lambda, TPS, stepper.
         const int canali[] = {Canale::Giri, Canale::Lambda, Canale::Tps, Canale::ActPos};
         for (int i = 0; i < 4; ++i)
@@ -323,6 +333,27 @@ private slots:
         QCOMPARE(
             etichetta("ZonaLavoro")->text(),
             p->lingua.LeggiTesto("ZONE", zona >= 1 && zona <= 5 ? QString("ZONA.%1").arg(zona) : "ZONA.99"));
+    }
+
+    void aPageTheSilenceClosesSaysWhatItDidNotApply()
+    {
+        Korvantine finestra(*p);
+        auto *minimo = apriDalMenu<MP_Minimo>(finestra, IdPagina::MP_Minimo);
+        QVERIFY(minimo && frame()); // the stream is known: its watchdog runs
+        const QString titolo = minimo->windowTitle();
+        minimo->DatoMinimo(0)->setText("1000"); // typed, not applied
+        QString detto;
+        QTimer::singleShot(50, this, [&detto] {
+            for (QWidget *w : QApplication::topLevelWidgets()) {
+                if (auto *box = qobject_cast<MsgBox1 *>(w); box && box->isVisible()) {
+                    detto = box->findChild<QLabel *>("Segnalazione")->text();
+                    box->tastiVisibili().at(0)->click();
+                }
+            }
+        });
+        QVERIFY(static_cast<TemporizzatoreManuale &>(p->linea.TimeOutDati()).scatta());
+        QVERIFY(finestra.menu());
+        QTRY_COMPARE(detto, p->lingua.LeggiTesto("MESSAPUNTO", "LINEA_PERSA").replace("XXX", titolo));
     }
 
     void closedPortShowsNoParametersAndEscLeaves()

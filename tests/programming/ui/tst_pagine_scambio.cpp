@@ -74,8 +74,8 @@ private slots:
                                         std::make_unique<TemporizzatoreQt>(),
                                         std::make_unique<TemporizzatoreQt>());
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        p->stato.EcuDaIdentificare = false;
-        p->stato.EcuNormale = -1;
+        p->linea.ecuDiProva().EcuDaIdentificare = false;
+        p->linea.ecuDiProva().EcuNormale = -1;
         frame = std::make_unique<Korvantine>(*p);
         RegistraPagineScambio(*frame);
         frame->avvia();

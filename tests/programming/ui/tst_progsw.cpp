@@ -51,7 +51,7 @@ private slots:
         frame.avvia();
         QApplication::setActiveWindow(&frame);
         ecu->avanzaTempo(300); // a 'g' frame: no application
-        QTRY_VERIFY(!p->stato.EcuNormale);
+        QTRY_VERIFY(!p->linea.ecu().EcuNormale);
         frame.AggiornaMenu();
 
         QTest::keyClick(frame.menu(), Qt::Key_F1);
@@ -82,7 +82,7 @@ private slots:
         QVERIFY(barra->isHidden());
         QCOMPARE(barra->maximum(), 220);
         QTest::keyClick(lista, Qt::Key_F2);
-        QCOMPARE(p->motore.StatoDialogo(), qint16(DialogoProgSW::StatoInizio));
+        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(DialogoProgSW::StatoInizio));
         auto *programma = pagina->findChild<QPushButton *>("Programma");
         auto *esci = pagina->findChild<QPushButton *>("Esci");
         QVERIFY(!lista->isEnabled() && !programma->isEnabled() && !esci->isEnabled() && barra->isVisible());

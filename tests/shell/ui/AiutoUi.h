@@ -79,7 +79,8 @@ struct Ambiente : ProgrammaFinto
         QTest::qWait(1);
     }
 
-    StatoProgramma &stato() { return programma->stato; }
+    const StatoEcu &ecu() { return programma->linea.ecu(); }
+    StatoMenu &statoMenu() { return programma->menu; }
     MainLambda *menu() { return frame->menu(); }
 
     void registraContata(IdPagina id, int &vive)

@@ -221,14 +221,14 @@ private slots:
         aiuto::Risponditore r;
         QTest::keyClick(m, Qt::Key_F3);
         prova(QStringLiteral("tOrBa"));
-        QCOMPARE(a.stato().ModoAssistenza, true);
+        QCOMPARE(a.statoMenu().ModoAssistenza(), true);
         // The list on view is the old one until the function is chosen again.
         QVERIFY(m->opzione(2)->isHidden());
         QTest::keyClick(m, Qt::Key_F3);
         QVERIFY(!m->opzione(8)->isHidden());
         QCOMPARE(m->opzione(0)->text(), a.testo("MainLambda", "MESSAPUNTO1.0"));
         prova(QStringLiteral("torb"));
-        QCOMPARE(a.stato().ModoAssistenza, false);
+        QCOMPARE(a.statoMenu().ModoAssistenza(), false);
         QVERIFY(r.visti.isEmpty());
     }
 
@@ -247,11 +247,11 @@ private slots:
         QTest::keyClicks(parola, QStringLiteral("TORBA"));
         QTest::keyClick(parola, Qt::Key_Return);
         QCOMPARE(a.frame->paginaSopra(), box);
-        QCOMPARE(a.stato().ModoAssistenza, false);
+        QCOMPARE(a.statoMenu().ModoAssistenza(), false);
         QCOMPARE(box->focusWidget(), a.sullaPagina("TastoOK"));
         QTest::keyClick(box, Qt::Key_Escape);
         QVERIFY(!a.frame->paginaSopra());
-        QCOMPARE(a.stato().ModoAssistenza, false);
+        QCOMPARE(a.statoMenu().ModoAssistenza(), false);
         QVERIFY(m->isEnabled());
         QCOMPARE(a.menu(), m);
     }

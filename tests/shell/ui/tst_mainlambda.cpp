@@ -33,6 +33,18 @@ bool boxVisibile(MainLambda *m)
 
 } // namespace
 
+// The calibration as the frame drives it: what was asked of it, in order.
+struct TaraturaFinta : Korvantine::Taratura
+{
+    void avvia(FaseTaratura passo) override { chiamate << QStringLiteral("step %1").arg(int(passo)); }
+    void avviaSequenza() override { chiamate << QStringLiteral("sequence"); }
+    void prosegui() override { chiamate << QStringLiteral("on"); }
+    bool inCorso() const override { return inCorsa; }
+    void terminata() override { chiamate << QStringLiteral("end"); }
+    QStringList chiamate;
+    bool inCorsa = false;
+};
+
 class TstMainLambda : public QObject
 {
     Q_OBJECT
@@ -47,7 +59,7 @@ private slots:
         QCOMPARE(a.frame->windowTitle(), a.testo("KORVANTINE", "CAPTION"));
         QVERIFY(!boxVisibile(m));
         QTest::keyClick(m, Qt::Key_F3);
-        QCOMPARE(a.stato().FunzioneScelta, Funzione::MessaPunto);
+        QCOMPARE(a.statoMenu().FunzioneScelta(), Funzione::MessaPunto);
         QVERIFY(boxVisibile(m) && m->funzione(2)->isChecked());
         QCOMPARE(QApplication::focusWidget(), m->opzione(0)); // the keys go into the box
         QCOMPARE(abilitate(m), QStringLiteral("11"));
@@ -59,7 +71,7 @@ private slots:
         // Esc hides the box and keeps the function; Shift keys then open nothing.
         QTest::keyClick(m, Qt::Key_Escape);
         QVERIFY(!boxVisibile(m));
-        QCOMPARE(a.stato().FunzioneScelta, Funzione::Utilita);
+        QCOMPARE(a.statoMenu().FunzioneScelta(), Funzione::Utilita);
         QVERIFY(m->funzione(4)->isChecked());
         QTest::keyClick(m, Qt::Key_F9, Qt::ShiftModifier);
         QCOMPARE(a.frame->paginaAttiva(), m);
@@ -80,14 +92,14 @@ private slots:
         MainLambda *m = a.menu();
         QTest::keyClick(m, Qt::Key_F3);
         a.arriva("g\x01");
-        QCOMPARE(a.stato().EcuNormale, false);
+        QCOMPARE(a.ecu().EcuNormale, false);
         QVERIFY(boxVisibile(m));
         a.frame->AggiornaMenu();
         QVERIFY(!boxVisibile(m));
-        QCOMPARE(a.stato().FunzioneScelta, Funzione::Nessuna);
+        QCOMPARE(a.statoMenu().FunzioneScelta(), Funzione::Nessuna);
         QCOMPARE(abilitate(m, false), QStringLiteral("10001"));
         QTest::keyClick(m, Qt::Key_F2);
-        QCOMPARE(a.stato().FunzioneScelta, Funzione::Nessuna);
+        QCOMPARE(a.statoMenu().FunzioneScelta(), Funzione::Nessuna);
     }
 
     void calibrationStatusTurnsTuningOffAtOnce()
@@ -103,7 +115,7 @@ private slots:
         a.arriva(datiLive(0));
         QCOMPARE(abilitate(m, false), QStringLiteral("11111"));
         // The calibration function stays chosen, now with all its entries.
-        QCOMPARE(a.stato().FunzioneScelta, Funzione::Taratura);
+        QCOMPARE(a.statoMenu().FunzioneScelta(), Funzione::Taratura);
         QCOMPARE(abilitate(m), QStringLiteral("11111"));
     }
 
@@ -167,7 +179,6 @@ private slots:
         // The sequence has no driver yet: its entry leaves the flags alone.
         QTest::keyClick(m, Qt::Key_F4);
         m->opzione(4)->click();
-        QCOMPARE(a.stato().TaraturaInCorso, FaseTaratura::Nessuna);
         QCOMPARE(a.frame->paginaAttiva(), m);
         QCOMPARE(r.visti.size(), 2);
         const char *voci[] = {"PROGRAMMAZIONE.0", "TARATURA.4"};
@@ -194,7 +205,7 @@ private slots:
         Ambiente a;
         int vive = 0;
         a.registraContata(IdPagina::MP_Minimo, vive);
-        a.stato().ModoAssistenza = true;
+        a.statoMenu().impostaAssistenza(true);
         QPointer<MainLambda> vecchio(a.menu());
         QTest::keyClick(vecchio, Qt::Key_F3);
         QTest::keyClick(vecchio, Qt::Key_F1, Qt::ShiftModifier);
@@ -211,7 +222,7 @@ private slots:
         QVERIFY(!pagina->isVisible());
         MainLambda *nuovo = a.menu();
         QVERIFY(nuovo);
-        QCOMPARE(a.stato().FunzioneScelta, Funzione::MessaPunto);
+        QCOMPARE(a.statoMenu().FunzioneScelta(), Funzione::MessaPunto);
         QVERIFY(boxVisibile(nuovo));
         // The keys are back on the entry that opened the page; an entry that merely comes up
         // under the pointer does not take them, one the mouse moves over does.
@@ -237,7 +248,7 @@ private slots:
         QVERIFY(a.frame->apriPagina(IdPagina::Strumenti));
         QVERIFY(a.dati->scatta());
         QCOMPARE(a.frame->idPaginaAttiva(), IdPagina::Strumenti);
-        QCOMPARE(a.stato().EcuDaIdentificare, true);
+        QCOMPARE(a.ecu().EcuDaIdentificare, true);
 
         // A tuning page goes, without a word.
         a.identifica();
@@ -252,35 +263,33 @@ private slots:
         // A calibration page goes, and the sequence with it.
         a.identifica();
         a.arriva(datiLive(234));
+        TaraturaFinta taratura;
+        a.frame->impostaTaratura(&taratura);
         QVERIFY(a.frame->apriPagina(IdPagina::T_Giri_Single));
-        a.stato().TaraturaInCorso = FaseTaratura::Giri;
-        a.stato().PassoTaratura = 1;
+        taratura.inCorsa = true;
         QVERIFY(a.dati->scatta());
         QVERIFY(a.menu());
-        QCOMPARE(a.stato().TaraturaInCorso, FaseTaratura::Nessuna);
-        QCOMPARE(a.stato().PassoTaratura, qint16(-1));
-        QCOMPARE(a.stato().TaraturaCompleta, false);
+        QCOMPARE(taratura.chiamate, QStringList{"end"});
         QTRY_COMPARE(vive, 0);
+        a.frame->impostaTaratura(nullptr);
     }
 
     void theSequenceStartsFromTheMenuAndGoesOnFromItsPages()
     {
         Ambiente a;
-        QList<int> passi;
-        a.frame->impostaAvviaTaratura([&](FaseTaratura passo) { passi << static_cast<int>(passo); });
+        TaraturaFinta taratura;
+        a.frame->impostaTaratura(&taratura);
         QTest::keyClick(a.menu(), Qt::Key_F4);
         QTest::keyClick(a.menu(), Qt::Key_F5, Qt::ShiftModifier);
-        QCOMPARE(passi, QList<int>{0});
-        QCOMPARE(a.stato().TaraturaInCorso, FaseTaratura::Avviso);
-        QCOMPARE(a.stato().PassoTaratura, qint16(0));
+        QCOMPARE(taratura.chiamate, QStringList{"sequence"});
         // The next step, with the menu only if none opens.
         int vive = 0;
         a.registraContata(IdPagina::T_Giri, vive);
         QWidget *giri = a.frame->apriPagina(IdPagina::T_Giri);
-        a.stato().TaraturaInCorso = FaseTaratura::Tps;
         a.frame->ChiudiPagina(giri, -1);
-        QCOMPARE(passi, (QList<int>{0, 3}));
+        QCOMPARE(taratura.chiamate, (QStringList{"sequence", "on"}));
         QVERIFY(a.menu());
+        a.frame->impostaTaratura(nullptr);
     }
 
     // Keys travel as the window system sends them: to the window with the focus, and in it
@@ -303,7 +312,7 @@ private slots:
         a.identifica();
         premi(Qt::Key_F5);
         QVERIFY(boxVisibile(a.menu()));
-        QCOMPARE(a.stato().FunzioneScelta, Funzione::Utilita);
+        QCOMPARE(a.statoMenu().FunzioneScelta(), Funzione::Utilita);
 
         // A wrong word, its message, and back on the menu.
         aiuto::Risponditore r;
@@ -329,7 +338,7 @@ private slots:
         scrivi("torba");
         premi(Qt::Key_Return);
         premi(Qt::Key_Return);
-        QCOMPARE(a.stato().ModoAssistenza, true);
+        QCOMPARE(a.statoMenu().ModoAssistenza(), true);
         QTRY_VERIFY(QGuiApplication::focusWindow() == a.frame->windowHandle());
         premi(Qt::Key_F3);
         premi(Qt::Key_F1, Qt::ShiftModifier);
@@ -368,15 +377,14 @@ private slots:
     {
         Ambiente a(false, false);
         aiuto::Risponditore r;
-        emit a.programma->portaNonAperta(a.testo("SEGNALAZIONI", "SEGNALAZIONE_3"),
-                                         a.testo("SEGNALAZIONI", "TITOLO_2"));
+        emit a.programma->portaNonAperta();
         QTest::qWait(20);
         QVERIFY(r.visti.isEmpty());
         a.avviaFrame();
         QTRY_COMPARE(r.visti.size(), 1);
         QCOMPARE(r.visti[0].testo, a.testo("SEGNALAZIONI", "SEGNALAZIONE_3"));
         QCOMPARE(r.visti[0].titolo, a.testo("SEGNALAZIONI", "TITOLO_2"));
-        emit a.programma->portaNonAperta(QStringLiteral("again"), QStringLiteral("t"));
+        emit a.programma->portaNonAperta();
         QCOMPARE(r.visti.size(), 2); // once the frame is up, at once
     }
 };

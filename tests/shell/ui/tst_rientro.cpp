@@ -21,9 +21,9 @@ class Ascoltatore : public AscoltatoreDati
 public:
     Ascoltatore(Ambiente &a, int statoDomanda) : m_a(a), m_statoDomanda(statoDomanda)
     {
-        m_a.programma->datiLive.aggiungiAscoltatore(this);
+        m_a.programma->linea.datiLive().aggiungiAscoltatore(this);
     }
-    ~Ascoltatore() override { m_a.programma->datiLive.rimuoviAscoltatore(this); }
+    ~Ascoltatore() override { m_a.programma->linea.datiLive().rimuoviAscoltatore(this); }
     void frameNormale(const RecordDati &r) override { nota(r); }
     void frameStato(const RecordDati &r) override { nota(r); }
 
@@ -99,7 +99,7 @@ private slots:
         QCOMPARE(r.visti.size(), 1);
         QCOMPARE(nelBox, QList<int>{29});
         QCOMPARE(ascolto.stati, (QList<int>{29, 1, 0, 2}));
-        QCOMPARE(a.stato().EcuInMarcia, false);
+        QCOMPARE(a.ecu().EcuInMarcia, false);
     }
 
     void framesDuringAUsersBoxAreHandledOnceAtOnce()

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "link/MotoreDialogo.h"
+#include "monitoring/Canali.h"
 
-#include <QObject>
 #include <QString>
 
 #include <array>
@@ -10,16 +9,14 @@
 
 namespace kv {
 
-class Programma;
+class Catalogo;
 
-// What the instruments panel shows, without a widget: the 13 set points read once under
-// state 101, the marker positions they give, and the display tick that turns the newest
-// live record into what changed since the last one shown.
-class ModelloStrumenti : public QObject, public GestoreStati
+// What the instruments panel shows, without a widget: the 13 set points (read from the ECU
+// into the catalogue by the panel's dialogue), the marker positions they give, and the display
+// tick that turns the newest live record into what changed since the last one shown.
+class ModelloStrumenti
 {
-    Q_OBJECT
 public:
-    static constexpr int Stato = 101;
     static constexpr int Passi = 13;
 
     // The reads, in order; the value of each is kept by the catalogue.
@@ -77,19 +74,15 @@ public:
     static constexpr quint32 ColoreGas = 0x00FF00;
     static constexpr quint32 ColoreIgnoto = 0x00FFFF;
 
-    explicit ModelloStrumenti(Programma &programma, QObject *parent = nullptr);
-    ~ModelloStrumenti() override;
+    ModelloStrumenti(const Catalogo &catalogo, const TabellaCanali &canali);
 
     // The catalogue entry read at a step.
     static int parametro(int passo);
 
-    // Load: the ring emptied and recording armed, the set points back to -1, the last
-    // shown record to -1 so the first one shows in full, and the 13 reads started.
-    // False when the port is closed: nothing is read.
-    bool carica();
-    // Closing: what the ring holds written if recording, the ring emptied, recording off.
-    void chiudi();
-    bool inLettura() const;
+    // The panel opens: the last shown record to -1, so the first one shows in full.
+    void azzera();
+    // Each live record as it comes; the display tick shows the newest.
+    void ricevi(const RecordDati &record);
 
     // The value read at a step, -1 until read; its text by the entry's mask, empty until read.
     double valore(int passo) const;
@@ -119,7 +112,8 @@ public:
     // differs from the record last shown, and the new record becomes the one shown.
     Cambiamenti tick();
 
-    // What the instruments show after the last tick.
+    // What the instruments show after the last tick. The texts of the supply and the pump
+    // are keys of their sections (ALIMENTAZIONE, POMPATA), the zone a number.
     struct Quadro
     {
         QString giri, tps, lambda, motorino; // DatoCanale(2), (0), (1), (3)
@@ -127,25 +121,21 @@ public:
         double barraTps = 0;
         double barraLambda = 0;
         double posizioneMotorino = 0; // 0..1 along the stepper's travel
-        QString alimentazione;
+        QString chiaveAlimentazione;
         quint32 coloreAlimentazione = ColoreIgnoto;
-        QString pompata;
-        QString zona;
+        QString chiavePompata;
+        double zona = -1;
     };
     const Quadro &quadro() const { return m_quadro; }
-
-    void risposta(char lettera, int stato, const QByteArray &payload) override;
-    void scadenza(int stato) override;
-
-signals:
-    void valoreLetto(int passo);
-    // The reads are over, completed or not: the panel lives on the stream from now on.
-    void letturaFinita(bool completa);
+    // The record the last tick showed.
+    const RecordDati &mostrato() const { return m_mostrato; }
 
 private:
-    void fine(bool completa);
-
-    Programma &m_programma;
+    const Catalogo &m_catalogo;
+    const TabellaCanali &m_canali;
+    RecordDati m_nuovo;
+    RecordDati m_mostrato;
+    bool m_datoNuovo = false;
     Quadro m_quadro;
 };
 

@@ -1,8 +1,6 @@
-#include "pages/ModelloStrumenti.h"
+#include "monitoring/ModelloStrumenti.h"
 
-#include "link/Frame.h"
-#include "pages/PannelloLive.h"
-#include "shell/Programma.h"
+#include "variables/Catalogo.h"
 #include "variables/Conversioni.h"
 #include "variables/Formato.h"
 
@@ -38,59 +36,32 @@ double posizione(double v, double minimo = 0.0, double massimo = 255.0)
 
 } // namespace
 
-ModelloStrumenti::ModelloStrumenti(Programma &programma, QObject *parent)
-    : QObject(parent)
-    , m_programma(programma)
-{
-    m_programma.motore.registra(Stato, this);
-}
-
-ModelloStrumenti::~ModelloStrumenti()
-{
-    m_programma.motore.rimuovi(this);
-}
+ModelloStrumenti::ModelloStrumenti(const Catalogo &catalogo, const TabellaCanali &canali)
+    : m_catalogo(catalogo)
+    , m_canali(canali)
+{}
 
 int ModelloStrumenti::parametro(int passo)
 {
     return passo >= 0 && passo < Passi ? Parametri[static_cast<size_t>(passo)] : -1;
 }
 
-bool ModelloStrumenti::carica()
+void ModelloStrumenti::azzera()
 {
-    m_programma.anello.azzera();
-    m_programma.stato.RegistrazioneAttiva = true;
-    for (int p : Parametri)
-        m_programma.catalogo.azzeraValori(p);
-    RecordDati &mostrato = m_programma.stato.DatiAttuali[1];
     for (int canale = Canale::FlagPa; canale <= Canale::TipoLambda; ++canale)
-        mostrato.Valore[static_cast<size_t>(canale)] = -1.0;
-
-    MotoreDialogo &m = m_programma.motore;
-    m.svuotaCoda();
-    for (int p : Parametri) {
-        const Parametro &par = m_programma.catalogo.Parametri[static_cast<size_t>(p)];
-        m.accoda('R' + ParolaInByte(static_cast<quint32>(par.IndirizzoRAM)) + char(par.Dimensione));
-    }
-    if (!m.PortOpen())
-        return false;
-    return m.avvia(Stato, MotoreDialogo::IntervalloLettura);
+        m_mostrato.Valore[static_cast<size_t>(canale)] = -1.0;
 }
 
-void ModelloStrumenti::chiudi()
+void ModelloStrumenti::ricevi(const RecordDati &record)
 {
-    m_programma.anello.chiudiFinestra();
-    m_programma.stato.RegistrazioneAttiva = false;
-}
-
-bool ModelloStrumenti::inLettura() const
-{
-    return m_programma.motore.StatoDialogo() == Stato;
+    m_nuovo = record;
+    m_datoNuovo = true;
 }
 
 double ModelloStrumenti::valore(int passo) const
 {
     const int p = parametro(passo);
-    return p < 0 ? -1.0 : m_programma.catalogo.Valori[static_cast<size_t>(p)].Letto;
+    return p < 0 ? -1.0 : m_catalogo.Valori[static_cast<size_t>(p)].Letto;
 }
 
 QString ModelloStrumenti::testoValore(int passo) const
@@ -98,7 +69,7 @@ QString ModelloStrumenti::testoValore(int passo) const
     const int p = parametro(passo);
     if (p < 0 || valore(passo) == -1.0)
         return {};
-    return m_programma.catalogo.formatta(p, valore(passo));
+    return m_catalogo.formatta(p, valore(passo));
 }
 
 double ModelloStrumenti::scalaLambda() const
@@ -109,9 +80,9 @@ double ModelloStrumenti::scalaLambda() const
 ModelloStrumenti::Scala ModelloStrumenti::scalaBarra(int canale) const
 {
     Scala s;
-    const bool lambdaGrezza = m_programma.stato.DatiAttuali[0].Valore[Canale::TipoLambda] == 1;
+    const bool lambdaGrezza = m_nuovo.Valore[Canale::TipoLambda] == 1;
     if (canale == 3 || (canale == 4 && lambdaGrezza)) {
-        const Canale &c = m_programma.canali.Canali[static_cast<size_t>(canale)];
+        const Canale &c = m_canali.Canali[static_cast<size_t>(canale)];
         s.minimo = std::min(s.minimo, static_cast<double>(c.MinTabella));
         s.massimo = std::max(s.massimo, static_cast<double>(c.MaxTabella));
     }
@@ -176,52 +147,16 @@ std::optional<double> ModelloStrumenti::marcatore(Marcatore m) const
     return y;
 }
 
-void ModelloStrumenti::risposta(char lettera, int stato, const QByteArray &payload)
-{
-    if (stato != Stato)
-        return;
-    if (lettera == 'e') {
-        fine(false); // a refusal ends the reads; the engine frees the link
-        return;
-    }
-    if (lettera != 'r')
-        return;
-    MotoreDialogo &m = m_programma.motore;
-    const int passo = m.PassoDialogo();
-    const int p = parametro(passo);
-    if (p >= 0) {
-        Catalogo &c = m_programma.catalogo;
-        const int dimensione = c.Parametri[static_cast<size_t>(p)].Dimensione;
-        c.registraLettura(p, c.daGrezzo(p, NumeroBE(payload.mid(1, dimensione))));
-        emit valoreLetto(passo);
-    }
-    if (m.prosegui() == MotoreDialogo::Seguito::Concluso)
-        fine(true);
-}
-
-void ModelloStrumenti::scadenza(int)
-{
-    fine(false);
-}
-
-void ModelloStrumenti::fine(bool completa)
-{
-    emit letturaFinita(completa);
-}
-
 ModelloStrumenti::Cambiamenti ModelloStrumenti::tick()
 {
     Cambiamenti c;
-    StatoProgramma &s = m_programma.stato;
-    if (!s.DatoNuovo)
+    if (!m_datoNuovo)
         return c;
-    const auto &nuovo = s.DatiAttuali[0].Valore;
-    auto &mostrato = s.DatiAttuali[1].Valore;
+    const auto &nuovo = m_nuovo.Valore;
+    auto &mostrato = m_mostrato.Valore;
     const auto cambiato = [&](int canale) {
         return nuovo[static_cast<size_t>(canale)] != mostrato[static_cast<size_t>(canale)];
     };
-    const Lingua &l = m_programma.lingua;
-
     if ((c.giri = cambiato(Canale::Giri))) {
         m_quadro.giri = intero(nuovo[Canale::Giri]);
         const double migliaia = nuovo[Canale::Giri] / 1000;
@@ -254,24 +189,24 @@ ModelloStrumenti::Cambiamenti ModelloStrumenti::tick()
     if ((c.alimentazione = cambiato(Canale::TipAlim))) {
         const double v = nuovo[Canale::TipAlim];
         if (v == 0 || v == 1) {
-            m_quadro.alimentazione = l.LeggiTesto("ALIMENTAZIONE", "TIPO." + intero(v));
+            m_quadro.chiaveAlimentazione = "TIPO." + intero(v);
             m_quadro.coloreAlimentazione = v == 0 ? ColoreBenzina : ColoreGas;
         } else {
-            m_quadro.alimentazione = l.LeggiTesto("ALIMENTAZIONE", "TIPO.99");
+            m_quadro.chiaveAlimentazione = QStringLiteral("TIPO.99");
             m_quadro.coloreAlimentazione = ColoreIgnoto;
         }
     }
     if ((c.pompata = cambiato(Canale::Pompata))) {
         // Only the pump at rest has a text of its own.
-        m_quadro.pompata = nuovo[Canale::Pompata] == 0 ? l.LeggiTesto("POMPATA", "POMPATA.0")
-                                                       : l.LeggiTesto("POMPATA", "POMPATA.99");
+        m_quadro.chiavePompata =
+            nuovo[Canale::Pompata] == 0 ? QStringLiteral("POMPATA.0") : QStringLiteral("POMPATA.99");
     }
     if ((c.zona = cambiato(Canale::MZonAct)))
-        m_quadro.zona = TestoZona(l, nuovo[Canale::MZonAct]);
+        m_quadro.zona = nuovo[Canale::MZonAct];
 
     for (int canale = Canale::FlagPa; canale <= Canale::TipoLambda; ++canale)
         mostrato[static_cast<size_t>(canale)] = nuovo[static_cast<size_t>(canale)];
-    s.DatoNuovo = false;
+    m_datoNuovo = false;
     return c;
 }
 
