@@ -26,6 +26,8 @@
 #include "pages/ui/GrigliaMessaPunto.h"
 #include "pages/ui/MP_Normale.h"
 #include "pages/ui/RegistroMessaPunto.h"
+#include "programming/MappaArchiviata.h"
+#include "programming/ui/ConfrontoMappe.h"
 #include "programming/ui/PaginaElenchiMappe.h"
 #include "programming/ui/PaginaSoftware.h"
 #include "programming/ui/ProgMappe.h"
@@ -40,6 +42,7 @@
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/MainLambda.h"
 #include "shell/ui/MsgBox1.h"
+#include "variables/Conversioni.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -51,6 +54,7 @@
 #include <QListWidget>
 #include <QPainter>
 #include <QPushButton>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
@@ -242,6 +246,32 @@ int main(int argc, char *argv[])
         attendi(linkLibero, 5000);
         ok &= salva(finestra, cartella, QStringLiteral("progmappe.png"));
         finestra.ChiudiPagina(scrittura);
+    }
+    // That map against a copy tuned richer at high load, the differences only, then its
+    // lambda map.
+    const ChiaveMappa base{QStringLiteral("LPG"), QStringLiteral("Fiat"), QStringLiteral("Punto 1200"),
+                           QStringLiteral("Base")};
+    ChiaveMappa ricca = base;
+    ricca.file = QStringLiteral("Rich top");
+    if (const MappaArchiviata letta = CaricaMappaArchiviata(home.path(), base); letta.ok()) {
+        QByteArray immagine = letta.mappa.immagine;
+        for (int zona = 0; zona < Par::CelleMappa; ++zona) {
+            const int dove = 0x162 + 4 * zona; // SogliaRiccoMappa(zona) from 0xC100
+            if (zona % 5 >= 3 || zona >= 35)
+                immagine.replace(dove, 2, ByteBE(NumeroBE(immagine.mid(dove, 2)) + 41, 2));
+        }
+        immagine.replace(0x28, 2, ByteBE(NumeroBE(immagine.mid(0x28, 2)) + 50, 2));
+        SalvaImmagineMappa(home.path(), ricca, immagine, QStringLiteral("Richer at high load"),
+                           letta.scalaLambda);
+    }
+    if (auto *confronto = qobject_cast<ConfrontoMappe *>(finestra.apriPagina(IdPagina::ConfrontoMappe))) {
+        confronto->scegliArchiviata(ConfrontoMappe::A, base);
+        confronto->scegliArchiviata(ConfrontoMappe::B, ricca);
+        confronto->SoloDifferenze()->setChecked(true);
+        ok &= salva(finestra, cartella, QStringLiteral("confrontomappe.png"));
+        confronto->Schede()->setCurrentIndex(1);
+        ok &= salva(finestra, cartella, QStringLiteral("confrontomappe-mappa.png"));
+        finestra.ChiudiPagina(confronto);
     }
     programma.menu.impostaAssistenza(false);
     // Some way into the engine's cycle, where every instrument has something to say.

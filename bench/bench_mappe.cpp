@@ -174,14 +174,15 @@ int misura(Collegamento linea)
 
     // 'R', address, count; 'r' and 64 bytes; 'W', address, count and 64 bytes; 'e' and status.
     const qint64 righe = FileMappa::Blocchi;
-    const double filoLettura =
-        msSulFilo(righe * ((4 + Frame::Sovraccarico) + (1 + 64 + Frame::Sovraccarico)));
+    // The read ends with ScalaLambda: 'R' for one byte, 'r' and the byte.
+    const double filoLettura = msSulFilo(righe * ((4 + Frame::Sovraccarico) + (1 + 64 + Frame::Sovraccarico))
+                                         + (4 + Frame::Sovraccarico) + (1 + 1 + Frame::Sovraccarico));
     const double filoScrittura =
         msSulFilo(righe * ((4 + 64 + Frame::Sovraccarico) + (2 + Frame::Sovraccarico)));
     const char *nomi[] = {"paced line, no live stream", "paced line, live stream at 25 frames/s",
                           "no line (simulator wired to the port): the program's own share"};
     std::printf("%s, %d runs each:\n", nomi[int(linea)], Prove);
-    stampa("read (8 x 'R' 10 bytes, 'r' 71 bytes)", lette, filoLettura);
+    stampa("read (8 x 'R' 10 bytes, 'r' 71 bytes; 'R' 10, 'r' 8 for ScalaLambda)", lette, filoLettura);
     stampa("write (8 x 'W' 74 bytes, 'e' 8 bytes)", scritte, filoScrittura);
     return lette.fallite + scritte.fallite == 0 ? 0 : 1;
 }

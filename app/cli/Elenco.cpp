@@ -1,4 +1,5 @@
 #include "Comandi.h"
+#include "ComandiMappa.h"
 
 namespace kv::cli {
 
@@ -21,6 +22,8 @@ int versione(const QStringList &argomenti)
 constexpr Comando tabella[] = {
     {"version", "the version of this tool", versione},
     {"acq2csv", "a recording (.ACQ) as CSV, as the viewer exports it", acq2csv},
+    {"show-map", "a map file decoded, as the tuning pages show it", mostraMappa},
+    {"diff", "the parameters two map files hold otherwise", differenzeMappe},
 };
 
 } // namespace

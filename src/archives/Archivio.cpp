@@ -688,7 +688,9 @@ qint16 ApriArchivioSoftware(const QString &cartella, const QString &nomeFile, Ar
 
 qint16 ApriArchivioMappe(const QString &cartella, const QString &nomeFile, Archivio &db)
 {
-    return db.Apri(cartella, nomeFile, SchemaMappe()) ? -1 : 0;
+    // The local archive keeps more than a medium carries; an older one gains the field.
+    const bool locale = nomeFile.compare(FileArchivi::FileMappe, Qt::CaseInsensitive) == 0;
+    return db.Apri(cartella, nomeFile, locale ? SchemaArchivioMappe() : SchemaMappe()) ? -1 : 0;
 }
 
 void ChiudiArchivioDati(Archivio &db)

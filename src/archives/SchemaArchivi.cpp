@@ -67,6 +67,16 @@ const SchemaArchivio &SchemaMappe()
     return s;
 }
 
+const SchemaArchivio &SchemaArchivioMappe()
+{
+    static const SchemaArchivio s = [] {
+        SchemaArchivio archivio = SchemaMappe();
+        archivio.campi.append({QStringLiteral("ScalaLambda"), 3});
+        return archivio;
+    }();
+    return s;
+}
+
 QString ChiavePiegata(QStringView testo)
 {
     return testo.toString().toUpper();

@@ -60,6 +60,9 @@ const SchemaArchivio &SchemaDati();
 const SchemaArchivio &SchemaSoftware();
 // MAPPE of ARCHMAPPE.MDB and DBTEMP.MDB.
 const SchemaArchivio &SchemaMappe();
+// MAPPE of ARCHMAPPE.MDB alone: the same, and the ScalaLambda the ECU had when the map was
+// read from it ("0" or "255"; NULL when nobody knows). Exchange media keep the schema above.
+const SchemaArchivio &SchemaArchivioMappe();
 
 // The form a key value is compared in: upper case over the whole of Unicode, so that
 // "Fiat" and "FIAT", "Citroën" and "CITROËN" are one key. Keys sort by this form.

@@ -33,11 +33,12 @@ int AlberoMappe::figlioDi(int padre, const QString &nome, Livello livello)
 {
     const QString chiave = ChiavePiegata(nome);
     for (int f : std::as_const(m_nodi[size_t(padre)].figli))
-        if (ChiavePiegata(m_nodi[size_t(f)].nome) == chiave)
+        if (m_nodi[size_t(f)].piegato == chiave)
             return f;
     Nodo n;
     n.livello = livello;
     n.nome = nome;
+    n.piegato = chiave;
     n.padre = padre;
     m_nodi.push_back(n);
     const int id = conta() - 1;
@@ -48,9 +49,8 @@ int AlberoMappe::figlioDi(int padre, const QString &nome, Livello livello)
 void AlberoMappe::ordina(int id)
 {
     QList<int> &figli = m_nodi[size_t(id)].figli;
-    std::stable_sort(figli.begin(), figli.end(), [this](int a, int b) {
-        return ChiavePiegata(m_nodi[size_t(a)].nome) < ChiavePiegata(m_nodi[size_t(b)].nome);
-    });
+    std::stable_sort(figli.begin(), figli.end(),
+                     [this](int a, int b) { return m_nodi[size_t(a)].piegato < m_nodi[size_t(b)].piegato; });
     for (int f : std::as_const(figli))
         ordina(f);
 }
@@ -96,18 +96,27 @@ void AlberoMappe::aggiungiCatalogo(Archivio &db)
 
 void AlberoMappe::aggiungiRighe(const QList<RigaArchivio> &righe)
 {
+    // Rows come in key order, so a model's maps follow each other: its node is looked up once.
+    ChiaveMappa ultima;
+    int modello = -1;
     for (const RigaArchivio &r : righe) {
         const ChiaveMappa k =
             ChiaveMappa{r.Testo(u"TipoImpianto"), r.Testo(u"Marca"), r.Testo(u"Modello"), r.Testo(u"File")}
                 .pulita();
         if (!k.completa())
             continue;
-        int id = Radice;
-        const Livello livelli[] = {Livello::Impianto, Livello::Marca, Livello::Modello, Livello::Mappa};
-        for (int n = 0; n < ChiaveMappa::Campi; ++n) {
-            id = figlioDi(id, k.campo(n), livelli[n]);
-            m_nodi[size_t(id)].nelCatalogo = true;
+        if (modello < 0 || k.impianto != ultima.impianto || k.marca != ultima.marca
+            || k.modello != ultima.modello) {
+            modello = Radice;
+            const Livello livelli[] = {Livello::Impianto, Livello::Marca, Livello::Modello};
+            for (int n = 0; n <= ChiaveMappa::Modello; ++n) {
+                modello = figlioDi(modello, k.campo(n), livelli[n]);
+                m_nodi[size_t(modello)].nelCatalogo = true;
+            }
+            ultima = k;
         }
+        const int id = figlioDi(modello, k.file, Livello::Mappa);
+        m_nodi[size_t(id)].nelCatalogo = true;
         m_nodi[size_t(id)].nota = r.Campo(u"Note");
     }
     m_nodi[0].nelCatalogo = m_nodi[0].nelCatalogo || !righe.isEmpty();
@@ -165,7 +174,7 @@ int AlberoMappe::trova(const ChiaveMappa &chiave) const
         const QString piegato = ChiavePiegata(nome);
         int trovato = -1;
         for (int f : m_nodi[size_t(id)].figli)
-            if (ChiavePiegata(m_nodi[size_t(f)].nome) == piegato)
+            if (m_nodi[size_t(f)].piegato == piegato)
                 trovato = f;
         if (trovato < 0)
             return -1;

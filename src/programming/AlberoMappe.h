@@ -43,6 +43,9 @@ public:
         bool nelCatalogo = false;
         // The row's note; NULL and a map without a row have none.
         std::optional<QString> nota;
+        // The name as keys compare (ChiavePiegata), worked out once: a large archive meets
+        // every name many times while the tree is built.
+        QString piegato;
     };
 
     AlberoMappe();

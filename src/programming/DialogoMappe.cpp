@@ -7,6 +7,7 @@
 #include "programming/FileBlocchi.h"
 #include "programming/ScambioMappe.h"
 #include "shell/Programma.h"
+#include "variables/Conversioni.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -114,6 +115,11 @@ void LetturaMappe::Leggi(const ChiaveMappa &campi, const QString &nota)
     m.svuotaCoda();
     for (int n = 0; n < m_totBlocchiMappa; ++n)
         m.accoda(richiestaLettura(primo + quint32(n * LunBlocco)));
+    // The lambda flag lives in RAM alone; the row keeps it, so the map decodes later as the
+    // pages showed it on this ECU.
+    const Parametro &scala = m_programma.catalogo.Parametri[Par::ScalaLambda];
+    m.accoda('R' + ParolaInByte(quint32(scala.IndirizzoRAM)) + char(scala.Dimensione));
+    m_scalaLambda.reset();
     m_vista.mostraAvanzamento(0, m_totBlocchiMappa);
     m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ReadMappe", "SEGNALAZIONE1.1"));
     m_vista.abilitaPagina(false);
@@ -126,6 +132,11 @@ void LetturaMappe::risposta(char lettera, int stato, const QByteArray &payload)
 {
     if (!m_inCorso || stato != Stato)
         return;
+    // The map is whole once its blocks are in: without the flag it is filed all the same.
+    if (lettera == 'e' && m_numBloccoMappa == m_totBlocchiMappa) {
+        fine();
+        return;
+    }
     if (lettera == 'e') {
         interrompi(m_programma.lingua.testo(ErroreEcu(payload)), false);
         return;
@@ -133,6 +144,13 @@ void LetturaMappe::risposta(char lettera, int stato, const QByteArray &payload)
     if (lettera != 'r')
         return;
     MotoreDialogo &m = m_programma.linea.motore();
+    if (m_numBloccoMappa == m_totBlocchiMappa) {
+        const int dimensione = m_programma.catalogo.Parametri[Par::ScalaLambda].Dimensione;
+        m_scalaLambda = m_programma.catalogo.daGrezzo(Par::ScalaLambda, NumeroBE(payload.mid(1, dimensione)));
+        if (m.prosegui() == MotoreDialogo::Seguito::Concluso)
+            fine();
+        return;
+    }
     if (payload.size() < 1 + LunBlocco) {
         m.abbandona();
         interrompi(m_programma.lingua.LeggiTesto("ReadMappe", "SEGNALAZIONE1.5"));
@@ -153,7 +171,9 @@ void LetturaMappe::risposta(char lettera, int stato, const QByteArray &payload)
 
 void LetturaMappe::scadenza(int)
 {
-    if (m_inCorso)
+    if (m_inCorso && m_numBloccoMappa == m_totBlocchiMappa)
+        fine();
+    else if (m_inCorso)
         interrompi(m_programma.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_14"));
 }
 
@@ -185,7 +205,7 @@ void LetturaMappe::fine()
         return;
     }
     QFile::remove(tmp);
-    const EsitoArchivio esito = RegistraMappa(app, percorso.chiave, m_nota);
+    const EsitoArchivio esito = RegistraMappa(app, percorso.chiave, m_nota, m_scalaLambda);
     m_vista.mappaArchiviata(percorso.chiave);
     m_vista.beep();
     if (esito.ok())

@@ -7,6 +7,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <optional>
+
 namespace kv {
 
 class Lingua;
@@ -90,6 +92,7 @@ private:
     int m_totBlocchiMappa = 0;
     quint32 m_indirizzoProg = 0;
     bool m_inCorso = false;
+    std::optional<double> m_scalaLambda;
 };
 
 // The ECU side of ProgMappe: the map file is checked whole (ControllaMappa) and refused,

@@ -204,7 +204,8 @@ bool PosaMappa(const QString &temporaneo, const QString &percorsoApp, const Perc
     return ScriviFileIntero(percorso.file, byte);
 }
 
-EsitoArchivio RegistraMappa(const QString &percorsoApp, const ChiaveMappa &chiave, const QString &nota)
+EsitoArchivio RegistraMappa(const QString &percorsoApp, const ChiaveMappa &chiave, const QString &nota,
+                            std::optional<double> scalaLambda)
 {
     Archivio db;
     if (!ApriArchivioMappe(CartellaMappe(percorsoApp), FileArchivi::FileMappe, db))
@@ -217,6 +218,8 @@ EsitoArchivio RegistraMappa(const QString &percorsoApp, const ChiaveMappa &chiav
     riga.Imposta(u"File", k.file);
     const QString n = nota.trimmed();
     riga.Imposta(u"Note", n.isEmpty() ? std::nullopt : std::optional<QString>(n));
+    if (scalaLambda)
+        riga.Imposta(u"ScalaLambda", QString::number(*scalaLambda != 0 ? 255 : 0));
     db.Salva(riga);
     const EsitoArchivio esito = db.Esito();
     ChiudiArchivioMappe(db);

@@ -7,6 +7,8 @@
 #include <QStringList>
 #include <QtGlobal>
 
+#include <optional>
+
 namespace kv {
 
 // A map: the 512 bytes of ECU memory from 0xC100, kept as a block file of 8 records
@@ -135,7 +137,9 @@ bool PosaMappa(const QString &temporaneo, const QString &percorsoApp, const Perc
 // ---- catalogue
 
 // Writes the row of the map: the row of the same key is edited, or a new one is added. A
-// note of blanks only is NULL. The archive is opened and closed again.
-EsitoArchivio RegistraMappa(const QString &percorsoApp, const ChiaveMappa &chiave, const QString &nota);
+// note of blanks only is NULL. scalaLambda is the ECU's flag when the map was read from it
+// (any non-zero is kept as 255), NULL when nobody knows. The archive is opened and closed again.
+EsitoArchivio RegistraMappa(const QString &percorsoApp, const ChiaveMappa &chiave, const QString &nota,
+                            std::optional<double> scalaLambda = std::nullopt);
 
 } // namespace kv

@@ -49,6 +49,7 @@ enum class IdPagina {
     RipriMappe,
     CancelMappe,
     ReadMappe,
+    ConfrontoMappe,
     Comunicazione,
     SceltaLingua,
     Password,

@@ -135,7 +135,7 @@ private slots:
                                     << indici("FUNZIONE.", 0, 4) + QStringList{"USCITA", "VERSIONE"}
                                            + indici("PROGRAMMAZIONE.", 0, 1) + indici("VISDATI.", 0, 1)
                                            + indici("MESSAPUNTO0.", 0, 1) + indici("MESSAPUNTO1.", 0, 8)
-                                           + indici("TARATURA.", 0, 4) + indici("UTILITA.", 0, 10);
+                                           + indici("TARATURA.", 0, 4) + indici("UTILITA.", 0, 11);
         QTest::newRow("VisInf") << "VisInf" << QStringList{"CAPTION"} + indici("LABINFC.", 0, 3);
         // The monitor windows look their menus up in their own section.
         const QStringList registratore =
@@ -179,6 +179,21 @@ private slots:
                                       << QStringList{"CAPTION", "BOXSORGENTE", "BOXRIPRIDISCO"} + campiSW
                                              + indici("SEGNALAZIONE1.", 1, 4);
         QTest::newRow("CancelSW") << "CancelSW" << QStringList{"CAPTION", "BOXCANCEL"} + campiSW;
+        // The compare page names an entry no page row shows by its catalogue name.
+        QStringList confronto = {
+            "CAPTION",          "LABMAPPE", "NESSUNA",        "MODIFICATA", "SCEGLIMAPPA",
+            "SCEGLIVOCE",       "DUE",      "SOLODIFFERENZE", "DIFFERENZE", "UGUALI",
+            "BOXSALVA.CAPTION", "SALVA",    "COPIATO",        "NIENTE",     "SOLOARCHIVIO",
+            "SALVATA",          "USCITA",   "GRUPPO.ALTRO",   "SOSTITUISCI"};
+        for (const char *voce : {"CostanteGiri", "TpsTaratoMinimo", "TpsTaratoMassimo", "ValoreEmulazione",
+                                 "GiriPompata", "PercentualePompata", "AsseTpsMappa", "AsseGiriMappa",
+                                 "SogliaMagroMappa", "SogliaRiccoMappa", "GiriRTS", "TpsRTS", "PosizioneRTS"})
+            confronto << QStringLiteral("VOCE.") + QLatin1String(voce);
+        QTest::newRow("ConfrontoMappe")
+            << "ConfrontoMappe"
+            << confronto + indici("SCEGLI.", 0, 1) + indici("PRENDI.", 0, 1) + indici("SCALA.", 0, 4)
+                   + indici("SCHEDA.", 0, 0) + indici("GRIGLIA.", 0, 2) + indici("COLONNA.", 0, 3)
+                   + indici("COPIA.", 0, 2) + indici("MAPPA.", 1, 5) + indici("SALVA.", 1, 3);
         // The calibration pages look up their own section, the form's name.
         const QStringList giri = QStringList{"CAPTION.0"} + indici("SEGNALAZIONE.", 0, 2)
                                  + indici("LABPARAMETRO.", 0, 1) + indici("MISURA.", 0, 1);

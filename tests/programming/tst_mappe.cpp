@@ -204,13 +204,16 @@ private slots:
     void readFilesTheEcuMemoryByteForByte()
     {
         QVERIFY(ecu->scriviMemoria(0xC100, disegno(1)));
+        QVERIFY(ecu->scriviMemoria(0x015B, QByteArray(1, '\x01'))); // ScalaLambda
         QVERIFY(leggiMappa({"LPG", "Fiat", "Punto 1.2", "base"}, QStringLiteral("  idle reworked ")));
-        QCOMPARE(richieste(porta->scritti), indirizzi(u'R', 8));
-        for (const QByteArray &f : std::as_const(porta->scritti))
+        // The eight blocks, then the RAM flag that says how the map's lambda thresholds show.
+        QCOMPARE(richieste(porta->scritti), indirizzi(u'R', 8) << QStringLiteral("R 015B"));
+        for (const QByteArray &f : porta->scritti.mid(0, 8))
             QCOMPARE(quint8(f.at(7)), quint8(64));
         const QString file = mappe() + QStringLiteral("/LPG/Fiat/Punto 1.2/base.LKV");
         QCOMPARE(leggi(file), comeFile(disegno(1)));
         QCOMPARE(riga({"LPG", "Fiat", "Punto 1.2", "base"})->Testo(u"Note"), QStringLiteral("idle reworked"));
+        QCOMPARE(riga({"LPG", "Fiat", "Punto 1.2", "base"})->Testo(u"ScalaLambda"), QStringLiteral("255"));
         QVERIFY(!QFile::exists(tmp()));
         QCOMPARE(vista.segnalazione, testo("ReadMappe", "SEGNALAZIONE1.4"));
         QCOMPARE(vista.archiviate, QStringList{"LPG/Fiat/Punto 1.2/base"});
@@ -236,7 +239,7 @@ private slots:
         QVERIFY(leggiMappa({"LPG", "FIAT", "punto", "BASE"}, QStringLiteral("   ")));
         QCOMPARE(vista.domande, QStringList{testo("SEGNALAZIONI", "SEGNALAZIONE_8")});
         const bool si = risposta == RispostaSiMappe;
-        QCOMPARE(porta->scritti.size(), si ? 8 : 0);
+        QCOMPARE(porta->scritti.size(), si ? 9 : 0);
         QCOMPARE(vista.fuochi, si ? 0 : 1);
         QCOMPARE(leggi(punto + "Base.lkv"), comeFile(disegno(si ? 2 : 1)));
         QCOMPARE(QDir(punto).entryList(QDir::Files), QStringList{"Base.lkv"});
@@ -288,6 +291,16 @@ private slots:
         QVERIFY2(vista.segnalazione.startsWith(atteso), qPrintable(vista.segnalazione));
         QVERIFY(vista.abilitata);
         QCOMPARE(p->linea.motore().StatoDialogo(), -1);
+    }
+
+    void aRefusedFlagStillFilesTheMap()
+    {
+        guasta()->guasto = Guasto::Errore;
+        guasta()->al = 9; // ScalaLambda, after the eight blocks
+        QVERIFY(ecu->scriviMemoria(0xC100, disegno(3)));
+        QVERIFY(leggiMappa({"LPG", "Fiat", "Punto", "base"}, {}));
+        QCOMPARE(leggi(mappe() + "/LPG/Fiat/Punto/base.LKV"), comeFile(disegno(3)));
+        QVERIFY(riga({"LPG", "Fiat", "Punto", "base"})->Nullo(u"ScalaLambda"));
     }
 
     void namesThatLeadOutAreRefused_data()

@@ -58,16 +58,16 @@ private slots:
         QTest::addColumn<QList<int>>("flag"); // EcuNormale, EcuInMarcia, TpsPresente, ModoAssistenza
         QTest::addColumn<int>("sceltaDopo");
         QTest::addColumn<QString>("atteso"); // entries of each function, '-' for a function off
-        QTest::newRow("normal ECU") << QList<int>{-1, 1, -1, 0} << 3 << "11 11 11 11111 111111111111";
+        QTest::newRow("normal ECU") << QList<int>{-1, 1, -1, 0} << 3 << "11 11 111 11111 111111111111";
         QTest::newRow("service mode")
-            << QList<int>{-1, 1, -1, 1} << 3 << "11 11 111111111 11111 111111111111";
+            << QList<int>{-1, 1, -1, 1} << 3 << "11 11 1111111111 11111 111111111111";
         // After a 'g' frame: programming and utilities only, and the selection goes.
         QTest::newRow("no application") << QList<int>{0, 1, -1, 0} << -1 << "10 - - - 011011000001";
         // A status other than 0: no tuning, and only the sequence of the calibration entries.
         QTest::newRow("calibration status") << QList<int>{-1, 0, -1, 0} << 3 << "11 11 - 00001 111111111111";
-        QTest::newRow("no TPS") << QList<int>{-1, 1, 0, 0} << 3 << "11 11 10 11111 111111111111";
+        QTest::newRow("no TPS") << QList<int>{-1, 1, 0, 0} << 3 << "11 11 101 11111 111111111111";
         QTest::newRow("no TPS, service")
-            << QList<int>{-1, 1, 0, 1} << 3 << "11 11 111101111 11111 111111111111";
+            << QList<int>{-1, 1, 0, 1} << 3 << "11 11 1111011111 11111 111111111111";
     }
 
     void enabledFunctionsAndEntriesByEcuState()

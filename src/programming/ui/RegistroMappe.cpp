@@ -1,7 +1,9 @@
 #include "programming/ui/RegistroMappe.h"
 
+#include "programming/ui/ConfrontoMappe.h"
 #include "programming/ui/ProgMappe.h"
 #include "programming/ui/ReadMappe.h"
+#include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 
 namespace kv {
@@ -27,6 +29,17 @@ void RegistraPagineMappe(Korvantine &frame)
 {
     frame.registraPagina(IdPagina::ReadMappe, apri<ReadMappe>);
     frame.registraPagina(IdPagina::ProgMappe, apri<ProgMappe>);
+    // Archived maps need no ECU: the page gets the folder, the catalogue and the texts only.
+    frame.registraPagina(IdPagina::ConfrontoMappe, [](Korvantine &f) -> QWidget * {
+        Programma &p = f.programma();
+        auto *pagina = new ConfrontoMappe(p.PercorsoApp, p.catalogo, p.lingua);
+        pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
+            return f.MostraMsg(testo, flags, titolo);
+        });
+        QObject::connect(pagina, &ConfrontoMappe::chiusa, &f, [&f, pagina] { f.ChiudiPagina(pagina); });
+        pagina->carica();
+        return pagina;
+    });
 }
 
 } // namespace kv

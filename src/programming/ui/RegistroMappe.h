@@ -4,7 +4,7 @@ namespace kv {
 
 class Korvantine;
 
-// Puts ReadMappe and ProgMappe into the main frame's page registry.
+// Puts ReadMappe, ProgMappe and the compare page into the main frame's page registry.
 void RegistraPagineMappe(Korvantine &frame);
 
 } // namespace kv

@@ -1,11 +1,15 @@
-// The two map pages in the main frame, by keyboard alone, against the simulated ECU: a map
-// read into the archive under LPG, a make, a model and a name with a note, found again in
-// the tree, written into an ECU of other contents and verified.
+// The map pages in the main frame, by keyboard alone, against the simulated ECU: a map read
+// into the archive under LPG, a make, a model and a name with a note, found again in the
+// tree, written into an ECU of other contents and verified; then compared with another, its
+// difference copied in and the copy saved under a new name.
 
 #include "support/FileDiProva.h"
 #include "support/ProgrammaSimulato.h"
 
 #include "programming/ControlloMappa.h"
+#include "programming/FileBlocchi.h"
+#include "programming/MappaArchiviata.h"
+#include "programming/ui/ConfrontoMappe.h"
 #include "programming/ui/ProgMappe.h"
 #include "programming/ui/ReadMappe.h"
 #include "programming/ui/RegistroMappe.h"
@@ -17,6 +21,7 @@
 #include <QListWidget>
 #include <QTest>
 #include <QTreeView>
+#include <QTreeWidget>
 
 using namespace kv;
 using namespace kv::sim;
@@ -154,6 +159,49 @@ private slots:
             domande,
             QStringList({testo("ProgMappe", "DOMANDA").trimmed().replace("XXX", "LPG\\Fiat\\Punto 1.2\\base"),
                          testo("SEGNALAZIONI", "SEGNALAZIONE_56")}));
+        QTRY_VERIFY(frame->menu());
+    }
+
+    void compareByKeyboardAndSaveTheCopy()
+    {
+        // Beside the map read above: the same with the idle entry RPM raised, and a file that
+        // is no map.
+        const QString punto = cartella.filePath("MAPPATURE/LPG/Fiat/Punto 1.2/");
+        const QByteArray tuned = QByteArray(disegno(1)).replace(0x28, 2, QByteArray::fromHex("0514"));
+        QVERIFY(
+            SalvaImmagineMappa(cartella.path(), {"LPG", "Fiat", "Punto 1.2", "tuned"}, tuned, {}, {}).ok());
+        QByteArray rotto = leggi(punto + "base.LKV");
+        rotto[2 * 130 + 5] = 'x';
+        scrivi(punto + "broken.LKV", rotto);
+        domande.clear();
+        auto *pagina = apri<ConfrontoMappe>(IdPagina::ConfrontoMappe);
+        QVERIFY(pagina);
+        QCOMPARE(fuoco(), pagina->LMappe());
+        // MAPPATURE, CNG, LPG, Fiat, Punto 1.2, then its maps: base, broken, lost, tuned.
+        tasti({Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right,
+               Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_F3, Qt::Key_Down, Qt::Key_F4});
+        QCOMPARE(pagina->segnalazione(), testo("ConfrontoMappe", "MAPPA.4")
+                                             .trimmed()
+                                             .replace("XXX", "LPG\\Fiat\\Punto 1.2\\broken")
+                                             .replace("YYY", "3")
+                                             .replace("ZZZ", "6"));
+        QVERIFY(!pagina->sorgente(ConfrontoMappe::B).valida());
+        tasti({Qt::Key_Down, Qt::Key_Down, Qt::Key_F4, Qt::Key_F8});
+        QCOMPARE(pagina->confronto().diverse, 1);
+        int visibili = 0;
+        for (QTreeWidgetItemIterator it(pagina->Parametri(), QTreeWidgetItemIterator::NotHidden); *it; ++it)
+            visibili += (*it)->parent() ? 1 : 0;
+        QCOMPARE(visibili, 1);
+
+        tasti({Qt::Key_F7});
+        QVERIFY(pagina->modificata() && pagina->confronto().diverse == 0);
+        pagina->campo(2)->setFocus();
+        QTest::keyClicks(fuoco(), "tuned:2"); // a name keeps the map tree's rules
+        tasti({Qt::Key_F2});
+        QCOMPARE(leggi(punto + "tuned2.LKV"), leggi(punto + "tuned.LKV"));
+        QVERIFY(!pagina->modificata());
+        tasti({Qt::Key_Escape});
+        QVERIFY(domande.isEmpty());
         QTRY_VERIFY(frame->menu());
     }
 };
