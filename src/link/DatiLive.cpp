@@ -77,9 +77,9 @@ void DatiLive::perOgniAscoltatore(F &&f)
 
 void DatiLive::RispostaDati(const QByteArray &payload)
 {
-    if (std::exchange(m_fermoNelDialogo, false) && m_motore.StatoDialogo() == -1) {
-        // The stream comes back only after the dialogue that silenced it: the ECU has been
-        // restarted under us (new software), so it is identified anew.
+    if (std::exchange(m_fermoNelDialogo, false)) {
+        // The stream comes back after a dialogue silenced it: the ECU may have been restarted
+        // under us (new software), so it is identified anew as soon as the line is free.
         m_ecu.ecuPersa();
     }
     if (m_ecu.EcuDaIdentificare) {
@@ -128,9 +128,9 @@ void DatiLive::flussoPerso()
 
 void DatiLive::watchdog()
 {
-    // An ECU that answers our requests is there, whatever became of its stream: the loss is
-    // told only once the line is free and the stream still silent.
-    if (m_motore.StatoDialogo() != -1) {
+    // Two seconds without a frame close the pages whatever dialogue runs; only a flash or a
+    // map transfer, during which the ECU sends no stream by design, waits for its end.
+    if (m_motore.flussoSospeso()) {
         m_fermoNelDialogo = true;
         m_timeOutDati.setEnabled(true);
         return;

@@ -74,7 +74,7 @@ signals:
     void nuovoRecord(const kv::RecordDati &record);
     // EcuInMarcia has just changed; the menu follows it.
     void inMarciaCambiata(bool inMarcia);
-    // Two seconds without a live frame and no dialogue of ours on the line: the ECU is
+    // Two seconds without a live frame (a flash or a map transfer excepted): the ECU is
     // unknown again.
     void ecuPersa();
 
@@ -93,8 +93,8 @@ private:
     RecordDati m_ultimo;
     std::vector<AscoltatoreDati *> m_ascoltatori;
     GestoreTaratura *m_taratura = nullptr;
-    // The stream stopped while a dialogue of ours held the line (a flash runs in the boot
-    // loader, which sends no live frames).
+    // The stream stopped while a flash or a map transfer held the line (a flash runs in the
+    // boot loader, which sends no live frames).
     bool m_fermoNelDialogo = false;
 };
 

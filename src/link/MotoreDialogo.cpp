@@ -42,6 +42,12 @@ GestoreStati *MotoreDialogo::gestore(int stato) const
     return m_gestori[static_cast<size_t>(g)];
 }
 
+bool MotoreDialogo::flussoSospeso() const
+{
+    const GestoreStati *g = gestore(m_statoDialogo);
+    return m_statoDialogo != -1 && g && g->senzaFlusso(m_statoDialogo);
+}
+
 void MotoreDialogo::IniDialogo()
 {
     m_statoDialogo = -1;

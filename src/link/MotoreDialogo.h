@@ -26,6 +26,14 @@ public:
     // The reply letter a state of the owner waits for ('r', 'e', 'v', 'd'), 0 for none: each
     // owner declares its own, so the engine routes by the group of ten alone.
     [[nodiscard]] virtual char rispostaAttesa(int stato) const = 0;
+    // The ECU sends no live stream in this state by design (its boot loader during a flash, a
+    // map transfer): the stream's watchdog waits for the dialogue to end instead of closing
+    // the pages.
+    [[nodiscard]] virtual bool senzaFlusso(int stato) const
+    {
+        (void)stato;
+        return false;
+    }
 };
 
 // Strict stop-and-wait: one request on the line, then its reply or a time-out. An owner
@@ -91,6 +99,9 @@ public:
 
     void impostaGestoreDati(std::function<void(const QByteArray &)> f) { m_gestoreDati = std::move(f); }
     void impostaGestoreVita(std::function<void()> f) { m_gestoreVita = std::move(f); }
+
+    // A dialogue holds the line during which the ECU sends no live stream by design.
+    [[nodiscard]] bool flussoSospeso() const;
 
     // The dialogue in progress, -1 when the link is free.
     [[nodiscard]] qint16 StatoDialogo() const { return m_statoDialogo; }

@@ -76,6 +76,7 @@ public:
     void risposta(char lettera, int stato, const QByteArray &payload) override;
     void scadenza(int stato) override;
     char rispostaAttesa(int stato) const override { return stato == Stato ? 'r' : 0; }
+    bool senzaFlusso(int stato) const override { return stato == Stato; }
 
 private:
     void fine();
@@ -137,6 +138,7 @@ public:
     {
         return stato == Stato ? 'e' : stato == StatoVerifica ? 'r' : 0;
     }
+    bool senzaFlusso(int stato) const override { return stato == Stato || stato == StatoVerifica; }
 
 private:
     void invia();

@@ -87,6 +87,7 @@ public:
     {
         return stato >= StatoInizio && stato <= StatoFine ? 'e' : 0;
     }
+    bool senzaFlusso(int stato) const override { return stato >= StatoInizio && stato <= StatoFine; }
 
 private:
     // The image from the chosen file; false, with the message shown, when nothing may be sent.

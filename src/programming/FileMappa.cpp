@@ -169,7 +169,8 @@ PercorsoMappa PercorsoFileMappa(const QString &percorsoApp, const ChiaveMappa &c
     bool forma = parti.size() == ChiaveMappa::Campi;
     for (const QString &parte : parti)
         forma = forma && !parte.trimmed().isEmpty() && parte != u"." && parte != u"..";
-    if (!forma || !DentroRadice(r.file, radice))
+    // MAPPATURE itself may be no link out of the program's folder either.
+    if (!forma || !DentroRadice(radice, percorsoApp) || !DentroRadice(r.file, radice))
         r.errore = PercorsoMappa::Errore::FuoriRadice;
     return r;
 }
@@ -183,7 +184,7 @@ bool EsisteMappa(const PercorsoMappa &percorso)
 bool CreaCartellaMappa(const QString &percorsoApp, const PercorsoMappa &percorso)
 {
     const QString radice = CartellaMappe(percorsoApp);
-    if (!percorso.ok() || !DentroRadice(percorso.cartella, radice))
+    if (!percorso.ok() || !DentroRadice(radice, percorsoApp) || !DentroRadice(percorso.cartella, radice))
         return false;
     return CreaCartella(percorso.cartella) == -1 && DentroRadice(percorso.cartella, radice)
            && QFileInfo(percorso.cartella).isDir();
@@ -192,7 +193,8 @@ bool CreaCartellaMappa(const QString &percorsoApp, const PercorsoMappa &percorso
 bool PosaMappa(const QString &temporaneo, const QString &percorsoApp, const PercorsoMappa &percorso)
 {
     const QString radice = CartellaMappe(percorsoApp);
-    if (!percorso.ok() || !DentroRadice(percorso.file, radice) || QFileInfo(temporaneo).isSymLink())
+    if (!percorso.ok() || !DentroRadice(radice, percorsoApp) || !DentroRadice(percorso.file, radice)
+        || QFileInfo(temporaneo).isSymLink())
         return false;
     // Only a whole map goes in: a temporary file that a full disk cut short is no successor.
     const EsitoMappa finita = LeggiMappa(temporaneo);
@@ -208,6 +210,8 @@ EsitoArchivio RegistraMappa(const QString &percorsoApp, const ChiaveMappa &chiav
                             std::optional<double> scalaLambda)
 {
     Archivio db;
+    if (!DentroRadice(CartellaMappe(percorsoApp), percorsoApp))
+        return {ErroreArchivio::FileEstraneo, CartellaMappe(percorsoApp)};
     if (!ApriArchivioMappe(CartellaMappe(percorsoApp), FileArchivi::FileMappe, db))
         return db.Esito();
     const ChiaveMappa k = chiave.pulita();

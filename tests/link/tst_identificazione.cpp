@@ -154,19 +154,20 @@ private slots:
         QCOMPARE(p->linea.motore().StatoDialogo(), qint16(111));
     }
 
-    // A flash puts the ECU in its boot loader, which answers but sends no live frames.
-    void theWatchdogWaitsWhileOurDialogueHoldsTheLine_data()
+    // A flash puts the ECU in its boot loader, which answers but sends no live frames: only
+    // such a dialogue holds the watchdog back. A tuning page's does not.
+    void theWatchdogWaitsOnlyForADialogueWithoutStream_data()
     {
         QTest::addColumn<bool>("tornaNelDialogo");
         QTest::addColumn<bool>("tornaDopo");
         QTest::addColumn<int>("perse");
         QTest::addColumn<int>("statoDopo");
         QTest::newRow("back after it: identified anew") << false << true << 0 << 111;
-        QTest::newRow("back under it: the same ECU") << true << true << 0 << -1;
+        QTest::newRow("back under it: identified anew once free") << true << true << 0 << 111;
         QTest::newRow("silent after it: lost") << false << false << 1 << -1;
     }
 
-    void theWatchdogWaitsWhileOurDialogueHoldsTheLine()
+    void theWatchdogWaitsOnlyForADialogueWithoutStream()
     {
         QFETCH(bool, tornaNelDialogo);
         QFETCH(bool, tornaDopo);
@@ -175,6 +176,25 @@ private slots:
         identifica();
         arriva(datiLive(0, 800, 100, 500, 1, 0));
         QSignalSpy persa(&p->linea.datiLive(), &DatiLive::ecuPersa);
+        // A tuning page's store: two seconds of silence lose the ECU at once.
+        p->linea.motore().svuotaCoda();
+        p->linea.motore().accoda("W");
+        QVERIFY(p->linea.motore().avvia(2, 5000));
+        QVERIFY(dati->scatta());
+        QCOMPARE(persa.size(), 1);
+        p->linea.motore().abbandona();
+        identifica();
+        arriva(datiLive(0, 800, 100, 500, 1, 0));
+        persa.clear();
+
+        struct Flash : GestoreStati
+        {
+            void risposta(char, int, const QByteArray &) override {}
+            void scadenza(int) override {}
+            char rispostaAttesa(int) const override { return 'e'; }
+            bool senzaFlusso(int) const override { return true; }
+        } flash;
+        p->linea.motore().registra(151, &flash);
         p->linea.motore().svuotaCoda();
         p->linea.motore().accoda("I");
         QVERIFY(p->linea.motore().avvia(151, 3000));
@@ -191,6 +211,7 @@ private slots:
             QVERIFY(dati->scatta());
         QCOMPARE(persa.size(), perse);
         QCOMPARE(p->linea.motore().StatoDialogo(), qint16(statoDopo));
+        p->linea.motore().rimuovi(&flash);
     }
 
     void statusOtherThanZeroLeavesRunningAndDropsTheRunningFunction()

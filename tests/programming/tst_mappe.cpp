@@ -357,6 +357,15 @@ private slots:
         QCOMPARE(righe(), 0);
     }
 
+    void aMapFolderThatIsALinkLeadsNowhere()
+    {
+        QVERIFY(QDir(mappe()).removeRecursively());
+        QVERIFY(QFile::link(cartella.filePath("fuori"), mappe()));
+        leggiMappa({"LPG", "Fiat", "Punto", "d"}, {});
+        QVERIFY(porta->scritti.isEmpty());
+        QVERIFY(QDir(cartella.filePath("fuori")).isEmpty());
+    }
+
     // Only a file that is exactly a map goes, after one question whose default is no; any
     // other is refused before its first byte, naming its first bad record (the refusals
     // themselves are the map check's own table).

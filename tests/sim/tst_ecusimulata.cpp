@@ -1,19 +1,13 @@
 // The simulated ECU driven directly: bytes in, frames out, time moved by hand.
 
-#include "ComandiOperatore.h"
 #include "EcuSimulata.h"
-#include "FileS19.h"
-#include "RigaComando.h"
 
 #include "link/Frame.h"
-#include "link/StatoEcu.h"
 #include "programming/ImmagineS19.h"
 #include "support/FileDiProva.h"
 #include "support/PortaEcu.h"
 #include "support/S19DiProva.h"
 
-#include <QCommandLineParser>
-#include <QElapsedTimer>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -277,70 +271,6 @@ private slots:
         QCOMPARE(zoneDiUnCiclo(), (std::set<int>{2}));
     }
 
-    void taraturaGuidata()
-    {
-        Banco b;
-        const quint32 celleTps = quint32(b.cat.Parametri[Par::TpsTaratoMinimo].IndirizzoEE);
-        // Both cells, side by side, erased: whatever is found afterwards was learnt.
-        b.ecu.scriviMemoria(celleTps, QByteArray::fromHex("03FF03FF"));
-
-        b.risposta(CreaFrame(QByteArray::fromHex("4102")));
-        QVERIFY(b.risposte().isEmpty()); // answered only through the stream
-        b.scorri(400);
-        QCOMPARE(b.stati(), QList<int>{255});
-
-        QCOMPARE(b.esito(CreaFrame(QByteArray::fromHex("4100"))), 0xFF);
-        b.scorri(4000);
-        QCOMPARE(b.stati(), (QList<int>{239, 234}));
-        QCOMPARE(b.esito(CreaFrame(Fine)), 0xFF);
-        b.scorri(40000);
-        QCOMPARE(b.stati(), (QList<int>{223, 221, 220, 219, 207, 206, 204, 0}));
-        int tpsAl221 = -1, massimo219 = -1;
-        for (const FrameLetto &f : b.flusso()) {
-            const Dati d(f.payload);
-            tpsAl221 = d.stato == 221 && tpsAl221 < 0 ? d.tps : tpsAl221;
-            massimo219 = d.stato == 219 ? qMax(massimo219, d.tps) : massimo219;
-        }
-        const int appresoMin = int(NumeroBE(b.ecu.leggiMemoria(celleTps, 2)));
-        const int appresoMax = int(NumeroBE(b.ecu.leggiMemoria(celleTps + 2, 2)));
-        QVERIFY2(qAbs(appresoMin - tpsAl221) <= 3,
-                 qPrintable(QStringLiteral("%1 %2").arg(appresoMin).arg(tpsAl221)));
-        QCOMPARE(appresoMax, massimo219);
-        QVERIFY(appresoMax > 900);
-
-        // The entry point left waiting gives up by itself.
-        b.risposta(CreaFrame(QByteArray::fromHex("4102")));
-        b.scorri(Taratura::IngressoMs + 1000);
-        QCOMPARE(b.stati(), (QList<int>{255, 0}));
-    }
-
-    void pedaleDelTecnico()
-    {
-        OpzioniEcu o = OpzioniManuali();
-        o.operatoreManuale = true;
-        Banco b(o);
-        QCOMPARE(b.esito(CreaFrame(QByteArray::fromHex("4104"))), 0xFF);
-        b.scorri(6000);
-        QCOMPARE(b.stati(), (QList<int>{222, 223})); // nobody has said the pedal is released
-        QCOMPARE(EseguiComandoOperatore(b.ecu, " Pedal  REST "), QStringLiteral("pedal released"));
-        b.svuota();
-        b.scorri(6000);
-        QCOMPARE(b.stati(), (QList<int>{223, 221, 220})); // and nobody presses it
-        QVERIFY(EseguiComandoOperatore(b.ecu, "status").startsWith("status 220, rev counter "));
-        EseguiComandoOperatore(b.ecu, "pedal full");
-        b.svuota();
-        b.scorri(8000);
-        QCOMPARE(b.stati(), (QList<int>{219, 218}));
-        QVERIFY(Dati(b.flusso().constLast().payload).tps > 900);
-
-        QCOMPARE(Dati(b.flusso().constLast().payload).tipolambda, 0);
-        EseguiComandoOperatore(b.ecu, "probe 1");
-        b.svuota();
-        b.scorri(40);
-        QCOMPARE(Dati(b.flusso().constLast().payload).tipolambda, 1);
-        QVERIFY(EseguiComandoOperatore(b.ecu, "pedal half").startsWith("unknown command"));
-    }
-
     void programmazione()
     {
         Banco b;
@@ -414,141 +344,6 @@ private slots:
         QVERIFY(b.risposte().isEmpty());
         // A length byte below the frame's minimum costs only its STX.
         QCOMPARE(b.risposta(QByteArray::fromHex("0281") + CreaFrame("V")).left(1), QByteArray("v"));
-    }
-
-    void cadenzaDellaLinea()
-    {
-        OpzioniEcu o = OpzioniManuali();
-        o.cadenzaReale = true;
-        o.baud = 9600;
-        Banco b(o);
-        // 120 bytes read: a frame of 127 bytes, 132 ms at 960 bytes a second.
-        QElapsedTimer orologio;
-        orologio.start();
-        b.ecu.riceviDati(ComandoLettura(0xC100, 120));
-        QVERIFY(b.grezzi.size() < 127);
-        QTRY_COMPARE_WITH_TIMEOUT(b.grezzi.size(), 127, 2000);
-        QVERIFY2(orologio.elapsed() >= 120, qPrintable(QString::number(orologio.elapsed())));
-
-        // A reply waits behind the stream frame already on its way; a sample that finds the
-        // line busy is skipped.
-        b.svuota();
-        b.ecu.avanzaTempo(40);
-        b.ecu.riceviDati(CreaFrame("V"));
-        b.ecu.avanzaTempo(40);
-        QTRY_COMPARE_WITH_TIMEOUT(b.frame.size(), 2, 2000);
-        QCOMPARE(b.frame[0].lettera(), 'd');
-        QCOMPARE(b.frame[1].lettera(), 'v');
-        QTest::qWait(100);
-        QCOMPARE(b.frame.size(), 2);
-    }
-
-    void propriaVersioneComeS19()
-    {
-        // The demo's release: the simulator's own software with a newer vehicle text, written
-        // as S-records that the tool turns back into the very same image.
-        StringheVersione v;
-        v.veicolo = "KV-SIM R2 ";
-        const QByteArray immagine = ImmagineSoftware(v);
-        QCOMPARE(immagine.size(), MappaMemoria::DimensioneSoftware);
-        QCOMPARE(immagine.mid(MappaMemoria::Veicolo - 0xC000, 10), v.veicolo);
-        const QByteArray testo = TestoS19(immagine, 0xC000);
-        const QList<QByteArray> righe = testo.split('\n');
-        QCOMPARE(righe.at(1), RigaS1(0xC000, immagine.left(32)) + '\r'); // count and checksum right
-
-        QTemporaryDir dir;
-        StatoEcu stato;
-        stato.InfCodice = QString::fromLatin1(v.codice);
-        stato.InfDatoA = QString::fromLatin1(v.datoA);
-        stato.InfDatoB = QString::fromLatin1(v.datoB);
-        scrivi(dir.filePath(QStringLiteral("R2.S19")), testo);
-        QVERIFY(PreparaFileSW(PercorsoFileSW(dir.path())));
-        QVERIFY(ConvertiS19(dir.filePath(QStringLiteral("R2.S19")), PercorsoFileSW(dir.path()), stato));
-        QByteArray letta;
-        for (int n = 1; n <= 220; ++n)
-            letta += LeggiBloccoSW(dir.path(), n);
-        QCOMPARE(letta, immagine);
-    }
-
-    void memoriaSuFile()
-    {
-        QTemporaryDir cartella;
-        OpzioniEcu o = OpzioniManuali();
-        o.fileMemoria = cartella.filePath(QStringLiteral("ecu.bin"));
-        {
-            Banco b(o);
-            QVERIFY(b.ecu.erroreMemoria().isEmpty());
-            QCOMPARE(leggi(o.fileMemoria).size(), qsizetype(MappaMemoria::DimensioneSoftware));
-            QCOMPARE(b.esito(b.scrittura(Par::SogliaGiriUscitaMinimo, 1234, true)), 0xFF);
-            QCOMPARE(b.esito(b.scrittura(Par::SogliaGiriEntrataMinimo, 555)), 0xFF);
-        }
-        {
-            // A flash cut short is kept too, though the file is written only once it goes quiet.
-            Banco b(o);
-            QCOMPARE(b.esito(CreaFrame("I")), 0xFF);
-            QCOMPARE(b.esito(ComandoScrittura(0xF600, QByteArray(64, '\x3C'))), 0xFF);
-        }
-        QCOMPARE(leggi(o.fileMemoria).mid(0xF600 - 0xC000, 64), QByteArray(64, '\x3C'));
-        o.versione.veicolo = "ALTRO";
-        Banco b(o);
-        QCOMPARE(b.ee(Par::SogliaGiriUscitaMinimo), 1234);
-        QCOMPARE(b.ram(Par::SogliaGiriUscitaMinimo), 1234);  // booted from the kept EEPROM
-        QVERIFY(b.ram(Par::SogliaGiriEntrataMinimo) != 555); // RAM is not kept
-        QCOMPARE(b.ecu.leggiMemoria(MappaMemoria::Veicolo, 6), QByteArray("KV-SIM")); // the file's image wins
-
-        // Something else under that name is never overwritten.
-        o.fileMemoria = cartella.filePath(QStringLiteral("appunti.txt"));
-        scrivi(o.fileMemoria, "not an ECU");
-        Banco altro(o);
-        QVERIFY(altro.ecu.erroreMemoria().contains(o.fileMemoria));
-        QCOMPARE(altro.esito(altro.scrittura(Par::SogliaGiriUscitaMinimo, 1300, true)), 0xFF);
-        QCOMPARE(leggi(o.fileMemoria), QByteArray("not an ECU"));
-    }
-
-    void opzioniDaRigaDiComando()
-    {
-        const auto interpreta = [](const QStringList &argomenti, ImpostazioniProgramma &imp,
-                                   QString &errore) {
-            QCommandLineParser parser;
-            PreparaRigaComando(parser);
-            if (!parser.parse(QStringList{QStringLiteral("korvantine-ecu")} + argomenti)) {
-                errore = parser.errorText();
-                return false;
-            }
-            return InterpretaRigaComando(parser, imp, errore);
-        };
-        // The options that take some reading: a set of speeds, pairs, hexadecimal, seconds.
-        ImpostazioniProgramma imp;
-        QString errore;
-        QVERIFY2(interpreta({"--baud", "19200", "--write-error", "0xC110:7", "--write-error", "160",
-                             "--noise", "4:12", "--stall", "2.5:1", "--hang-up", "30", "--code", "ABC"},
-                            imp, errore),
-                 qPrintable(errore));
-        const Guasti &g = imp.ecu.guasti;
-        QCOMPARE(QList<int>({imp.ecu.baud, g.erroriScrittura.value(0xC110), g.erroriScrittura.value(160),
-                             g.rumoreOgniNFrame, g.lunghezzaRumore, imp.stalloDopoMs, imp.durataStalloMs,
-                             imp.riagganciaDopoMs}),
-                 QList<int>({19200, 7, ErroreEcu::ScritturaFallita, 4, 12, 2500, 1000, 30000}));
-        QVERIFY(imp.versioneData && imp.ecu.versione.codice == "ABC");
-        QVERIFY2(interpreta({"--fail-block", "150:7", "--drop-block", "100:2.5"}, imp, errore),
-                 qPrintable(errore));
-        QCOMPARE(QList<int>({g.bloccoGuasto, g.codiceBloccoGuasto, g.cadutaAlBlocco, g.durataCadutaMs}),
-                 QList<int>({150, 7, 100, 2500}));
-
-        const QList<QStringList> sbagliate = {{"--baud", "1200"},
-                                              {"--rate", "0"},
-                                              {"--noise", "3:0"},
-                                              {"--stall", "soon"},
-                                              {"--write-error", "C110"}, // hexadecimal wants its 0x
-                                              {"--write-error", "0xC110:255"},
-                                              {"--fail-block", "0"},
-                                              {"--drop-block", "3:later"},
-                                              {"--device", "/dev/ttyS0", "--link", "/tmp/ecu"}};
-        for (const QStringList &a : sbagliate) {
-            ImpostazioniProgramma altra;
-            errore.clear();
-            QVERIFY2(!interpreta(a, altra, errore) && errore.contains(a.first()), qPrintable(a.join(' ')));
-        }
     }
 };
 
