@@ -2,7 +2,8 @@
 
 #include "calibration/SequenzaTaratura.h"
 #include "link/TabellaStati.h"
-#include "shell/Programma.h"
+#include "monitoring/Canali.h"
+#include "variables/Catalogo.h"
 
 namespace kv {
 

@@ -2,7 +2,7 @@
 
 #include "calibration/LogicaTaratura.h"
 #include "calibration/TelaioTaratura.h"
-#include "shell/Programma.h"
+#include "link/SessioneLinea.h"
 #include "variables/Formato.h"
 
 #include <QPointer>
@@ -11,29 +11,32 @@
 
 namespace kv {
 
-SequenzaTaratura::SequenzaTaratura(Programma &programma, TelaioTaratura &telaio, QObject *parent)
+SequenzaTaratura::SequenzaTaratura(SessioneLinea &linea, Catalogo &catalogo, TabellaCanali &canali,
+                                   TelaioTaratura &telaio, QObject *parent)
     : QObject(parent)
-    , m_programma(programma)
+    , m_linea(linea)
+    , m_catalogo(catalogo)
+    , m_canali(canali)
     , m_telaio(telaio)
 {
-    m_programma.linea.motore().registra(StatoIngresso, this);
-    m_programma.linea.datiLive().impostaGestoreTaratura(this);
+    m_linea.motore().registra(StatoIngresso, this);
+    m_linea.datiLive().impostaGestoreTaratura(this);
 }
 
 SequenzaTaratura::~SequenzaTaratura()
 {
-    m_programma.linea.motore().rimuovi(this);
-    m_programma.linea.datiLive().impostaGestoreTaratura(nullptr);
+    m_linea.motore().rimuovi(this);
+    m_linea.datiLive().impostaGestoreTaratura(nullptr);
 }
 
 MotoreDialogo &SequenzaTaratura::motore()
 {
-    return m_programma.linea.motore();
+    return m_linea.motore();
 }
 
 const RecordDati &SequenzaTaratura::ultimoRecord() const
 {
-    return m_programma.linea.datiLive().ultimoRecord();
+    return m_linea.datiLive().ultimoRecord();
 }
 
 void SequenzaTaratura::avviaSequenza()

@@ -16,7 +16,9 @@ namespace kv {
 
 class Lingua;
 class LogicaTaratura;
-class Programma;
+class Catalogo;
+class SessioneLinea;
+class TabellaCanali;
 class TelaioTaratura;
 
 // The calibration's part of the program: the one driver of the guided sequence
@@ -42,10 +44,13 @@ public:
     static constexpr int RispostaOk = 1;
     static constexpr int RispostaSi = 6;
 
-    SequenzaTaratura(Programma &programma, TelaioTaratura &telaio, QObject *parent = nullptr);
+    SequenzaTaratura(SessioneLinea &linea, Catalogo &catalogo, TabellaCanali &canali, TelaioTaratura &telaio,
+                     QObject *parent = nullptr);
     ~SequenzaTaratura() override;
 
-    Programma &programma() { return m_programma; }
+    SessioneLinea &linea() { return m_linea; }
+    Catalogo &catalogo() { return m_catalogo; }
+    TabellaCanali &canali() { return m_canali; }
     MotoreDialogo &motore();
 
     // Where the calibration stands. The session is their only writer: pages ask it to move.
@@ -152,7 +157,9 @@ private:
     void ingresso();
     void apri(IdPagina id);
 
-    Programma &m_programma;
+    SessioneLinea &m_linea;
+    Catalogo &m_catalogo;
+    TabellaCanali &m_canali;
     TelaioTaratura &m_telaio;
     LogicaTaratura *m_pagina = nullptr;
     bool m_inDomanda = false;

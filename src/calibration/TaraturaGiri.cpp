@@ -2,8 +2,9 @@
 
 #include "calibration/SequenzaTaratura.h"
 #include "link/Frame.h"
+#include "monitoring/Canali.h"
 #include "pages/DialogoPagina.h"
-#include "shell/Programma.h"
+#include "variables/Catalogo.h"
 #include "variables/Conversioni.h"
 #include "variables/Formato.h"
 
@@ -53,7 +54,7 @@ void TaraturaGiri::caricaTesti()
 
 QString TaraturaGiri::formattaGiri(double giri) const
 {
-    return FormattaNumero(giri, m_sequenza.programma().canali.Canali[Canale::Giri].Formato);
+    return FormattaNumero(giri, m_sequenza.canali().Canali[Canale::Giri].Formato);
 }
 
 void TaraturaGiri::mostraGiri(const RecordDati &attuale)
@@ -113,7 +114,7 @@ void TaraturaGiri::Conferma(const QString &giriTeo)
     if (singola())
         m_giriTeoInserito = true;
     const double reali = ValNumero(m_giriReali);
-    ValoreParametro &costante = m_sequenza.programma().catalogo.Valori[Par::CostanteGiri];
+    ValoreParametro &costante = m_sequenza.catalogo().Valori[Par::CostanteGiri];
     // An engine that stands still, or a coefficient never read, gives nothing to correct.
     if (!(reali > 0) || costante.Corrente < 0)
         return;
@@ -164,7 +165,7 @@ bool TaraturaGiri::rispostaPropria(char lettera, int statoDialogo, const QByteAr
     switch (statoDialogo) {
     case 131:
     case 331: {
-        const Parametro &p = m_sequenza.programma().catalogo.Parametri[Par::CostanteGiri];
+        const Parametro &p = m_sequenza.catalogo().Parametri[Par::CostanteGiri];
         m.svuotaCoda();
         m.accoda('R' + ParolaInByte(static_cast<quint32>(p.IndirizzoRAM)) + char(p.Dimensione));
         (void)m.passaA(singola() ? StatoLetturaSingola : StatoLettura);
@@ -174,7 +175,7 @@ bool TaraturaGiri::rispostaPropria(char lettera, int statoDialogo, const QByteAr
     case StatoLetturaSingola: {
         if (lettera != 'r')
             return true;
-        Catalogo &c = m_sequenza.programma().catalogo;
+        Catalogo &c = m_sequenza.catalogo();
         const int dimensione = c.Parametri[Par::CostanteGiri].Dimensione;
         c.registraLettura(Par::CostanteGiri,
                           c.daGrezzo(Par::CostanteGiri, NumeroBE(payload.mid(1, dimensione))));

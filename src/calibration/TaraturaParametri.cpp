@@ -1,8 +1,8 @@
 #include "calibration/TaraturaParametri.h"
 
 #include "calibration/SequenzaTaratura.h"
+#include "monitoring/Canali.h"
 #include "pages/DialogoPagina.h"
-#include "shell/Programma.h"
 #include "variables/Catalogo.h"
 
 #include <utility>

@@ -1,8 +1,9 @@
 #include "calibration/TaraturaStriscia.h"
 
 #include "calibration/SequenzaTaratura.h"
+#include "monitoring/Canali.h"
 #include "monitoring/ScalaGrafici.h"
-#include "shell/Programma.h"
+#include "variables/Catalogo.h"
 #include "variables/Formato.h"
 
 namespace kv {
@@ -44,7 +45,7 @@ void TaraturaStriscia::caricaTesti()
 QString TaraturaStriscia::formatta(const RecordDati &attuale, int canale) const
 {
     return FormattaNumero(attuale.Valore[static_cast<size_t>(canale)],
-                          m_sequenza.programma().canali.Canali[static_cast<size_t>(canale)].Formato);
+                          m_sequenza.canali().Canali[static_cast<size_t>(canale)].Formato);
 }
 
 double TaraturaStriscia::avanzaCampione()

@@ -185,7 +185,7 @@ private slots:
         p->canali.InizializzaCanali(p->lingua);
         p->linea.ecuDiProva().EcuDaIdentificare = false;
         telaio = std::make_unique<TelaioFinto>();
-        sequenza = std::make_unique<SequenzaTaratura>(*p, *telaio);
+        sequenza = std::make_unique<SequenzaTaratura>(p->linea, p->catalogo, p->canali, *telaio);
         telaio->sequenza = sequenza.get();
     }
 

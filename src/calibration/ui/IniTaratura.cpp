@@ -11,15 +11,16 @@
 
 namespace kv {
 
-IniTaratura::IniTaratura(SequenzaTaratura &sequenza, QWidget *parent)
+IniTaratura::IniTaratura(SequenzaTaratura &sequenza, const Lingua &lingua, QWidget *parent)
     : QDialog(parent)
     , m_sequenza(sequenza)
+    , m_lingua(lingua)
     , m_segnalazione(CreaIstruzione(this))
     , m_ok(CreaTasto(this, QStringLiteral("TastoOK")))
     , m_annulla(CreaTasto(this, QStringLiteral("TastoAnnulla")))
 {
     setObjectName(QStringLiteral("IniTaratura"));
-    const Lingua &l = sequenza.programma().lingua;
+    const Lingua &l = lingua;
     setWindowTitle(l.testo(
         SequenzaTaratura::ComponiPasso({QStringLiteral("IniTaratura"), QStringLiteral("CAPTION")}, 1)));
     m_segnalazione->setObjectName(QStringLiteral("Segnalazione"));

@@ -7,6 +7,8 @@ class QPushButton;
 
 namespace kv {
 
+class Lingua;
+
 class SequenzaTaratura;
 
 // The warning before the guided sequence (step 1 of 5), over the menu: OK (F2) asks the ECU
@@ -15,7 +17,7 @@ class IniTaratura : public QDialog
 {
     Q_OBJECT
 public:
-    explicit IniTaratura(SequenzaTaratura &sequenza, QWidget *parent = nullptr);
+    IniTaratura(SequenzaTaratura &sequenza, const Lingua &lingua, QWidget *parent = nullptr);
 
     void TastoOK();
     void TastoAnnulla();
@@ -25,6 +27,7 @@ protected:
 
 private:
     SequenzaTaratura &m_sequenza;
+    const Lingua &m_lingua;
     QLabel *m_segnalazione;
     QPushButton *m_ok;
     QPushButton *m_annulla;

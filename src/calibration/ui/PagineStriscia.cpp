@@ -30,9 +30,10 @@ const QColor ColoreMassimo(0xFF, 0x60, 0x50);
 
 } // namespace
 
-PaginaStriscia::PaginaStriscia(SequenzaTaratura &sequenza, IdPagina id, QWidget *parent)
+PaginaStriscia::PaginaStriscia(SequenzaTaratura &sequenza, const Lingua &lingua, IdPagina id, QWidget *parent)
     : QWidget(parent)
     , m_sequenza(sequenza)
+    , m_lingua(lingua)
     , m_istruzione(CreaIstruzione(this))
     , m_grafico(new GraficoStriscia(this))
     , m_boxDati(new QGroupBox(this))
@@ -105,7 +106,6 @@ PaginaStriscia::PaginaStriscia(SequenzaTaratura &sequenza, IdPagina id, QWidget 
     colonna->addWidget(m_segnalazione1);
     colonna->addLayout(comandi);
 
-    const Lingua &lingua = sequenza.programma().lingua;
     m_esciTar->setText(ConTastoAlt(lingua.LeggiTesto("TASTI", "ESCI")));
     m_esci->setText(ConTastoAlt(lingua.LeggiTesto("TASTI", "ESCI")));
     m_esci->hide();
@@ -140,7 +140,7 @@ bool PaginaStriscia::lambda() const
 
 QString PaginaStriscia::testo(const QString &chiave) const
 {
-    return m_sequenza.programma().lingua.LeggiTesto(m_logica->sezione(), chiave);
+    return m_lingua.LeggiTesto(m_logica->sezione(), chiave);
 }
 
 void PaginaStriscia::carica()
@@ -149,7 +149,7 @@ void PaginaStriscia::carica()
     const QString prefisso = l ? QStringLiteral("LABTARLAMBDA.") : QStringLiteral("LABTARTPS.");
     for (size_t i = 0; i < m_etichette.size(); ++i)
         m_etichette[i]->setText(testo(prefisso + QString::number(i)));
-    TabellaCanali &canali = m_sequenza.programma().canali;
+    TabellaCanali &canali = m_sequenza.canali();
     m_grafico->impostaTitolo(GraficoStriscia::AsseX, testo(QStringLiteral("GRAFICO.ASSEX")));
     if (l) {
         m_boxDati->setTitle(testo(QStringLiteral("BOXDATI.CAPTION")));
@@ -176,17 +176,17 @@ void PaginaStriscia::hideEvent(QHideEvent *evento)
 
 void PaginaStriscia::mostraTitolo(const Messaggio &testo)
 {
-    setWindowTitle(m_sequenza.programma().lingua.testo(testo));
+    setWindowTitle(m_lingua.testo(testo));
 }
 
 void PaginaStriscia::mostraIstruzione(const Messaggio &testo)
 {
-    m_istruzione->setText(m_sequenza.programma().lingua.testo(testo));
+    m_istruzione->setText(m_lingua.testo(testo));
 }
 
 void PaginaStriscia::mostraSegnalazione1(const Messaggio &testo)
 {
-    m_segnalazione1->setText(m_sequenza.programma().lingua.testo(testo));
+    m_segnalazione1->setText(m_lingua.testo(testo));
 }
 
 void PaginaStriscia::abilitaPagina(bool abilitata)

@@ -15,6 +15,8 @@ class QRadioButton;
 
 namespace kv {
 
+class Lingua;
+
 class GraficoStriscia;
 
 // T_TPS and T_Lambda, each in its single and its sequence form: the present instruction on
@@ -24,7 +26,7 @@ class PaginaStriscia : public QWidget, protected VistaStriscia
 {
     Q_OBJECT
 public:
-    PaginaStriscia(SequenzaTaratura &sequenza, IdPagina id, QWidget *parent = nullptr);
+    PaginaStriscia(SequenzaTaratura &sequenza, const Lingua &lingua, IdPagina id, QWidget *parent = nullptr);
     ~PaginaStriscia() override;
 
     void carica();
@@ -55,6 +57,7 @@ private:
     bool lambda() const;
 
     SequenzaTaratura &m_sequenza;
+    const Lingua &m_lingua;
     std::unique_ptr<TaraturaStriscia> m_logica;
     QLabel *m_istruzione;
     GraficoStriscia *m_grafico;

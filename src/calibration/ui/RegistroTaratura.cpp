@@ -81,32 +81,34 @@ private:
 SequenzaTaratura &RegistraPagineTaratura(Korvantine &frame)
 {
     auto *telaio = new TelaioKorvantine(frame);
-    auto *sequenza = new SequenzaTaratura(frame.programma(), *telaio, telaio);
+    auto *sequenza = new SequenzaTaratura(frame.programma().linea, frame.programma().catalogo,
+                                          frame.programma().canali, *telaio, telaio);
     frame.impostaTaratura(new TaraturaNelFrame(*sequenza, sequenza));
     QObject::connect(sequenza, &SequenzaTaratura::segnalazione1, &frame, [&frame](const Messaggio &m) {
         frame.impostaSegnalazione1(frame.programma().lingua.testo(m));
     });
     frame.registraPagina(
-        IdPagina::IniTaratura, [sequenza](Korvantine &) { return new IniTaratura(*sequenza); },
+        IdPagina::IniTaratura,
+        [sequenza](Korvantine &f) { return new IniTaratura(*sequenza, f.programma().lingua); },
         Korvantine::Apertura::SopraIlMenu);
     for (const auto &[id, singola] :
          {std::pair{IdPagina::T_Giri, false}, std::pair{IdPagina::T_Giri_Single, true}}) {
-        frame.registraPagina(id, [sequenza, singola](Korvantine &) {
-            auto *pagina = new T_Giri(*sequenza, singola);
+        frame.registraPagina(id, [sequenza, singola](Korvantine &f) {
+            auto *pagina = new T_Giri(*sequenza, f.programma().lingua, singola);
             pagina->carica();
             return pagina;
         });
     }
     for (IdPagina id :
          {IdPagina::T_TPS, IdPagina::T_TPS_Single, IdPagina::T_Lambda, IdPagina::T_Lambda_Single}) {
-        frame.registraPagina(id, [sequenza, id](Korvantine &) {
-            auto *pagina = new PaginaStriscia(*sequenza, id);
+        frame.registraPagina(id, [sequenza, id](Korvantine &f) {
+            auto *pagina = new PaginaStriscia(*sequenza, f.programma().lingua, id);
             pagina->carica();
             return pagina;
         });
     }
     frame.registraPagina(IdPagina::T_Parametri, [sequenza](Korvantine &f) -> QWidget * {
-        auto *pagina = new T_Parametri(*sequenza);
+        auto *pagina = new T_Parametri(*sequenza, f.programma());
         pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
             return f.MostraMsg(testo, flags, titolo);
         });

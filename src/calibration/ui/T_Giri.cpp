@@ -124,9 +124,10 @@ void CampoGiri::focusOutEvent(QFocusEvent *evento)
 
 // ---- the page
 
-T_Giri::T_Giri(SequenzaTaratura &sequenza, bool singola, QWidget *parent)
+T_Giri::T_Giri(SequenzaTaratura &sequenza, const Lingua &lingua, bool singola, QWidget *parent)
     : QWidget(parent)
     , m_sequenza(sequenza)
+    , m_lingua(lingua)
     , m_segnalazione(CreaIstruzione(this))
     , m_boxGiri(new QGroupBox(this))
     , m_giriTeo(new CampoGiri(m_boxGiri))
@@ -180,7 +181,7 @@ T_Giri::T_Giri(SequenzaTaratura &sequenza, bool singola, QWidget *parent)
     colonna->addWidget(m_segnalazione1);
     colonna->addLayout(comandi);
 
-    const Lingua &l = sequenza.programma().lingua;
+    const Lingua &l = lingua;
     m_conferma->setText(ConTastoAlt(l.LeggiTesto("TASTI", "CONFERMA")));
     m_avanti->setText(ConTastoAlt(l.LeggiTesto("TASTI", "AVANTI")));
     m_esciTar->setText(ConTastoAlt(singola ? l.LeggiTesto("TASTI", "FINE") : l.LeggiTesto("TASTI", "ESCI")));
@@ -224,7 +225,7 @@ void T_Giri::carica()
 
 QString T_Giri::testo(const QString &chiave) const
 {
-    return m_sequenza.programma().lingua.LeggiTesto(m_logica->sezione(), chiave);
+    return m_lingua.LeggiTesto(m_logica->sezione(), chiave);
 }
 
 void T_Giri::hideEvent(QHideEvent *evento)
@@ -236,17 +237,17 @@ void T_Giri::hideEvent(QHideEvent *evento)
 
 void T_Giri::mostraTitolo(const Messaggio &testo)
 {
-    setWindowTitle(m_sequenza.programma().lingua.testo(testo));
+    setWindowTitle(m_lingua.testo(testo));
 }
 
 void T_Giri::mostraIstruzione(const Messaggio &testo)
 {
-    m_segnalazione->setText(m_sequenza.programma().lingua.testo(testo));
+    m_segnalazione->setText(m_lingua.testo(testo));
 }
 
 void T_Giri::mostraSegnalazione1(const Messaggio &testo)
 {
-    m_segnalazione1->setText(m_sequenza.programma().lingua.testo(testo));
+    m_segnalazione1->setText(m_lingua.testo(testo));
 }
 
 void T_Giri::abilitaPagina(bool abilitata)

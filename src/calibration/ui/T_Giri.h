@@ -14,6 +14,8 @@ class QPushButton;
 
 namespace kv {
 
+class Lingua;
+
 // GiriTeo: digits only. A blank empties it, Enter moves on as Tab does, and every other key
 // is dropped; blue while it has the focus, which selects its text.
 class CampoGiri : public QLineEdit
@@ -48,7 +50,7 @@ class T_Giri : public QWidget, protected VistaGiri
 {
     Q_OBJECT
 public:
-    T_Giri(SequenzaTaratura &sequenza, bool singola, QWidget *parent = nullptr);
+    T_Giri(SequenzaTaratura &sequenza, const Lingua &lingua, bool singola, QWidget *parent = nullptr);
     ~T_Giri() override;
 
     void carica();
@@ -77,6 +79,7 @@ private:
     QString testo(const QString &chiave) const;
 
     SequenzaTaratura &m_sequenza;
+    const Lingua &m_lingua;
     std::unique_ptr<TaraturaGiri> m_logica;
     QLabel *m_segnalazione;
     QGroupBox *m_boxGiri;

@@ -15,8 +15,8 @@
 
 namespace kv {
 
-T_Parametri::T_Parametri(SequenzaTaratura &sequenza, QWidget *parent)
-    : TelaioMessaPunto(sequenza.programma(), DescrizioneParametri(), parent)
+T_Parametri::T_Parametri(SequenzaTaratura &sequenza, Programma &programma, QWidget *parent)
+    : TelaioMessaPunto(programma, DescrizioneParametri(), parent)
     , m_logica(std::make_unique<TaraturaParametri>(sequenza, dialogo()))
     , m_istruzione(CreaIstruzione(this))
     , m_esciTar(new QPushButton(this))

@@ -20,7 +20,7 @@ class T_Parametri : public TelaioMessaPunto
 {
     Q_OBJECT
 public:
-    explicit T_Parametri(SequenzaTaratura &sequenza, QWidget *parent = nullptr);
+    T_Parametri(SequenzaTaratura &sequenza, Programma &programma, QWidget *parent = nullptr);
 
     QString FormatoParametri(int indice) const { return formato(indice); }
     CampoDato *D_Parametri(int indice) const { return campo(indice); }
