@@ -507,14 +507,6 @@ void TelaioMessaPunto::mostraRigheTps()
         mostraRiga(indice, true);
 }
 
-void TelaioMessaPunto::hideEvent(QHideEvent *evento)
-{
-    QWidget::hideEvent(evento);
-    // The strip's word for this page goes with it.
-    if (!evento->spontaneous())
-        emit segnalazione1({});
-}
-
 void TelaioMessaPunto::bloccaCampoTps(int parametro)
 {
     if (Riga *r = rigaParametro(parametro); r && r->campo)

@@ -124,7 +124,6 @@ protected:
     // The page's own captions, after those of the frame.
     virtual void caricaTestiAltrove();
 
-    void hideEvent(QHideEvent *evento) override;
 
     // VistaPagina
     void mostraValore(int parametro, double valore) override;

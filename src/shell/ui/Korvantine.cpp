@@ -365,6 +365,9 @@ void Korvantine::mettiInArea(QWidget *pagina, IdPagina id)
 
 void Korvantine::togliPagina(QWidget *pagina)
 {
+    // The strip's word for a page in the area goes with it.
+    if (pagina == m_pagina && !menu())
+        impostaSegnalazione1({});
     if (pagina == m_pagina) {
         m_pagina = nullptr;
         m_idPagina = IdPagina::Nessuna;
