@@ -139,23 +139,6 @@ private slots:
         }
     }
 
-    void lostStreamMakesTheEcuUnknownUntilItComesBack()
-    {
-        avvia();
-        QTRY_COMPARE_WITH_TIMEOUT(p->linea.ecu().EcuDaIdentificare, false, 3000);
-        QSignalSpy persa(&p->linea.datiLive(), &DatiLive::ecuPersa);
-        // The watchdog runs from the first live frame after identification on.
-        QTRY_VERIFY_WITH_TIMEOUT(p->linea.TimeOutDati().isEnabled(), 2000);
-        ecu->impostaStallo(true);
-        QTest::qWait(1500);
-        QCOMPARE(persa.size(), 0);
-        QTRY_COMPARE_WITH_TIMEOUT(persa.size(), 1, 1500);
-        QCOMPARE(p->linea.ecu().EcuDaIdentificare, true);
-        ecu->impostaStallo(false);
-        QTRY_COMPARE_WITH_TIMEOUT(p->linea.ecu().EcuDaIdentificare, false, 3000);
-        QCOMPARE(richiesteVersione, 2);
-    }
-
     void aPulledLineComesBackByItself()
     {
         // The ECU behind a fixed path, as an adapter that comes back under the same name.
@@ -200,45 +183,6 @@ private slots:
         QCOMPARE(richiesteVersione, 2);
         QCOMPARE(persa.size(), 1);
         QCOMPARE(porta->scrittureSuPortaChiusa, 0);
-    }
-
-    void unansweredVersionFreesTheLinkAndIsAskedAgain()
-    {
-        avvia({}, [](EcuSimulata &e) { e.scartaOgniNRisposte(1); });
-        QTRY_COMPARE_WITH_TIMEOUT(p->linea.motore().StatoDialogo(), qint16(111), 2000);
-        QSignalSpy frame(&p->linea.identificazione(), &Identificazione::frameAbilitato);
-        QTest::qWait(4000);
-        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(111)); // no retry inside the wait
-        ecu->scartaOgniNRisposte(0);
-        QTRY_VERIFY_WITH_TIMEOUT(!frame.isEmpty(), 2000);
-        QCOMPARE(frame.first().at(0).toBool(), true);
-        QTRY_COMPARE_WITH_TIMEOUT(p->linea.ecu().EcuDaIdentificare, false, 2000);
-        QCOMPARE(richiesteVersione, 2);
-    }
-
-    void whatIdentificationFinds_data()
-    {
-        QTest::addColumn<bool>("applicazione");
-        QTest::addColumn<QByteArray>("celleTps"); // written at 0xC110 before the start
-        QTest::addColumn<bool>("tps");
-        QTest::newRow("erased TPS cells mean no TPS") << true << QByteArray::fromHex("03FF03FF") << false;
-        QTest::newRow("an ECU without application is seen as such") << false << QByteArray() << true;
-    }
-
-    void whatIdentificationFinds()
-    {
-        QFETCH(bool, applicazione);
-        QFETCH(QByteArray, celleTps);
-        QFETCH(bool, tps);
-        OpzioniEcu o;
-        o.applicazionePresente = applicazione;
-        avvia(o, [&](EcuSimulata &e) { e.scriviMemoria(0xC110, celleTps); });
-        QTRY_VERIFY_WITH_TIMEOUT(!p->linea.ecu().EcuDaIdentificare || !p->linea.ecu().EcuNormale, 3000);
-        QTest::qWait(100);
-        QCOMPARE(p->linea.ecu().EcuNormale, applicazione);
-        QCOMPARE(p->linea.ecu().EcuDaIdentificare, !applicazione);
-        QCOMPARE(p->linea.ecu().TpsPresente, tps);
-        QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
     }
 
     void noiseAndBadChecksumsLoseOnlyTheFramesTheyHit()

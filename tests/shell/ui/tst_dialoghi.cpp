@@ -209,35 +209,6 @@ private slots:
         QVERIFY(a.menu());
     }
 
-    // The word's rules are the menu's; here, what the box and the menu do with them. A wrong
-    // word in normal mode, told in a box, is met by the keyboard test of the main frame.
-    void accessWordOpensServiceModeAndAWrongOneLeavesItSilently()
-    {
-        Ambiente a;
-        MainLambda *m = a.menu();
-        const auto prova = [&](const QString &parola) {
-            QVERIFY(a.frame->apriPagina(IdPagina::Password));
-            QVERIFY(!m->isEnabled() && a.menu() == m);
-            auto *campo = a.sullaPagina<QLineEdit>("Parola");
-            QVERIFY(campo->echoMode() == QLineEdit::Password && campo->text().isEmpty());
-            QTest::keyClicks(campo, parola);
-            a.sullaPagina("TastoOK")->click();
-            QVERIFY(!a.frame->paginaSopra() && m->isEnabled());
-        };
-        aiuto::Risponditore r;
-        QTest::keyClick(m, Qt::Key_F3);
-        prova(QStringLiteral("tOrBa"));
-        QCOMPARE(a.statoMenu().ModoAssistenza(), true);
-        // The list on view is the old one until the function is chosen again.
-        QVERIFY(m->opzione(3)->isHidden());
-        QTest::keyClick(m, Qt::Key_F3);
-        QVERIFY(!m->opzione(8)->isHidden());
-        QCOMPARE(m->opzione(0)->text(), a.testo("MainLambda", "MESSAPUNTO1.0"));
-        prova(QStringLiteral("torb"));
-        QCOMPARE(a.statoMenu().ModoAssistenza(), false);
-        QVERIFY(r.visti.isEmpty());
-    }
-
     void enterInTheAccessBoxMovesOnAndEscCancels()
     {
         Ambiente a;
