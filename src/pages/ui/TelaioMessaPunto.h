@@ -124,7 +124,6 @@ protected:
     // The page's own captions, after those of the frame.
     virtual void caricaTestiAltrove();
 
-
     // VistaPagina
     void mostraValore(int parametro, double valore) override;
     void mostraSuggerimento(int parametro, const QString &testo) override;

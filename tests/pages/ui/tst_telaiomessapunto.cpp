@@ -391,7 +391,7 @@ private slots:
         QVERIFY(attendi());
         QTRY_VERIFY(!finestra.paginaAperta(minimo));
         QVERIFY(finestra.idPaginaAttiva() != IdPagina::MP_Minimo);
-        QCOMPARE(riga->text(), QString()); // the page's word went with it
+        QCOMPARE(riga->text(), QString());                // the page's word went with it
         QCOMPARE(ram(Par::SogliaGiriEntrataMinimo), 900); // No: the opening value is back
     }
 
