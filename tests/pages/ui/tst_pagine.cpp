@@ -36,11 +36,6 @@ QByteArrayList scritture(const QByteArrayList &frame)
     return w;
 }
 
-QByteArray scrittura(qint32 indirizzo, int byte)
-{
-    return 'W' + ParolaInByte(quint32(indirizzo)) + char(byte);
-}
-
 } // namespace
 
 class TstPagine : public QObject, ProgrammaSimulato
@@ -49,8 +44,6 @@ class TstPagine : public QObject, ProgrammaSimulato
 
     std::unique_ptr<TelaioMessaPunto> pagina;
     int risposta = 6; // to the question at Esci
-
-    const Parametro &par(int parametro) { return p->catalogo.Parametri[static_cast<size_t>(parametro)]; }
 
     void apri(IdPagina id)
     {
@@ -102,6 +95,8 @@ private slots:
         chiudi();
     }
 
+    // Counts per page, and for the small pages the addresses Esci writes, in order, as the
+    // address table gives them: RAM then EEPROM for each entry.
     void everyPageReadsShowsAndWritesInItsOrder_data()
     {
         QTest::addColumn<IdPagina>("id");
@@ -109,20 +104,24 @@ private slots:
         QTest::addColumn<int>("letture");
         QTest::addColumn<int>("soloRam");
         QTest::addColumn<int>("conEeprom");
-        QTest::newRow("idle") << IdPagina::MP_Minimo << false << 12 << 8 << 16;
+        QTest::addColumn<QList<int>>("indirizzi");
+        QTest::newRow("idle") << IdPagina::MP_Minimo << false << 12 << 8 << 16 << QList<int>{};
         // Eight fields, then 4 + 7 breakpoints and 40 lean and 40 rich cells.
-        QTest::newRow("normal") << IdPagina::MP_Normale << false << 17 << 99 << 198;
+        QTest::newRow("normal") << IdPagina::MP_Normale << false << 17 << 99 << 198 << QList<int>{};
         // The TPS and position grid is EEPROM only: Applica leaves it alone.
-        QTest::newRow("full load") << IdPagina::MP_PienoCarico << false << 16 << 16 << 48;
-        QTest::newRow("cut-off") << IdPagina::MP_CutOff << false << 9 << 6 << 12;
-        QTest::newRow("pump, normal mode") << IdPagina::MP_Pompata << false << 12 << 9 << 18;
-        QTest::newRow("pump, service mode") << IdPagina::MP_Pompata << true << 12 << 12 << 24;
-        QTest::newRow("work zones") << IdPagina::MP_Lavoro << false << 29 << 26 << 52;
-        QTest::newRow("stoichiometric") << IdPagina::MP_Stechio << false << 3 << 3 << 6;
+        QTest::newRow("full load") << IdPagina::MP_PienoCarico << false << 16 << 16 << 48 << QList<int>{};
+        QTest::newRow("cut-off") << IdPagina::MP_CutOff << false << 9 << 6 << 12 << QList<int>{};
+        QTest::newRow("pump, normal mode") << IdPagina::MP_Pompata << false << 12 << 9 << 18 << QList<int>{};
+        QTest::newRow("pump, service mode") << IdPagina::MP_Pompata << true << 12 << 12 << 24 << QList<int>{};
+        QTest::newRow("work zones") << IdPagina::MP_Lavoro << false << 29 << 26 << 52 << QList<int>{};
+        QTest::newRow("stoichiometric") << IdPagina::MP_Stechio << false << 3 << 3 << 6
+                                        << QList<int>{0x0101, 0xC105, 0x0102, 0xC104, 0x0103, 0xC106};
         // No RAM copies: Applica sends nothing at all.
-        QTest::newRow("inhibition") << IdPagina::MP_InibizPC << false << 2 << 0 << 2;
-        QTest::newRow("return from cut-off") << IdPagina::MP_RientroCO << false << 1 << 1 << 2;
-        QTest::newRow("throttle sensor") << IdPagina::MP_TPS << false << 2 << 2 << 4;
+        QTest::newRow("inhibition") << IdPagina::MP_InibizPC << false << 2 << 0 << 2
+                                    << QList<int>{0xC150, 0xC152};
+        QTest::newRow("return from cut-off")
+            << IdPagina::MP_RientroCO << false << 1 << 1 << 2 << QList<int>{0x0129, 0xC140};
+        QTest::newRow("throttle sensor") << IdPagina::MP_TPS << false << 2 << 2 << 4 << QList<int>{};
     }
 
     void everyPageReadsShowsAndWritesInItsOrder()
@@ -132,6 +131,7 @@ private slots:
         QFETCH(int, letture);
         QFETCH(int, soloRam);
         QFETCH(int, conEeprom);
+        QFETCH(QList<int>, indirizzi);
         p->menu.impostaAssistenza(assistenza);
         const DescrizionePagina &d = *DescrizioneDi(id);
         apri(id);
@@ -148,24 +148,13 @@ private slots:
                     qPrintable(QString("%1: %2, not %3").arg(v).arg(pagina->testoMostrato(v), atteso(d, v))));
         }
 
-        QByteArrayList ram, tutte;
-        for (int v : pagina->dialogo().voci()) {
-            if (par(v).IndirizzoRAM >= 0) {
-                ram << scrittura(par(v).IndirizzoRAM, par(v).Dimensione);
-                tutte << ram.last();
-            }
-            if (par(v).IndirizzoEE >= 0)
-                tutte << scrittura(par(v).IndirizzoEE, par(v).Dimensione);
-        }
-        QCOMPARE(ram.size(), soloRam);
-        QCOMPARE(tutte.size(), conEeprom);
-
         // The simulator's values pass every check: the page saves what it never touched.
         porta->scritti.clear();
         QTest::keyClick(pagina.get(), Qt::Key_F2);
         QVERIFY(attendi());
-        QCOMPARE(scritture(porta->scritti), ram);
-        for (const QByteArray &w : scritture(porta->scritti))
+        const QByteArrayList ram = scritture(porta->scritti);
+        QCOMPARE(ram.size(), soloRam);
+        for (const QByteArray &w : ram)
             QVERIFY2(quint8(w.at(1)) < 0xC0, w.toHex().constData()); // RAM only
         QVERIFY(pagina->isEnabled());
 
@@ -175,7 +164,10 @@ private slots:
         porta->scritti.clear();
         QTest::keyClick(pagina.get(), Qt::Key_Escape);
         QVERIFY(attendi());
-        QCOMPARE(scritture(porta->scritti), tutte);
+        const QByteArrayList tutte = scritture(porta->scritti);
+        QCOMPARE(tutte.size(), conEeprom);
+        for (qsizetype i = 0; i < indirizzi.size(); ++i)
+            QCOMPARE(tutte.value(i).mid(1, 2), ParolaInByte(quint32(indirizzi[i])));
         QCOMPARE(chiusa.size(), 1);
     }
 
