@@ -3,7 +3,6 @@
 #include "ComandiOperatore.h"
 #include "EcuSimulata.h"
 #include "FileS19.h"
-#include "MappaMemoria.h"
 
 #include "archives/Archivio.h"
 #include "archives/Cartelle.h"
@@ -90,19 +89,10 @@ QString PreparaRilascioDemo(const QString &percorsoApp, const Lingua &lingua)
     if (!ElencoSoftware(percorsoApp).isEmpty())
         return {};
     const QString nome = QStringLiteral("KVSIM_R2");
-    // A release of its own, all five texts: the flash puts the connected ECU's code and data
-    // A and B over the last three, the vehicle text and the date show what was written.
-    StringheVersione versione;
-    versione.veicolo = "KV-SIM R2 ";
-    versione.data = "2025-06-01";
-    versione.codice = "KV2SIM0002    ";
-    versione.datoA = "LPG-SEQ-02";
-    versione.datoB = "R2.0";
     const QString percorso = CartellaFileS19(percorsoApp) + u'/' + nome + QStringLiteral(".S19");
     if (!DentroRadice(percorso, percorsoApp) || QFileInfo(percorso).isSymLink())
         return {};
-    if (!ScriviFileIntero(percorso,
-                          TestoS19(ImmagineSoftware(versione), quint16(MappaMemoria::InizioSoftware))))
+    if (!ScriviFileIntero(percorso, RilascioDemo()))
         return {};
 
     // The card is a courtesy: without it the release is listed and flashed all the same.

@@ -45,4 +45,15 @@ QByteArray TestoS19(const QByteArray &immagine, quint16 inizio)
     return testo + record('9', indirizzo(inizio));
 }
 
+QByteArray RilascioDemo()
+{
+    StringheVersione versione;
+    versione.veicolo = "KV-SIM R2 ";
+    versione.data = "2025-06-01";
+    versione.codice = "KV2SIM0002    ";
+    versione.datoA = "LPG-SEQ-02";
+    versione.datoB = "R2.0";
+    return TestoS19(ImmagineSoftware(versione), quint16(MappaMemoria::InizioSoftware));
+}
+
 } // namespace kv::sim

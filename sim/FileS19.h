@@ -15,4 +15,8 @@ QByteArray ImmagineSoftware(const StringheVersione &versione);
 // lines of 32 data bytes with count and checksum, the start record; CR LF line ends.
 QByteArray TestoS19(const QByteArray &immagine, quint16 inizio);
 
+// The release the demo offers, KVSIM_R2: this software with a newer vehicle text and date,
+// as an S19 file. The flash puts the connected ECU's code and data A and B over its own.
+QByteArray RilascioDemo();
+
 } // namespace kv::sim

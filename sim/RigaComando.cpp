@@ -160,6 +160,10 @@ void PreparaRigaComando(QCommandLineParser &parser)
         {QStringLiteral("hang-up"),
          QStringLiteral("Fault: after this many seconds the line vanishes, as if the cable were pulled."),
          QStringLiteral("after")},
+        {QStringLiteral("save-release"),
+         QStringLiteral("Write the release the program's demo flashes (this software with the vehicle text "
+                        "\"KV-SIM R2\") to this S19 file, and end."),
+         QStringLiteral("file")},
         {{QStringLiteral("v"), QStringLiteral("verbose")},
          QStringLiteral("Log every frame to standard error, in hexadecimal, with its direction.")},
     });
@@ -170,6 +174,7 @@ bool InterpretaRigaComando(const QCommandLineParser &p, ImpostazioniProgramma &i
     OpzioniEcu &o = imp.ecu;
     imp.dispositivo = p.value(QStringLiteral("device"));
     imp.collegamento = p.value(QStringLiteral("link"));
+    imp.rilascio = p.value(QStringLiteral("save-release"));
     if (!imp.dispositivo.isEmpty() && !imp.collegamento.isEmpty()) {
         errore = QStringLiteral(
             "--link is for the pseudo-terminal; with --device the device path is already fixed");

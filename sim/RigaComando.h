@@ -19,6 +19,7 @@ struct ImpostazioniProgramma
     int stalloDopoMs = -1;     // -1: never
     int durataStalloMs = 0;    // 0: until told otherwise
     int riagganciaDopoMs = -1; // -1: never
+    QString rilascio;          // write the demo's release there and end
 };
 
 void PreparaRigaComando(QCommandLineParser &parser);

@@ -2,6 +2,7 @@
 
 #include "ComandiOperatore.h"
 #include "EcuSimulata.h"
+#include "FileS19.h"
 #include "RigaComando.h"
 
 #include "link/Frame.h"
@@ -9,6 +10,7 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QSaveFile>
 #include <QSocketNotifier>
 #include <QTimer>
 
@@ -131,6 +133,16 @@ int main(int argc, char *argv[])
     if (!InterpretaRigaComando(parser, imp, errore)) {
         std::fprintf(stderr, "korvantine-ecu: %s\n", qPrintable(errore));
         return 2;
+    }
+
+    if (!imp.rilascio.isEmpty()) {
+        QSaveFile file(imp.rilascio);
+        if (!file.open(QIODevice::WriteOnly) || file.write(RilascioDemo()) < 0 || !file.commit()) {
+            std::fprintf(stderr, "korvantine-ecu: cannot write %s: %s\n", qPrintable(imp.rilascio),
+                         qPrintable(file.errorString()));
+            return 1;
+        }
+        return 0;
     }
 
     EcuSimulata ecu(imp.ecu);

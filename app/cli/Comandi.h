@@ -30,6 +30,13 @@ struct Comando
 
 // The commands, each in a file of its own.
 int acq2csv(const QStringList &argomenti);
+// On the line (ComandiLinea.cpp, ComandiProgrammazione.cpp).
+int porte(const QStringList &argomenti);
+int identifica(const QStringList &argomenti);
+int leggiMappa(const QStringList &argomenti);
+int scriviMappa(const QStringList &argomenti);
+int flash(const QStringList &argomenti);
+int registra(const QStringList &argomenti);
 
 // Every command, in the order the help lists them.
 std::span<const Comando> comandi();

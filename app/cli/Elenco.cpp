@@ -24,6 +24,12 @@ constexpr Comando tabella[] = {
     {"acq2csv", "a recording (.ACQ) as CSV, as the viewer exports it", acq2csv},
     {"show-map", "a map file decoded, as the tuning pages show it", mostraMappa},
     {"diff", "the parameters two map files hold otherwise", differenzeMappe},
+    {"ports", "the serial ports, as the Serial port page lists them", porte},
+    {"identify", "the ECU's identification", identifica},
+    {"read-map", "the ECU's map into a map file, or into the archive", leggiMappa},
+    {"write-map", "a map file into the ECU, read back with --verify", scriviMappa},
+    {"flash", "a software release (.S19) into the ECU", flash},
+    {"record", "the live stream for N seconds, as .ACQ or CSV", registra},
 };
 
 } // namespace

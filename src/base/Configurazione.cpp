@@ -149,6 +149,54 @@ QStringList PortiSeriali()
     return porti;
 }
 
+QList<PortaDisponibile> PorteDisponibili()
+{
+    QList<PortaDisponibile> porte;
+    const auto info = QSerialPortInfo::availablePorts();
+    for (const QString &percorso : PortiSeriali()) {
+        PortaDisponibile porta{percorso, {}};
+        for (const QSerialPortInfo &i : info) {
+            if (i.systemLocation() == percorso) {
+                QStringList parti;
+                if (!i.description().isEmpty())
+                    parti << i.description();
+                if (!i.manufacturer().isEmpty() && !i.description().contains(i.manufacturer()))
+                    parti << i.manufacturer();
+                porta.descrizione = parti.join(QStringLiteral(", "));
+            }
+        }
+        porte.append(porta);
+    }
+    return porte;
+}
+
+QList<VocePorta> ElencoPorte(const QList<PortaDisponibile> &porte)
+{
+    const auto descrizioneDi = [](const PortaDisponibile &porta) {
+        return porta.descrizione.isEmpty()
+                   ? porta.percorso
+                   : QStringLiteral("%1  \u2013  %2").arg(porta.percorso, porta.descrizione);
+    };
+    QStringList percorsi;
+    for (const PortaDisponibile &porta : porte)
+        percorsi << porta.percorso;
+    QList<VocePorta> voci;
+    for (int n = 1; n <= PorteCom; ++n) {
+        const QString com = QStringLiteral("COM%1").arg(n);
+        VocePorta voce{com, com, NomeDispositivo(com, n, percorsi), {}};
+        for (const PortaDisponibile &porta : porte) {
+            if (porta.percorso == voce.dispositivo && !voce.dispositivo.isEmpty()) {
+                voce.testo = QStringLiteral("%1   (%2)").arg(com, descrizioneDi(porta));
+                voce.descrizione = porta.descrizione;
+            }
+        }
+        voci.append(voce);
+    }
+    for (const PortaDisponibile &porta : porte)
+        voci.append({descrizioneDi(porta), porta.percorso, porta.percorso, porta.descrizione});
+    return voci;
+}
+
 EsitoDispositivo ControllaDispositivo(const QString &testo)
 {
     const QString t = testo.trimmed();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QChar>
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <QtGlobal>
@@ -37,6 +38,32 @@ QString NomeDispositivo(const QString &porta, int portaCom, const QStringList &p
 
 // The paths of the serial ports the system reports now, in that same order.
 QStringList PortiSeriali();
+
+// A serial port the system reports: its device and what the system says it is.
+struct PortaDisponibile
+{
+    QString percorso;
+    QString descrizione;
+};
+
+// The system's ports now, in the order that "COMn" counts them.
+QList<PortaDisponibile> PorteDisponibili();
+
+// An entry of the list of ports as the Serial port page shows it: its text, what it writes
+// as "Porta", and the device it stands for now (empty for a "COMn" beyond the system's ports).
+struct VocePorta
+{
+    QString testo;
+    QString valore;
+    QString dispositivo;
+    QString descrizione;
+};
+
+inline constexpr int PorteCom = 10;
+
+// "COM1" to "COM10", each naming the port it is now, then the same ports by their own
+// devices, which stay right when another adapter is plugged in.
+QList<VocePorta> ElencoPorte(const QList<PortaDisponibile> &porte);
 
 // A device typed for "Porta".
 enum class EsitoDispositivo {

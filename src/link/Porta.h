@@ -29,6 +29,9 @@ public:
     // After an opening refused for lack of permission: the group whose members may use the
     // device. Empty when that was not the reason.
     virtual QString gruppoMancante() const { return {}; }
+    // After an opening refused because another process holds the line (the program, or a
+    // korvantine-cli).
+    virtual bool occupata() const { return false; }
 
 signals:
     void arrivati(const QByteArray &bytes);

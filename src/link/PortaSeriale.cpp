@@ -3,9 +3,11 @@
 #include <QFile>
 
 #include <cerrno>
+#include <cstring>
 
 #include <fcntl.h>
 #include <grp.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -28,6 +30,18 @@ QString GruppoPerDispositivo(const QString &dispositivo)
     return QStringLiteral("dialout");
 }
 
+bool DispositivoOccupato(const QString &dispositivo)
+{
+    const QByteArray nome = QFile::encodeName(dispositivo);
+    // Non-blocking, so that a modem line without carrier does not hold us here.
+    const int fd = ::open(nome.constData(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (fd < 0)
+        return errno == EBUSY; // held in exclusive mode (TIOCEXCL) by its user
+    const bool occupato = ::flock(fd, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    ::close(fd);
+    return occupato;
+}
+
 PortaSeriale::PortaSeriale(QObject *parent) : Porta(parent)
 {
     connect(&m_porta, &QSerialPort::readyRead, this, &PortaSeriale::leggi);
@@ -44,6 +58,7 @@ bool PortaSeriale::apri(const ImpostazioniPorta &impostazioni)
     chiudi();
     m_errore.clear();
     m_gruppo.clear();
+    m_occupata = false;
     m_porta.setPortName(impostazioni.dispositivo);
     if (impostazioni.dispositivo.isEmpty()) {
         m_errore = QStringLiteral("no such serial port");
@@ -52,6 +67,15 @@ bool PortaSeriale::apri(const ImpostazioniPorta &impostazioni)
     if (!m_porta.open(QIODevice::ReadWrite)) {
         m_errore = m_porta.errorString();
         m_gruppo = GruppoPerDispositivo(impostazioni.dispositivo);
+        m_occupata = m_gruppo.isEmpty() && DispositivoOccupato(impostazioni.dispositivo);
+        return false;
+    }
+    // One user of the line at a time, whatever path names the device: the program and
+    // korvantine-cli each take this lock, and the kernel drops it with the file.
+    if (::flock(int(m_porta.handle()), LOCK_EX | LOCK_NB) != 0) {
+        m_occupata = errno == EWOULDBLOCK;
+        m_errore = QString::fromLocal8Bit(std::strerror(errno));
+        m_porta.close();
         return false;
     }
     const bool ok = m_porta.setBaudRate(impostazioni.velocita) && m_porta.setDataBits(QSerialPort::Data8)

@@ -16,6 +16,8 @@ public:
 
     void LogFrame(const QByteArray &bytes) const;
     const QString &percorso() const { return m_percorso; }
+    // Another file from the next frame on; empty logs nothing.
+    void impostaPercorso(QString percorsoFile) { m_percorso = std::move(percorsoFile); }
 
 private:
     QString m_percorso;

@@ -56,11 +56,13 @@ bool SessioneLinea::apri(const ImpostazioniPorta &impostazioni)
 {
     m_porta->chiudi();
     m_gruppoMancante.clear();
+    m_portaOccupata = false;
     if (m_porta->apri(impostazioni)) {
         m_sorveglianza.aperta(impostazioni);
         return true;
     }
     m_gruppoMancante = m_porta->gruppoMancante();
+    m_portaOccupata = m_porta->occupata();
     m_porta->chiudi();
     m_sorveglianza.chiusa();
     return false;

@@ -46,6 +46,8 @@ public:
     // After an opening refused for lack of permission: the group whose members may use the
     // device; empty otherwise.
     [[nodiscard]] const QString &gruppoMancante() const { return m_gruppoMancante; }
+    // After an opening refused because another process holds the line.
+    [[nodiscard]] bool portaOccupata() const { return m_portaOccupata; }
 
     [[nodiscard]] const StatoEcu &ecu() const { return m_ecu; }
     // The ECU has taken new software and restarts with it: it is asked who it is again at its
@@ -90,6 +92,7 @@ private:
     DatiLive m_datiLive;
     SorveglianzaLinea m_sorveglianza;
     QString m_gruppoMancante;
+    bool m_portaOccupata = false;
 };
 
 } // namespace kv

@@ -13,7 +13,6 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QScopedValueRollback>
-#include <QSerialPortInfo>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -21,18 +20,10 @@ namespace kv {
 
 namespace {
 
-constexpr int PorteCom = 10;
 const qint32 Velocita[] = {4800, 9600, 19200, 38400};
 
 // What each list entry writes as "Porta".
 constexpr int RuoloValore = Qt::UserRole;
-
-QString descrizioneDi(const PortaDisponibile &porta)
-{
-    return porta.descrizione.isEmpty()
-               ? porta.percorso
-               : QStringLiteral("%1  \u2013  %2").arg(porta.percorso, porta.descrizione);
-}
 
 void rendiNormale(QListWidget *elenco)
 {
@@ -40,27 +31,6 @@ void rendiNormale(QListWidget *elenco)
 }
 
 } // namespace
-
-QList<PortaDisponibile> PorteDisponibili()
-{
-    QList<PortaDisponibile> porte;
-    const auto info = QSerialPortInfo::availablePorts();
-    for (const QString &percorso : PortiSeriali()) {
-        PortaDisponibile porta{percorso, {}};
-        for (const QSerialPortInfo &i : info) {
-            if (i.systemLocation() == percorso) {
-                QStringList parti;
-                if (!i.description().isEmpty())
-                    parti << i.description();
-                if (!i.manufacturer().isEmpty() && !i.description().contains(i.manufacturer()))
-                    parti << i.manufacturer();
-                porta.descrizione = parti.join(QStringLiteral(", "));
-            }
-        }
-        porte.append(porta);
-    }
-    return porte;
-}
 
 Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &porte, QWidget *parent)
     : QWidget(parent)
@@ -84,24 +54,9 @@ Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &p
     m_esci->setObjectName(QStringLiteral("Esci"));
 
     // "COMn" is the n-th port the system reports; the entry shows which one that is now.
-    QStringList percorsi;
-    for (const PortaDisponibile &porta : porte)
-        percorsi << porta.percorso;
-    for (int n = 1; n <= PorteCom; ++n) {
-        const QString com = QStringLiteral("COM%1").arg(n);
-        const QString dispositivo = NomeDispositivo(com, n, percorsi);
-        QString testo = com;
-        for (const PortaDisponibile &porta : porte) {
-            if (porta.percorso == dispositivo && !dispositivo.isEmpty())
-                testo = QStringLiteral("%1   (%2)").arg(com, descrizioneDi(porta));
-        }
-        auto *voce = new QListWidgetItem(testo, m_seriali);
-        voce->setData(RuoloValore, com);
-    }
-    // The same ports by their own names, which stay right when another adapter is plugged in.
-    for (const PortaDisponibile &porta : porte) {
-        auto *voce = new QListWidgetItem(descrizioneDi(porta), m_seriali);
-        voce->setData(RuoloValore, porta.percorso);
+    for (const VocePorta &v : ElencoPorte(porte)) {
+        auto *voce = new QListWidgetItem(v.testo, m_seriali);
+        voce->setData(RuoloValore, v.valore);
     }
     for (const qint32 v : Velocita) {
         auto *voce = new QListWidgetItem(QString::number(v), m_baud);

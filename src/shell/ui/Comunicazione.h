@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/Configurazione.h"
+
 #include <QList>
 #include <QString>
 #include <QWidget>
@@ -12,16 +14,6 @@ class QPushButton;
 namespace kv {
 
 class Korvantine;
-
-// A serial port the system reports: its device and what the system says it is.
-struct PortaDisponibile
-{
-    QString percorso;
-    QString descrizione;
-};
-
-// The system's ports now, in the order that "COMn" counts them.
-QList<PortaDisponibile> PorteDisponibili();
 
 // The port page: the port (chosen in the list, or a device path typed) and the speed,
 // written to KORVANTINE.INI by Salva, which then reopens the port.

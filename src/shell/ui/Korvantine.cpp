@@ -160,6 +160,10 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
         aggiornaStatoCollegamento();
         const Lingua &l = m_programma.lingua;
         QString testo = l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_3");
+        if (m_programma.linea.portaOccupata())
+            testo +=
+                QStringLiteral("\n\n")
+                + l.LeggiTesto("SEGNALAZIONI", "PORTA_OCCUPATA").replace(QStringLiteral("XXX"), dispositivo);
         if (!gruppo.isEmpty())
             testo += QStringLiteral("\n\n")
                      + l.LeggiTesto("SEGNALAZIONI", "PERMESSO_PORTA")
