@@ -57,12 +57,12 @@ struct AvvioCopiaSet
     QString temp;
     std::optional<EsitoScambio> errore;
 };
-AvvioCopiaSet AvviaCopiaSet(const QString &destinazione, const QString &percorsoApp, const Lingua &lingua,
+AvvioCopiaSet AvviaCopiaSet(const QString &destinazione, const QString &percorsoApp,
                             const DomandaScambio &domanda, const QString &chiaveVuota);
 
 // The end of every copy to a medium: the set in temp put on the target, temp emptied, and
 // the outcome told with what could not be cleaned or copied.
 EsitoScambio ConsegnaSet(EsitoScambio esito, const CartellaScambio &destinazione, const QString &temp,
-                         const QString &percorsoApp, const Lingua &lingua, TipoScambio tipo);
+                         const QString &percorsoApp, TipoScambio tipo);
 
 } // namespace kv

@@ -3,7 +3,6 @@
 #include "archives/Cartelle.h"
 #include "archives/PulisciDestinazione.h"
 #include "base/FileSystem.h"
-#include "base/Lingua.h"
 
 #include <QDir>
 #include <QFile>
@@ -62,17 +61,17 @@ QString NomeVisibile(const QString &nome)
     return t.size() > Massimo ? t.left(Massimo) + QChar(0x2026) : t;
 }
 
-QString TestoScambio(const Lingua &lingua, const QString &sezione, const QString &chiave,
-                     const QString &testo)
+Messaggio MessaggioScambio(const QString &sezione, const QString &chiave, const QString &testo)
 {
-    return lingua.LeggiTesto(sezione, chiave).trimmed().replace(QLatin1String("XXX"), testo);
+    return Messaggio(sezione, chiave).ritaglia().con(QStringLiteral("XXX"), testo);
 }
 
-QString TestoConteggio(const Lingua &lingua, const QString &sezione, const QString &chiave, int n)
+Messaggio MessaggioConteggio(const QString &sezione, const QString &chiave, int n)
 {
-    QString uno = lingua.LeggiTesto(sezione, chiave + QStringLiteral(".1")).trimmed();
-    return n == 1 && !uno.isEmpty() ? uno.replace(QLatin1String("XXX"), QString::number(n))
-                                    : TestoScambio(lingua, sezione, chiave, QString::number(n));
+    Messaggio m = MessaggioScambio(sezione, chiave, QString::number(n));
+    if (n == 1)
+        m.chiavePreferita = chiave + QStringLiteral(".1");
+    return m;
 }
 
 QString PreparaTemp(const QString &percorsoApp)
@@ -301,14 +300,13 @@ bool copiaAlbero(const QString &origine, const QString &meta, const QString &tem
 
 } // namespace
 
-MediumScambio LeggiMediumScambio(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente,
-                                 TipoScambio tipo)
+MediumScambio LeggiMediumScambio(const QString &percorsoApp, const QString &sorgente, TipoScambio tipo)
 {
     const QString Sezione = QStringLiteral("SCAMBIO");
     MediumScambio m;
     const auto errore = [&](const char *chiave, const QString &testo) {
         m.esito.fatto = false;
-        m.esito.messaggio = TestoScambio(lingua, Sezione, QString::fromLatin1(chiave), testo);
+        m.esito.messaggio = MessaggioScambio(Sezione, QString::fromLatin1(chiave), testo);
         m.righe.clear();
         CancellaTemp(percorsoApp);
         return m;
@@ -351,7 +349,7 @@ MediumScambio LeggiMediumScambio(const QString &percorsoApp, const Lingua &lingu
             return errore("LETTURA", cartella.percorso);
     }
     for (const QString &g : std::as_const(grandi))
-        m.esito.avvisi << TestoScambio(lingua, Sezione, QStringLiteral("GRANDE"), NomeVisibile(g));
+        m.esito.avvisi.push_back(MessaggioScambio(Sezione, QStringLiteral("GRANDE"), NomeVisibile(g)));
 
     const CatalogoScambio letto = LeggiCatalogoScambio(copia, f.schema);
     if (!letto.esito.ok())

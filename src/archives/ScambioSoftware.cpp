@@ -3,7 +3,6 @@
 #include "archives/Cartelle.h"
 #include "archives/PulisciDestinazione.h"
 #include "base/FileSystem.h"
-#include "base/Lingua.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -31,7 +30,7 @@ QString cartellaSoftware(const QString &percorsoApp)
     return PercorsoFile(percorsoApp, FileArchivi::CartellaSoftware);
 }
 
-EsitoScambio fine(bool fatto, const QString &messaggio, QStringList avvisi = {}, int voci = 0)
+EsitoScambio fine(bool fatto, const Messaggio &messaggio, std::vector<Messaggio> avvisi = {}, int voci = 0)
 {
     return {fatto, messaggio, std::move(avvisi), voci};
 }
@@ -97,18 +96,18 @@ QList<VoceSoftware> ElencoSoftware(const QString &percorsoApp, EsitoArchivio *es
     return voci.values();
 }
 
-EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const Lingua &lingua, const QStringList &nomi,
+EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const QStringList &nomi,
                                  const QString &destinazione, const DomandaScambio &domanda)
 {
-    const auto segnalazione = [&lingua](const char *chiave) {
-        return TestoScambio(lingua, Segnalazioni, QString::fromLatin1(chiave));
+    const auto segnalazione = [](const char *chiave) {
+        return MessaggioScambio(Segnalazioni, QString::fromLatin1(chiave));
     };
     if (ElencoSoftware(percorsoApp).isEmpty())
         return fine(false, segnalazione("SEGNALAZIONE_31"));
     if (nomi.isEmpty())
         return fine(false, segnalazione("SEGNALAZIONE_23"));
     const AvvioCopiaSet avvio =
-        AvviaCopiaSet(destinazione, percorsoApp, lingua, domanda, QStringLiteral("SEGNALAZIONE_32"));
+        AvviaCopiaSet(destinazione, percorsoApp, domanda, QStringLiteral("SEGNALAZIONE_32"));
     if (avvio.errore)
         return *avvio.errore;
     const CartellaScambio &meta = avvio.destinazione;
@@ -119,7 +118,7 @@ EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const Lingua &lingu
         || !ApriArchivioSoftware(temp, FileArchivi::FileTempSoftware, set)) {
         const EsitoArchivio e = locale.Aperto() ? set.Esito() : locale.Esito();
         CancellaTemp(percorsoApp);
-        return fine(false, segnalazione("SEGNALAZIONE_19"), {TestoEsitoArchivio(lingua, e)});
+        return fine(false, segnalazione("SEGNALAZIONE_19"), {MessaggioArchivio(e)});
     }
     const QString files = CartellaFiles19(percorsoApp);
     const QString filesSet = temp + u'/' + Files19;
@@ -128,10 +127,10 @@ EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const Lingua &lingu
     for (const QString &n : nomi) {
         const QString nome = n.trimmed();
         if (!NomeScambioValido(nome, lunghezzaNome()) || fatti.contains(ChiavePiegata(nome))) {
-            esito.avvisi << TestoScambio(lingua, Scambio,
-                                         fatti.contains(ChiavePiegata(nome)) ? QStringLiteral("DOPPIO")
-                                                                             : QStringLiteral("NOME"),
-                                         NomeVisibile(nome));
+            esito.avvisi.push_back(MessaggioScambio(
+                Scambio,
+                fatti.contains(ChiavePiegata(nome)) ? QStringLiteral("DOPPIO") : QStringLiteral("NOME"),
+                NomeVisibile(nome)));
             continue;
         }
         fatti.insert(ChiavePiegata(nome));
@@ -141,29 +140,29 @@ EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const Lingua &lingu
         riga.Imposta(u"Versione", qui ? qui->Campo(u"Versione") : std::nullopt);
         riga.Imposta(u"NOTE", qui ? qui->Campo(u"NOTE") : std::nullopt);
         if (!set.Salva(riga)) {
-            esito.avvisi << TestoEsitoArchivio(lingua, set.Esito());
+            esito.avvisi.push_back(MessaggioArchivio(set.Esito()));
             continue;
         }
         const QString file = PercorsoS19(files, nome);
         if (DentroRadice(file, files) && QFileInfo(file).isFile()) {
             if (CopiaFileScambio(file, filesSet + u'/' + nome + EstensioneS19, temp, MassimoFileScambio)
                 != EsitoCopia::Fatta)
-                esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("SOLO_RIGA"), nome);
+                esito.avvisi.push_back(MessaggioScambio(Scambio, QStringLiteral("SOLO_RIGA"), nome));
         } else {
-            esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("SOLO_RIGA"), nome);
+            esito.avvisi.push_back(MessaggioScambio(Scambio, QStringLiteral("SOLO_RIGA"), nome));
         }
         ++esito.voci;
     }
     ChiudiArchivioSoftware(set);
     ChiudiArchivioSoftware(locale);
 
-    return ConsegnaSet(esito, meta, temp, percorsoApp, lingua, TipoScambio::Software);
+    return ConsegnaSet(esito, meta, temp, percorsoApp, TipoScambio::Software);
 }
 
-SorgenteSoftware LeggiDiscoSoftware(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente)
+SorgenteSoftware LeggiDiscoSoftware(const QString &percorsoApp, const QString &sorgente)
 {
     SorgenteSoftware s;
-    const MediumScambio m = LeggiMediumScambio(percorsoApp, lingua, sorgente, TipoScambio::Software);
+    const MediumScambio m = LeggiMediumScambio(percorsoApp, sorgente, TipoScambio::Software);
     s.esito = m.esito;
     if (!m.esito.fatto)
         return s;
@@ -185,12 +184,12 @@ SorgenteSoftware LeggiDiscoSoftware(const QString &percorsoApp, const Lingua &li
     return s;
 }
 
-EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente,
-                                const QStringList &nomi, const DomandaScambio &domanda)
+EsitoScambio RipristinaSoftware(const QString &percorsoApp, const QString &sorgente, const QStringList &nomi,
+                                const DomandaScambio &domanda)
 {
     if (nomi.isEmpty() || sorgente.trimmed().isEmpty())
-        return fine(false, TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_23")));
-    const MediumScambio m = LeggiMediumScambio(percorsoApp, lingua, sorgente, TipoScambio::Software);
+        return fine(false, MessaggioScambio(Segnalazioni, QStringLiteral("SEGNALAZIONE_23")));
+    const MediumScambio m = LeggiMediumScambio(percorsoApp, sorgente, TipoScambio::Software);
     if (!m.esito.fatto)
         return m.esito;
     EsitoScambio esito;
@@ -199,9 +198,9 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua
     const QString files = CartellaFiles19(percorsoApp);
     if (!ApriArchivioSoftware(cartellaSoftware(percorsoApp), FileArchivi::FileSoftware, locale)
         || !CreaCartella(files) || !DentroRadice(files, percorsoApp)) {
-        esito.messaggio = TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE1.4"));
+        esito.messaggio = MessaggioScambio(Ripri, QStringLiteral("SEGNALAZIONE1.4"));
         if (!locale.Esito().ok())
-            esito.avvisi << TestoEsitoArchivio(lingua, locale.Esito());
+            esito.avvisi.push_back(MessaggioArchivio(locale.Esito()));
         CancellaTemp(percorsoApp);
         return esito;
     }
@@ -210,7 +209,7 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua
         const QString nome = n.trimmed();
         const QString visibile = NomeVisibile(nome);
         const auto salta = [&](const char *chiave) {
-            esito.avvisi << TestoScambio(lingua, Scambio, QString::fromLatin1(chiave), visibile);
+            esito.avvisi.push_back(MessaggioScambio(Scambio, QString::fromLatin1(chiave), visibile));
         };
         if (!NomeScambioValido(nome, lunghezzaNome())) {
             salta("NOME");
@@ -243,9 +242,9 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua
         const QString qui = QFileInfo(file).fileName().chopped(EstensioneS19.size());
         const std::optional<RigaArchivio> riga = locale.Cerca(u"PER_NOME", {nome});
         if (riga || QFileInfo(file).isFile()) {
-            const QString testo =
-                TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE1.1"),
-                             u' ' + nome + u'\\' + (riga ? riga->Testo(u"Versione") : QString()) + u' ');
+            const Messaggio testo =
+                MessaggioScambio(Ripri, QStringLiteral("SEGNALAZIONE1.1"),
+                                 u' ' + nome + u'\\' + (riga ? riga->Testo(u"Versione") : QString()) + u' ');
             if (!domanda(testo))
                 continue;
         }
@@ -260,7 +259,8 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua
         nuova.Imposta(u"NOTE", nota);
         if (!locale.Salva(nuova)) {
             RimettiFile(file, files, prima);
-            esito.avvisi << visibile + QStringLiteral(": ") + TestoEsitoArchivio(lingua, locale.Esito());
+            esito.avvisi.push_back(
+                MessaggioArchivio(locale.Esito()).preceduto(visibile + QStringLiteral(": ")));
             continue;
         }
         ++esito.voci;
@@ -268,7 +268,7 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua
     ChiudiArchivioSoftware(locale);
     CancellaTemp(percorsoApp);
     esito.fatto = true;
-    esito.messaggio = TestoConteggio(lingua, Ripri, QStringLiteral("SEGNALAZIONE1.3"), esito.voci);
+    esito.messaggio = MessaggioConteggio(Ripri, QStringLiteral("SEGNALAZIONE1.3"), esito.voci);
     return esito;
 }
 

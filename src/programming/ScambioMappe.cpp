@@ -3,7 +3,6 @@
 #include "archives/Cartelle.h"
 #include "archives/PulisciDestinazione.h"
 #include "base/FileSystem.h"
-#include "base/Lingua.h"
 #include "programming/ControlloMappa.h"
 
 #include <QFileInfo>
@@ -61,7 +60,7 @@ QString scarto(const ChiaveMappa &k, QSet<QString> &fatte)
     return {};
 }
 
-EsitoScambio fine(bool fatto, const QString &messaggio, QStringList avvisi = {})
+EsitoScambio fine(bool fatto, const Messaggio &messaggio, std::vector<Messaggio> avvisi = {})
 {
     return {fatto, messaggio, std::move(avvisi), 0};
 }
@@ -73,17 +72,16 @@ QString TestoChiaveMappa(const ChiaveMappa &chiave)
     return chiave.elenco().join(u'\\');
 }
 
-EsitoScambio ScriviDiscoMappe(const QString &percorsoApp, const Lingua &lingua,
-                              const QList<ChiaveMappa> &mappe, const QString &destinazione,
-                              const DomandaScambio &domanda)
+EsitoScambio ScriviDiscoMappe(const QString &percorsoApp, const QList<ChiaveMappa> &mappe,
+                              const QString &destinazione, const DomandaScambio &domanda)
 {
-    const auto segnalazione = [&lingua](const char *chiave) {
-        return TestoScambio(lingua, Segnalazioni, QString::fromLatin1(chiave));
+    const auto segnalazione = [](const char *chiave) {
+        return MessaggioScambio(Segnalazioni, QString::fromLatin1(chiave));
     };
     if (mappe.isEmpty())
         return fine(false, segnalazione("SEGNALAZIONE_17"));
     const AvvioCopiaSet avvio =
-        AvviaCopiaSet(destinazione, percorsoApp, lingua, domanda, QStringLiteral("SEGNALAZIONE_18"));
+        AvviaCopiaSet(destinazione, percorsoApp, domanda, QStringLiteral("SEGNALAZIONE_18"));
     if (avvio.errore)
         return *avvio.errore;
     const CartellaScambio &meta = avvio.destinazione;
@@ -93,7 +91,7 @@ EsitoScambio ScriviDiscoMappe(const QString &percorsoApp, const Lingua &lingua,
         || !ApriArchivioMappe(temp, FileArchivi::FileTempMappe, set)) {
         const EsitoArchivio e = locale.Aperto() ? set.Esito() : locale.Esito();
         CancellaTemp(percorsoApp);
-        return fine(false, segnalazione("SEGNALAZIONE_19"), {TestoEsitoArchivio(lingua, e)});
+        return fine(false, segnalazione("SEGNALAZIONE_19"), {MessaggioArchivio(e)});
     }
     EsitoScambio esito;
     QSet<QString> fatte;
@@ -101,7 +99,7 @@ EsitoScambio ScriviDiscoMappe(const QString &percorsoApp, const Lingua &lingua,
         const ChiaveMappa k = m.pulita();
         const QString visibile = NomeVisibile(TestoChiaveMappa(k));
         const auto salta = [&](const QString &chiave) {
-            esito.avvisi << TestoScambio(lingua, Scambio, chiave, visibile);
+            esito.avvisi.push_back(MessaggioScambio(Scambio, chiave, visibile));
         };
         if (const QString difetto = scarto(k, fatte); !difetto.isEmpty()) {
             salta(difetto);
@@ -114,7 +112,7 @@ EsitoScambio ScriviDiscoMappe(const QString &percorsoApp, const Lingua &lingua,
         }
         const std::optional<RigaArchivio> qui = locale.Cerca(u"PER_NOME", k.elenco());
         if (!set.Salva(rigaMappa(set, p.chiave, qui ? qui->Campo(u"NOTE") : std::nullopt))) {
-            esito.avvisi << visibile + QStringLiteral(": ") + TestoEsitoArchivio(lingua, set.Esito());
+            esito.avvisi.push_back(MessaggioArchivio(set.Esito()).preceduto(visibile + QStringLiteral(": ")));
             continue;
         }
         QString cartella = temp;
@@ -132,13 +130,13 @@ EsitoScambio ScriviDiscoMappe(const QString &percorsoApp, const Lingua &lingua,
     ChiudiArchivioMappe(set);
     ChiudiArchivioMappe(locale);
 
-    return ConsegnaSet(esito, meta, temp, percorsoApp, lingua, TipoScambio::Mappe);
+    return ConsegnaSet(esito, meta, temp, percorsoApp, TipoScambio::Mappe);
 }
 
-SorgenteMappe LeggiDiscoMappe(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente)
+SorgenteMappe LeggiDiscoMappe(const QString &percorsoApp, const QString &sorgente)
 {
     SorgenteMappe s;
-    const MediumScambio m = LeggiMediumScambio(percorsoApp, lingua, sorgente, TipoScambio::Mappe);
+    const MediumScambio m = LeggiMediumScambio(percorsoApp, sorgente, TipoScambio::Mappe);
     s.esito = m.esito;
     if (!m.esito.fatto)
         return s;
@@ -148,12 +146,12 @@ SorgenteMappe LeggiDiscoMappe(const QString &percorsoApp, const Lingua &lingua, 
     return s;
 }
 
-EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente,
+EsitoScambio RipristinaMappe(const QString &percorsoApp, const QString &sorgente,
                              const QList<ChiaveMappa> &mappe, const DomandaScambio &domanda)
 {
     if (mappe.isEmpty() || sorgente.trimmed().isEmpty())
-        return fine(false, TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_17")));
-    const MediumScambio m = LeggiMediumScambio(percorsoApp, lingua, sorgente, TipoScambio::Mappe);
+        return fine(false, MessaggioScambio(Segnalazioni, QStringLiteral("SEGNALAZIONE_17")));
+    const MediumScambio m = LeggiMediumScambio(percorsoApp, sorgente, TipoScambio::Mappe);
     if (!m.esito.fatto)
         return m.esito;
     EsitoScambio esito;
@@ -162,8 +160,8 @@ EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, c
     const QString radice = CartellaMappe(percorsoApp);
     if (!ApriArchivioMappe(radice, FileArchivi::FileMappe, locale)) {
         CancellaTemp(percorsoApp);
-        return fine(false, TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE_4")),
-                    esito.avvisi << TestoEsitoArchivio(lingua, locale.Esito()));
+        esito.avvisi.push_back(MessaggioArchivio(locale.Esito()));
+        return fine(false, MessaggioScambio(Ripri, QStringLiteral("SEGNALAZIONE_4")), esito.avvisi);
     }
     // The notes of the medium by key; the first of a doubled key wins.
     QHash<QString, std::optional<QString>> note;
@@ -179,7 +177,7 @@ EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, c
         const ChiaveMappa k = mappa.pulita();
         const QString visibile = NomeVisibile(TestoChiaveMappa(k));
         const auto salta = [&](const QString &chiave) {
-            esito.avvisi << TestoScambio(lingua, Scambio, chiave, visibile);
+            esito.avvisi.push_back(MessaggioScambio(Scambio, chiave, visibile));
         };
         if (const QString difetto = scarto(k, fatte); !difetto.isEmpty()) {
             salta(difetto);
@@ -194,8 +192,8 @@ EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, c
         // Only a file that is exactly a map comes into the archive: from there it could be
         // written into an ECU.
         if (const EsitoMappa controllo = LeggiMappa(origine); !controllo.ok()) {
-            esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("NON_MAPPA"), visibile)
-                                .replace(QLatin1String("YYY"), TestoEsitoMappa(lingua, controllo));
+            esito.avvisi.push_back(MessaggioScambio(Scambio, QStringLiteral("NON_MAPPA"), visibile)
+                                       .con(QStringLiteral("YYY"), MessaggioEsitoMappa(controllo)));
             continue;
         }
         const PercorsoMappa p = PercorsoFileMappa(percorsoApp, k, NomiMappa::Esistenti);
@@ -205,8 +203,8 @@ EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, c
         }
         const std::optional<RigaArchivio> qui = locale.Cerca(u"PER_NOME", k.elenco());
         if (qui || EsisteMappa(p)) {
-            const QString testo = TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE_1"),
-                                               u' ' + TestoChiaveMappa(p.chiave) + u' ');
+            const Messaggio testo = MessaggioScambio(Ripri, QStringLiteral("SEGNALAZIONE_1"),
+                                                     u' ' + TestoChiaveMappa(p.chiave) + u' ');
             if (!domanda(testo))
                 continue;
         }
@@ -217,7 +215,8 @@ EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, c
         }
         if (!locale.Salva(rigaMappa(locale, p.chiave, note.value(piegata(k))))) {
             RimettiFile(p.file, radice, prima);
-            esito.avvisi << visibile + QStringLiteral(": ") + TestoEsitoArchivio(lingua, locale.Esito());
+            esito.avvisi.push_back(
+                MessaggioArchivio(locale.Esito()).preceduto(visibile + QStringLiteral(": ")));
             continue;
         }
         ++esito.voci;
@@ -225,7 +224,7 @@ EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, c
     ChiudiArchivioMappe(locale);
     CancellaTemp(percorsoApp);
     esito.fatto = true;
-    esito.messaggio = TestoConteggio(lingua, Ripri, QStringLiteral("SEGNALAZIONE_3"), esito.voci);
+    esito.messaggio = MessaggioConteggio(Ripri, QStringLiteral("SEGNALAZIONE_3"), esito.voci);
     return esito;
 }
 

@@ -31,13 +31,17 @@ QByteArray byteDi(const QString &nome)
 
 QList<Richiesta> richiesteNelCodice()
 {
-    // LeggiTesto("SEZIONE", "CHIAVE" followed by ')' or ',' for a whole key, by anything
-    // else (a '+' and an index) for a family. A literal may be wrapped, as QStringLiteral("..."),
-    // or be a u"..." literal.
+    // A look-up, LeggiTesto("SEZIONE", "CHIAVE", or a message of the logic, Messaggio("SEZIONE",
+    // "CHIAVE" (Messaggio m(...) and Messaggio{...} as well), followed by ')', ',' or '}' for a
+    // whole key, by anything else (a '+' and an index) for a family; Segnalazione("CHIAVE") for
+    // the common section. A literal may be wrapped, as QStringLiteral("..."), or be a u"..."
+    // literal.
     static const QString Letterale = QStringLiteral(R"re((?:\w+\s*\(\s*u?"([^"\\]*)"\s*\)|u?"([^"\\]*)"))re");
-    static const QRegularExpression chiamata(QStringLiteral(R"re(LeggiTesto\s*\(\s*)re") + Letterale
-                                             + QStringLiteral(R"re(\s*,\s*)re") + Letterale
-                                             + QStringLiteral(R"re(\s*(\S))re"));
+    static const QRegularExpression chiamata(
+        QStringLiteral(R"re((?:LeggiTesto|\bMessaggio(?:\s+\w+)?)\s*[({]\s*)re") + Letterale
+        + QStringLiteral(R"re(\s*,\s*)re") + Letterale + QStringLiteral(R"re(\s*(\S))re"));
+    static const QRegularExpression comune(QStringLiteral(R"re(\bSegnalazione\s*\(\s*)re") + Letterale
+                                           + QStringLiteral(R"re(\s*(\S))re"));
     QList<Richiesta> richieste;
     QDirIterator it(QStringLiteral(KV_SOURCE_DIR "/src"), {"*.cpp", "*.h"}, QDir::Files,
                     QDirIterator::Subdirectories);
@@ -46,17 +50,23 @@ QList<Richiesta> richiesteNelCodice()
         QFile f(percorso);
         if (!f.open(QIODevice::ReadOnly))
             continue;
-        auto trovate = chiamata.globalMatch(QString::fromUtf8(f.readAll()));
-        while (trovate.hasNext()) {
-            const auto m = trovate.next();
+        const QString codice = QString::fromUtf8(f.readAll());
+        const auto richiesta = [&](const QString &sezione, const QString &chiave, const QString &seguito) {
             Richiesta r;
-            r.sezione = m.captured(1) + m.captured(2);
-            r.chiave = m.captured(3) + m.captured(4);
-            const QString seguito = m.captured(5);
-            r.famiglia =
-                r.chiave.endsWith(u'.') || r.chiave.endsWith(u'_') || (seguito != ")" && seguito != ",");
+            r.sezione = sezione;
+            r.chiave = chiave;
+            r.famiglia = r.chiave.endsWith(u'.') || r.chiave.endsWith(u'_')
+                         || (seguito != ")" && seguito != "," && seguito != "}");
             r.dove = percorso.mid(QStringLiteral(KV_SOURCE_DIR).size() + 1);
             richieste.append(r);
+        };
+        for (auto trovate = chiamata.globalMatch(codice); trovate.hasNext();) {
+            const auto m = trovate.next();
+            richiesta(m.captured(1) + m.captured(2), m.captured(3) + m.captured(4), m.captured(5));
+        }
+        for (auto trovate = comune.globalMatch(codice); trovate.hasNext();) {
+            const auto m = trovate.next();
+            richiesta(QStringLiteral("SEGNALAZIONI"), m.captured(1) + m.captured(2), m.captured(3));
         }
     }
     return richieste;

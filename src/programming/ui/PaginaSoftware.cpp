@@ -158,7 +158,7 @@ void PaginaSoftware::ricaricaArchivio()
     EsitoArchivio esito;
     riempi(ElencoSoftware(programma().PercorsoApp, &esito));
     if (!esito.ok())
-        mostraSegnalazione(TestoEsitoArchivio(programma().lingua, esito));
+        mostraSegnalazione(programma().lingua.testo(MessaggioArchivio(esito)));
 }
 
 void PaginaSoftware::voceCorrente()
@@ -185,28 +185,27 @@ void PaginaSoftware::ScegliSorgente(const QString &sorgente)
     SorgenteSoftware letta;
     {
         Attesa attesa;
-        letta = LeggiDiscoSoftware(programma().PercorsoApp, programma().lingua, m_sorgente);
+        letta = LeggiDiscoSoftware(programma().PercorsoApp, m_sorgente);
     }
     riempi(letta.voci);
-    if (letta.esito.fatto && letta.esito.messaggio.isEmpty())
-        letta.esito.messaggio = testo(QStringLiteral("SCAMBIO"), QStringLiteral("ELENCO"))
-                                    .replace(QLatin1String("XXX"), QString::number(letta.voci.size()));
+    if (letta.esito.fatto && letta.esito.messaggio.vuoto())
+        letta.esito.messaggio = MessaggioScambio(QStringLiteral("SCAMBIO"), QStringLiteral("ELENCO"),
+                                                 QString::number(letta.voci.size()));
     mostra(letta.esito);
 }
 
 void PaginaSoftware::Comando()
 {
     const QString app = programma().PercorsoApp;
-    const Lingua &l = programma().lingua;
-    const DomandaScambio domanda = [this](const QString &t) { return chiedi(t); };
+    const DomandaScambio domanda = [this](const Messaggio &t) { return chiedi(t); };
     mostra({});
     switch (m_funzione) {
     case Funzione::CreaDisco: {
         mostraSegnalazione(testo(QStringLiteral("SCAMBIO"), QStringLiteral("IN_CORSO")));
         Attesa attesa;
-        const EsitoScambio esito = ScriviDiscoSoftware(app, l, nomi(true), cartella()->cartella(), domanda);
-        if (!esito.fatto
-            && esito.messaggio == testo(QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_32"))) {
+        const EsitoScambio esito = ScriviDiscoSoftware(app, nomi(true), cartella()->cartella(), domanda);
+        // No target named: the fitter is taken to the field.
+        if (!esito.fatto && esito.messaggio.chiave == u"SEGNALAZIONE_32") {
             QApplication::beep();
             cartella()->setFocus(Qt::OtherFocusReason);
         }
@@ -225,7 +224,7 @@ void PaginaSoftware::Comando()
         }
         mostraSegnalazione(testo(QStringLiteral("SEGNALAZIONE1.2")));
         Attesa attesa;
-        mostra(RipristinaSoftware(app, l, m_sorgente, nomi(false), domanda));
+        mostra(RipristinaSoftware(app, m_sorgente, nomi(false), domanda));
         break;
     }
     case Funzione::Cancellazione: {
@@ -238,7 +237,7 @@ void PaginaSoftware::Comando()
             return;
         }
         QApplication::beep();
-        const EsitoScambio esito = CancellaSoftware(app, l, nome, domanda);
+        const EsitoScambio esito = CancellaSoftware(app, nome, domanda);
         if (esito.fatto) {
             ricaricaArchivio();
         }

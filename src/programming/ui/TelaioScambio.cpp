@@ -146,13 +146,18 @@ void TelaioScambio::mostraSegnalazione(const QString &testo)
 
 void TelaioScambio::mostra(const EsitoScambio &esito)
 {
-    m_segnalazione->setText(esito.messaggio);
-    m_avvisi->setPlainText(esito.avvisi.join(u'\n'));
-    m_avvisi->setVisible(!esito.avvisi.isEmpty());
+    const Lingua &l = m_programma.lingua;
+    m_segnalazione->setText(l.testo(esito.messaggio));
+    QStringList avvisi;
+    for (const Messaggio &a : esito.avvisi)
+        avvisi << l.testo(a);
+    m_avvisi->setPlainText(avvisi.join(u'\n'));
+    m_avvisi->setVisible(!avvisi.isEmpty());
 }
 
-bool TelaioScambio::chiedi(const QString &t)
+bool TelaioScambio::chiedi(const Messaggio &m)
 {
+    const QString t = m_programma.lingua.testo(m);
     const bool attesa = QApplication::overrideCursor() != nullptr;
     if (attesa)
         QApplication::restoreOverrideCursor();

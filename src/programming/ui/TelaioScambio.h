@@ -75,7 +75,7 @@ protected:
     void mostraSegnalazione(const QString &testo);
     void mostra(const EsitoScambio &esito);
     // A yes-or-no question with the title of the program; true for yes.
-    bool chiedi(const QString &testo);
+    bool chiedi(const Messaggio &testo);
     // An information box with OK.
     void avvisa(const QString &testo);
 
