@@ -14,16 +14,14 @@ EsitoScambio CancellaSoftware(const QString &percorsoApp, const QString &nome, c
     EsitoScambio esito;
     const QString n = nome.trimmed();
     if (n.isEmpty()) {
-        esito.messaggio = MessaggioScambio(QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_13"));
+        esito.messaggio = MessaggioScambio(Segnalazione("SEGNALAZIONE_13"));
         return esito;
     }
-    const Messaggio testo =
-        MessaggioScambio(QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_26"))
-            .poi(MessaggioScambio(QStringLiteral("SCAMBIO"), QStringLiteral("CANCELLA_SW"), NomeVisibile(n)));
+    const Messaggio testo = MessaggioScambio(Segnalazione("SEGNALAZIONE_26"))
+                                .poi(MessaggioScambio(Messaggio("SCAMBIO", "CANCELLA_SW"), NomeVisibile(n)));
     if (!domanda(testo))
         return esito;
 
-    const QString scambio = QStringLiteral("SCAMBIO");
     Archivio db;
     if (!ApriArchivioSoftware(PercorsoFile(percorsoApp, FileArchivi::CartellaSoftware),
                               FileArchivi::FileSoftware, db)) {
@@ -32,9 +30,8 @@ EsitoScambio CancellaSoftware(const QString &percorsoApp, const QString &nome, c
     }
     // A catalogue that can only be read would keep a row whose file was gone.
     if (db.SoloLettura()) {
-        esito.messaggio = MessaggioScambio(scambio, QStringLiteral("CANCELLATO_SW_NO"), NomeVisibile(n));
-        esito.avvisi.push_back(
-            MessaggioScambio(QStringLiteral("ARCHIVI"), QStringLiteral("SOLALETTURA"), db.Percorso()));
+        esito.messaggio = MessaggioScambio(Messaggio("SCAMBIO", "CANCELLATO_SW_NO"), NomeVisibile(n));
+        esito.avvisi.push_back(MessaggioScambio(Messaggio("ARCHIVI", "SOLALETTURA"), db.Percorso()));
         return esito;
     }
     const bool riga = db.Cancella(u"PER_NOME", {n}) || db.Esito().ok();
@@ -52,14 +49,13 @@ EsitoScambio CancellaSoftware(const QString &percorsoApp, const QString &nome, c
         ToglieSolaLettura(s19, files);
         file = QFile::remove(s19);
         if (!file)
-            esito.avvisi.push_back(
-                MessaggioScambio(scambio, QStringLiteral("CANCELLAZIONE"), NomeVisibile(n)));
+            esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "CANCELLAZIONE"), NomeVisibile(n)));
     }
     esito.fatto = true;
     esito.voci = riga && file ? 1 : 0;
-    esito.messaggio = MessaggioScambio(
-        scambio, esito.voci ? QStringLiteral("CANCELLATO_SW") : QStringLiteral("CANCELLATO_SW_NO"),
-        NomeVisibile(n));
+    esito.messaggio = MessaggioScambio(esito.voci ? Messaggio("SCAMBIO", "CANCELLATO_SW")
+                                                  : Messaggio("SCAMBIO", "CANCELLATO_SW_NO"),
+                                       NomeVisibile(n));
     return esito;
 }
 

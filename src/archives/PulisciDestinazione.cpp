@@ -151,9 +151,8 @@ EsitoPulizia PulisciDestinazione(const CartellaScambio &destinazione, const QStr
 }
 
 AvvioCopiaSet AvviaCopiaSet(const QString &destinazione, const QString &percorsoApp,
-                            const DomandaScambio &domanda, const QString &chiaveVuota)
+                            const DomandaScambio &domanda, const Messaggio &vuota)
 {
-    const QString segnalazioni = QStringLiteral("SEGNALAZIONI");
     AvvioCopiaSet avvio;
     const auto rifiuto = [&avvio](const Messaggio &messaggio) {
         avvio.errore = EsitoScambio{false, messaggio, {}, 0};
@@ -164,18 +163,17 @@ AvvioCopiaSet AvviaCopiaSet(const QString &destinazione, const QString &percorso
     case EsitoCartellaScambio::Valida:
         break;
     case EsitoCartellaScambio::Vuota:
-        return rifiuto(MessaggioScambio(segnalazioni, chiaveVuota));
+        return rifiuto(MessaggioScambio(vuota));
     case EsitoCartellaScambio::Programma:
-        return rifiuto(MessaggioScambio(segnalazioni, QStringLiteral("SEGNALAZIONE_21")));
+        return rifiuto(MessaggioScambio(Segnalazione("SEGNALAZIONE_21")));
     case EsitoCartellaScambio::NonCartella:
-        return rifiuto(MessaggioScambio(QStringLiteral("SCAMBIO"), QStringLiteral("NON_CARTELLA"),
-                                        avvio.destinazione.percorso));
+        return rifiuto(MessaggioScambio(Messaggio("SCAMBIO", "NON_CARTELLA"), avvio.destinazione.percorso));
     }
-    if (!domanda(MessaggioScambio(segnalazioni, QStringLiteral("SEGNALAZIONE_16"))))
-        return rifiuto(MessaggioScambio(segnalazioni, QStringLiteral("SEGNALAZIONE_19")));
+    if (!domanda(MessaggioScambio(Segnalazione("SEGNALAZIONE_16"))))
+        return rifiuto(MessaggioScambio(Segnalazione("SEGNALAZIONE_19")));
     avvio.temp = PreparaTemp(percorsoApp);
     if (avvio.temp.isEmpty())
-        return rifiuto(MessaggioScambio(QStringLiteral("SCAMBIO"), QStringLiteral("TEMP"),
+        return rifiuto(MessaggioScambio(Messaggio("SCAMBIO", "TEMP"),
                                         PercorsoFile(percorsoApp, FileArchivi::CartellaTemp)));
     return avvio;
 }
@@ -183,19 +181,17 @@ AvvioCopiaSet AvviaCopiaSet(const QString &destinazione, const QString &percorso
 EsitoScambio ConsegnaSet(EsitoScambio esito, const CartellaScambio &destinazione, const QString &temp,
                          const QString &percorsoApp, TipoScambio tipo)
 {
-    const QString scambio = QStringLiteral("SCAMBIO");
-    const QString segnalazioni = QStringLiteral("SEGNALAZIONI");
     const EsitoPulizia pulizia = PulisciDestinazione(destinazione, temp, tipo);
     CancellaTemp(percorsoApp);
     if (pulizia == EsitoPulizia::CopiaFallita) {
-        esito.avvisi.push_back(MessaggioScambio(scambio, QStringLiteral("COPIA"), destinazione.percorso));
-        esito.messaggio = MessaggioScambio(segnalazioni, QStringLiteral("SEGNALAZIONE_19"));
+        esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "COPIA"), destinazione.percorso));
+        esito.messaggio = MessaggioScambio(Segnalazione("SEGNALAZIONE_19"));
         return esito;
     }
     if (pulizia == EsitoPulizia::Parziale)
-        esito.avvisi.push_back(MessaggioScambio(scambio, QStringLiteral("PULIZIA"), destinazione.percorso));
+        esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "PULIZIA"), destinazione.percorso));
     esito.fatto = true;
-    esito.messaggio = MessaggioScambio(segnalazioni, QStringLiteral("SEGNALAZIONE_20"));
+    esito.messaggio = MessaggioScambio(Segnalazione("SEGNALAZIONE_20"));
     return esito;
 }
 

@@ -50,7 +50,7 @@ enum class EsitoPulizia {
 EsitoPulizia PulisciDestinazione(const CartellaScambio &destinazione, const QString &temp, TipoScambio tipo);
 
 // The start of every copy to a medium: the target checked, the fitter's word taken, temp
-// made empty. On a refusal `errore` holds what to tell; chiaveVuota is the word for no target.
+// made empty. On a refusal `errore` holds what to tell; vuota is the word for no target.
 struct AvvioCopiaSet
 {
     CartellaScambio destinazione;
@@ -58,7 +58,7 @@ struct AvvioCopiaSet
     std::optional<EsitoScambio> errore;
 };
 AvvioCopiaSet AvviaCopiaSet(const QString &destinazione, const QString &percorsoApp,
-                            const DomandaScambio &domanda, const QString &chiaveVuota);
+                            const DomandaScambio &domanda, const Messaggio &vuota);
 
 // The end of every copy to a medium: the set in temp put on the target, temp emptied, and
 // the outcome told with what could not be cleaned or copied.

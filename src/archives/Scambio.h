@@ -50,11 +50,11 @@ bool NomeScambioValido(const QString &nome, int massimo);
 // A name from a medium as a message shows it: control characters made visible, cut short.
 QString NomeVisibile(const QString &nome);
 
-// The text of a key of the language file, trimmed, with testo in the place of "XXX".
-Messaggio MessaggioScambio(const QString &sezione, const QString &chiave, const QString &testo = {});
+// The text of m's key, trimmed, with testo in the place of "XXX".
+Messaggio MessaggioScambio(Messaggio m, const QString &testo = {});
 // The same with a count in place of XXX: the key with ".1" behind it says one, when the
 // language file has it.
-Messaggio MessaggioConteggio(const QString &sezione, const QString &chiave, int n);
+Messaggio MessaggioConteggio(Messaggio m, int n);
 
 // The work folder TEMP of the program, emptied and made again: what was in it goes, a link in
 // its place is removed, not followed. Empty when it cannot be made.

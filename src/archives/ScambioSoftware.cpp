@@ -13,9 +13,6 @@ namespace kv {
 
 namespace {
 
-const QString Scambio = QStringLiteral("SCAMBIO");
-const QString Segnalazioni = QStringLiteral("SEGNALAZIONI");
-const QString Ripri = QStringLiteral("RipriDiscoSW");
 constexpr QLatin1String Files19("FILES19");
 constexpr QLatin1String EstensioneS19(".S19");
 
@@ -99,15 +96,12 @@ QList<VoceSoftware> ElencoSoftware(const QString &percorsoApp, EsitoArchivio *es
 EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const QStringList &nomi,
                                  const QString &destinazione, const DomandaScambio &domanda)
 {
-    const auto segnalazione = [](const char *chiave) {
-        return MessaggioScambio(Segnalazioni, QString::fromLatin1(chiave));
-    };
     if (ElencoSoftware(percorsoApp).isEmpty())
-        return fine(false, segnalazione("SEGNALAZIONE_31"));
+        return fine(false, MessaggioScambio(Segnalazione("SEGNALAZIONE_31")));
     if (nomi.isEmpty())
-        return fine(false, segnalazione("SEGNALAZIONE_23"));
+        return fine(false, MessaggioScambio(Segnalazione("SEGNALAZIONE_23")));
     const AvvioCopiaSet avvio =
-        AvviaCopiaSet(destinazione, percorsoApp, domanda, QStringLiteral("SEGNALAZIONE_32"));
+        AvviaCopiaSet(destinazione, percorsoApp, domanda, Segnalazione("SEGNALAZIONE_32"));
     if (avvio.errore)
         return *avvio.errore;
     const CartellaScambio &meta = avvio.destinazione;
@@ -118,7 +112,7 @@ EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const QStringList &
         || !ApriArchivioSoftware(temp, FileArchivi::FileTempSoftware, set)) {
         const EsitoArchivio e = locale.Aperto() ? set.Esito() : locale.Esito();
         CancellaTemp(percorsoApp);
-        return fine(false, segnalazione("SEGNALAZIONE_19"), {MessaggioArchivio(e)});
+        return fine(false, MessaggioScambio(Segnalazione("SEGNALAZIONE_19")), {MessaggioArchivio(e)});
     }
     const QString files = CartellaFiles19(percorsoApp);
     const QString filesSet = temp + u'/' + Files19;
@@ -127,10 +121,10 @@ EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const QStringList &
     for (const QString &n : nomi) {
         const QString nome = n.trimmed();
         if (!NomeScambioValido(nome, lunghezzaNome()) || fatti.contains(ChiavePiegata(nome))) {
-            esito.avvisi.push_back(MessaggioScambio(
-                Scambio,
-                fatti.contains(ChiavePiegata(nome)) ? QStringLiteral("DOPPIO") : QStringLiteral("NOME"),
-                NomeVisibile(nome)));
+            esito.avvisi.push_back(MessaggioScambio(fatti.contains(ChiavePiegata(nome))
+                                                        ? Messaggio("SCAMBIO", "DOPPIO")
+                                                        : Messaggio("SCAMBIO", "NOME"),
+                                                    NomeVisibile(nome)));
             continue;
         }
         fatti.insert(ChiavePiegata(nome));
@@ -147,9 +141,9 @@ EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const QStringList &
         if (DentroRadice(file, files) && QFileInfo(file).isFile()) {
             if (CopiaFileScambio(file, filesSet + u'/' + nome + EstensioneS19, temp, MassimoFileScambio)
                 != EsitoCopia::Fatta)
-                esito.avvisi.push_back(MessaggioScambio(Scambio, QStringLiteral("SOLO_RIGA"), nome));
+                esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "SOLO_RIGA"), nome));
         } else {
-            esito.avvisi.push_back(MessaggioScambio(Scambio, QStringLiteral("SOLO_RIGA"), nome));
+            esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "SOLO_RIGA"), nome));
         }
         ++esito.voci;
     }
@@ -188,7 +182,7 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const QString &sorge
                                 const DomandaScambio &domanda)
 {
     if (nomi.isEmpty() || sorgente.trimmed().isEmpty())
-        return fine(false, MessaggioScambio(Segnalazioni, QStringLiteral("SEGNALAZIONE_23")));
+        return fine(false, MessaggioScambio(Segnalazione("SEGNALAZIONE_23")));
     const MediumScambio m = LeggiMediumScambio(percorsoApp, sorgente, TipoScambio::Software);
     if (!m.esito.fatto)
         return m.esito;
@@ -198,7 +192,7 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const QString &sorge
     const QString files = CartellaFiles19(percorsoApp);
     if (!ApriArchivioSoftware(cartellaSoftware(percorsoApp), FileArchivi::FileSoftware, locale)
         || !CreaCartella(files) || !DentroRadice(files, percorsoApp)) {
-        esito.messaggio = MessaggioScambio(Ripri, QStringLiteral("SEGNALAZIONE1.4"));
+        esito.messaggio = MessaggioScambio(Messaggio("RipriDiscoSW", "SEGNALAZIONE1.4"));
         if (!locale.Esito().ok())
             esito.avvisi.push_back(MessaggioArchivio(locale.Esito()));
         CancellaTemp(percorsoApp);
@@ -208,21 +202,21 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const QString &sorge
     for (const QString &n : nomi) {
         const QString nome = n.trimmed();
         const QString visibile = NomeVisibile(nome);
-        const auto salta = [&](const char *chiave) {
-            esito.avvisi.push_back(MessaggioScambio(Scambio, QString::fromLatin1(chiave), visibile));
+        const auto salta = [&](Messaggio motivo) {
+            esito.avvisi.push_back(MessaggioScambio(std::move(motivo), visibile));
         };
         if (!NomeScambioValido(nome, lunghezzaNome())) {
-            salta("NOME");
+            salta(Messaggio("SCAMBIO", "NOME"));
             continue;
         }
         if (fatti.contains(ChiavePiegata(nome))) {
-            salta("DOPPIO");
+            salta(Messaggio("SCAMBIO", "DOPPIO"));
             continue;
         }
         fatti.insert(ChiavePiegata(nome));
         const QString origine = fileNelMedium(m, nome);
         if (origine.isEmpty()) {
-            salta("SENZA_FILE");
+            salta(Messaggio("SCAMBIO", "SENZA_FILE"));
             continue;
         }
         std::optional<QString> versione, nota;
@@ -236,21 +230,21 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const QString &sorge
         // The name as it is spelt here already, if it is.
         const QString file = PercorsoS19(files, nome);
         if (!DentroRadice(file, files) || QFileInfo(file).isDir()) {
-            salta("FUORI");
+            salta(Messaggio("SCAMBIO", "FUORI"));
             continue;
         }
         const QString qui = QFileInfo(file).fileName().chopped(EstensioneS19.size());
         const std::optional<RigaArchivio> riga = locale.Cerca(u"PER_NOME", {nome});
         if (riga || QFileInfo(file).isFile()) {
             const Messaggio testo =
-                MessaggioScambio(Ripri, QStringLiteral("SEGNALAZIONE1.1"),
+                MessaggioScambio(Messaggio("RipriDiscoSW", "SEGNALAZIONE1.1"),
                                  u' ' + nome + u'\\' + (riga ? riga->Testo(u"Versione") : QString()) + u' ');
             if (!domanda(testo))
                 continue;
         }
         const std::optional<QByteArray> prima = ContenutoPrecedente(file, files);
         if (!PosaFile(origine, file, files)) {
-            salta("SCRITTURA");
+            salta(Messaggio("SCAMBIO", "SCRITTURA"));
             continue;
         }
         RigaArchivio nuova = locale.NuovaRiga();
@@ -268,7 +262,7 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const QString &sorge
     ChiudiArchivioSoftware(locale);
     CancellaTemp(percorsoApp);
     esito.fatto = true;
-    esito.messaggio = MessaggioConteggio(Ripri, QStringLiteral("SEGNALAZIONE1.3"), esito.voci);
+    esito.messaggio = MessaggioConteggio(Messaggio("RipriDiscoSW", "SEGNALAZIONE1.3"), esito.voci);
     return esito;
 }
 

@@ -28,11 +28,9 @@ bool restaUnaMappa(const QString &cartella)
 EsitoScambio CancellaMappe(const QString &percorsoApp, const QList<ChiaveMappa> &mappe,
                            const DomandaScambio &domanda)
 {
-    const QString Scambio = QStringLiteral("SCAMBIO");
-    const QString Segnalazioni = QStringLiteral("SEGNALAZIONI");
     EsitoScambio esito;
     if (mappe.isEmpty()) {
-        esito.messaggio = MessaggioScambio(Segnalazioni, QStringLiteral("SEGNALAZIONE_27"));
+        esito.messaggio = MessaggioScambio(Segnalazione("SEGNALAZIONE_27"));
         return esito;
     }
     QStringList nomi;
@@ -40,25 +38,24 @@ EsitoScambio CancellaMappe(const QString &percorsoApp, const QList<ChiaveMappa> 
         nomi << NomeVisibile(TestoChiaveMappa(k.pulita()));
     // The names as they stand, and how many more below them.
     const bool altre = mappe.size() > MappeNellaDomanda;
-    Messaggio elenco = altre ? MessaggioScambio(Scambio, QStringLiteral("ALTRE"),
+    Messaggio elenco = altre ? MessaggioScambio(Messaggio("SCAMBIO", "ALTRE"),
                                                 QString::number(mappe.size() - MappeNellaDomanda))
                              : Messaggio();
     elenco.prima = nomi.join(u'\n') + (altre ? QStringLiteral("\n") : QString());
-    if (!domanda(MessaggioScambio(Segnalazioni, QStringLiteral("SEGNALAZIONE_30")).poi(elenco)))
+    if (!domanda(MessaggioScambio(Segnalazione("SEGNALAZIONE_30")).poi(elenco)))
         return esito;
 
     const QString radice = CartellaMappe(percorsoApp);
     Archivio db;
     if (!ApriArchivioMappe(radice, FileArchivi::FileMappe, db)) {
-        esito.messaggio = MessaggioScambio(Segnalazioni, QStringLiteral("SEGNALAZIONE_28"));
+        esito.messaggio = MessaggioScambio(Segnalazione("SEGNALAZIONE_28"));
         esito.avvisi.push_back(MessaggioArchivio(db.Esito()));
         return esito;
     }
     // A catalogue that can only be read would keep rows whose files were gone.
     if (db.SoloLettura()) {
-        esito.messaggio = MessaggioScambio(Scambio, QStringLiteral("CANCELLATE_NESSUNA"));
-        esito.avvisi.push_back(
-            MessaggioScambio(QStringLiteral("ARCHIVI"), QStringLiteral("SOLALETTURA"), db.Percorso()));
+        esito.messaggio = MessaggioScambio(Messaggio("SCAMBIO", "CANCELLATE_NESSUNA"));
+        esito.avvisi.push_back(MessaggioScambio(Messaggio("ARCHIVI", "SOLALETTURA"), db.Percorso()));
         return esito;
     }
     for (const ChiaveMappa &m : mappe) {
@@ -71,13 +68,13 @@ EsitoScambio CancellaMappe(const QString &percorsoApp, const QList<ChiaveMappa> 
         const PercorsoMappa p = PercorsoFileMappa(percorsoApp, k, NomiMappa::Esistenti);
         if (!p.ok()) {
             if (k.completa())
-                esito.avvisi.push_back(MessaggioScambio(Scambio, QStringLiteral("FUORI_CANCELLA"), visibile));
+                esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "FUORI_CANCELLA"), visibile));
             continue;
         }
         if (EsisteMappa(p)) {
             ToglieSolaLettura(p.file, radice);
             if (!QFile::remove(p.file)) {
-                esito.avvisi.push_back(MessaggioScambio(Scambio, QStringLiteral("CANCELLAZIONE"), visibile));
+                esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "CANCELLAZIONE"), visibile));
                 continue;
             }
         }
@@ -90,12 +87,12 @@ EsitoScambio CancellaMappe(const QString &percorsoApp, const QList<ChiaveMappa> 
     esito.fatto = true;
     // The closing line says what happened, whatever the lines below it tell.
     if (esito.voci == mappe.size())
-        esito.messaggio = MessaggioScambio(Segnalazioni, QStringLiteral("SEGNALAZIONE_29"));
+        esito.messaggio = MessaggioScambio(Segnalazione("SEGNALAZIONE_29"));
     else if (esito.voci == 0)
-        esito.messaggio = MessaggioScambio(Scambio, QStringLiteral("CANCELLATE_NESSUNA"));
+        esito.messaggio = MessaggioScambio(Messaggio("SCAMBIO", "CANCELLATE_NESSUNA"));
     else
         esito.messaggio =
-            MessaggioScambio(Scambio, QStringLiteral("CANCELLATE_PARTE"), QString::number(esito.voci))
+            MessaggioScambio(Messaggio("SCAMBIO", "CANCELLATE_PARTE"), QString::number(esito.voci))
                 .con(QStringLiteral("YYY"), QString::number(mappe.size()));
     return esito;
 }

@@ -34,7 +34,7 @@ class TestScambio : public QObject
     QString p(const QString &relativo) const { return m_dir->filePath(relativo); }
     QString testo(const char *sezione, const char *chiave, const QString &al = {}) const
     {
-        return lingua.testo(MessaggioScambio(QString::fromLatin1(sezione), QString::fromLatin1(chiave), al));
+        return lingua.testo(MessaggioScambio(Messaggio(sezione, chiave), al));
     }
     QString testo(const Messaggio &m) const { return lingua.testo(m); }
     QStringList avvisi(const EsitoScambio &esito) const

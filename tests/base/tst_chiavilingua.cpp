@@ -128,11 +128,6 @@ private slots:
                << "ACTPOS.UM";
         QTest::newRow("PAR_CANALI") << "PAR_CANALI" << canali;
         QTest::newRow("ERRORI") << "ERRORI" << indici("ERR_0", 1, 7) + QStringList{"ERR_99"};
-        QTest::newRow("SEGNALAZIONI")
-            << "SEGNALAZIONI"
-            << indici("SEGNALAZIONE_", 1, 23) + indici("SEGNALAZIONE_", 26, 32)
-                   + indici("SEGNALAZIONE_", 50, 50) + indici("SEGNALAZIONE_", 54, 60)
-                   + QStringList{"TITOLO_1", "TITOLO_2"};
         QTest::newRow("TASTI") << "TASTI" << QStringList{"OK",         "ANNULLA",    "SI",        "NO",
                                                          "RIPROVA",    "INTERROMPI", "IGNORA",    "ESCI",
                                                          "SCEGLI",     "SALVA",      "APPLICA",   "MEMORIZZA",
@@ -156,21 +151,6 @@ private slots:
                                         + QStringList{"MENUIMP.0"};
         QTest::newRow("REGISTRAZIONE") << "REGISTRAZIONE" << indici("STATOREG.", 0, 2);
         QTest::newRow("Memorf") << "Memorf" << QStringList{"CAPTION", "SCHEDA"} + indici("LABSCHEDA.", 0, 3);
-        // The exchange and deletion pages, and the lines of what they pass over.
-        QTest::newRow("SCAMBIO") << "SCAMBIO"
-                                 << QStringList{"SFOGLIA",          "SCEGLI",        "MANCANTE",
-                                                "ELENCO",           "ALTRE",         "NOME",
-                                                "IMPIANTO",         "DOPPIO",        "FUORI",
-                                                "FUORI_CANCELLA",   "SENZA_FILE",    "GRANDE",
-                                                "SOLO_RIGA",        "SCRITTURA",     "CANCELLAZIONE",
-                                                "CANCELLA_SW",      "CANCELLATO_SW", "TEMP",
-                                                "LETTURA",          "COPIA",         "PULIZIA",
-                                                "NON_CARTELLA",     "SORGENTE_APP",  "CATALOGO",
-                                                "CATALOGO_ASSENTE", "IN_CORSO"};
-        // Why a file or a name is refused, by the kind of fault, and what a deletion left.
-        QTest::newRow("SCAMBIO, refusals")
-            << "SCAMBIO"
-            << QStringList{"NON_MAPPA", "CANCELLATE_NESSUNA", "CANCELLATE_PARTE", "CANCELLATO_SW_NO"};
         QTest::newRow("ProgSW") << "ProgSW" << indici("S19.", 1, 10);
         QTest::newRow("ProgMappe") << "ProgMappe" << indici("MAPPA.", 1, 5);
         QTest::newRow("ReadMappe") << "ReadMappe" << indici("NOME.", 1, 5);
@@ -178,16 +158,14 @@ private slots:
         QTest::newRow("CreaDiscoMappe")
             << "CreaDiscoMappe" << QStringList{"CAPTION"} + indici("LABCD.", 0, 2) + bottoni;
         QTest::newRow("RipriMappe") << "RipriMappe"
-                                    << QStringList{"CAPTION"} + indici("LABSALVA.", 0, 2) + bottoni
-                                           + indici("SEGNALAZIONE_", 1, 4);
+                                    << QStringList{"CAPTION"} + indici("LABSALVA.", 0, 2) + bottoni;
         QTest::newRow("CancelMappe") << "CancelMappe"
                                      << QStringList{"CAPTION"} + indici("LABCD.", 0, 1) + bottoni;
         const QStringList campiSW = indici("LABSW.", 0, 1);
         QTest::newRow("CreaDiscoSW") << "CreaDiscoSW"
                                      << QStringList{"CAPTION", "BOXCREADISCO", "BOXDESTINAZIONE"} + campiSW;
-        QTest::newRow("RipriDiscoSW") << "RipriDiscoSW"
-                                      << QStringList{"CAPTION", "BOXSORGENTE", "BOXRIPRIDISCO"} + campiSW
-                                             + indici("SEGNALAZIONE1.", 1, 4);
+        QTest::newRow("RipriDiscoSW")
+            << "RipriDiscoSW" << QStringList{"CAPTION", "BOXSORGENTE", "BOXRIPRIDISCO"} + campiSW;
         QTest::newRow("CancelSW") << "CancelSW" << QStringList{"CAPTION", "BOXCANCEL"} + campiSW;
         // The compare page names an entry no page row shows by its catalogue name.
         QStringList confronto = {

@@ -102,7 +102,7 @@ void PaginaElenchiMappe::carica()
     }
     const QMap<QString, QString> marchi = CaricoMarchi(programma().PercorsoApp);
     for (ModelloAlberoMappe *m : m_modelli) {
-        m->impostaTestoMancante(testo(QStringLiteral("SCAMBIO"), QStringLiteral("MANCANTE")));
+        m->impostaTestoMancante(testo(Messaggio("SCAMBIO", "MANCANTE")));
         m->impostaMarchi(marchi);
     }
 
@@ -195,9 +195,8 @@ void PaginaElenchiMappe::ScegliSorgente(const QString &sorgente)
     m_selezione.imposta(letta.albero);
     aggiornaElenchi();
     if (letta.esito.fatto && letta.esito.messaggio.vuoto())
-        letta.esito.messaggio =
-            MessaggioScambio(QStringLiteral("SCAMBIO"), QStringLiteral("ELENCO"),
-                             QString::number(letta.albero.foglie(AlberoMappe::Radice).size()));
+        letta.esito.messaggio = MessaggioScambio(
+            Messaggio("SCAMBIO", "ELENCO"), QString::number(letta.albero.foglie(AlberoMappe::Radice).size()));
     mostra(letta.esito);
 }
 
@@ -208,7 +207,7 @@ void PaginaElenchiMappe::Comando()
     mostra({});
     switch (m_funzione) {
     case Funzione::CreaDisco: {
-        mostraSegnalazione(testo(QStringLiteral("SCAMBIO"), QStringLiteral("IN_CORSO")));
+        mostraSegnalazione(testo(Messaggio("SCAMBIO", "IN_CORSO")));
         Attesa attesa;
         mostra(ScriviDiscoMappe(app, m_selezione.chiavi(), cartella()->cartella(), domanda));
         break;
@@ -221,11 +220,11 @@ void PaginaElenchiMappe::Comando()
         }
         if (m_selezione.vuota() || m_sorgente.isEmpty()) {
             QApplication::beep();
-            mostraSegnalazione(testo(QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_17")));
+            mostraSegnalazione(testo(Segnalazione("SEGNALAZIONE_17")));
             cartella()->setFocus(Qt::OtherFocusReason);
             return;
         }
-        mostraSegnalazione(testo(QStringLiteral("SEGNALAZIONE_2")));
+        mostraSegnalazione(testo(Messaggio("RipriMappe", "SEGNALAZIONE_2")));
         Attesa attesa;
         mostra(RipristinaMappe(app, m_sorgente, m_selezione.chiavi(), domanda));
         QApplication::beep();

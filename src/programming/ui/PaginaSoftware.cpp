@@ -138,7 +138,7 @@ void PaginaSoftware::carica()
 
 void PaginaSoftware::riempi(const QList<VoceSoftware> &voci)
 {
-    const QString mancante = testo(QStringLiteral("SCAMBIO"), QStringLiteral("MANCANTE"));
+    const QString mancante = testo(Messaggio("SCAMBIO", "MANCANTE"));
     m_lista->clear();
     for (const VoceSoftware &v : voci) {
         auto *voce = new QListWidgetItem(v.suDisco ? v.nome : v.nome + u' ' + mancante, m_lista);
@@ -189,8 +189,8 @@ void PaginaSoftware::ScegliSorgente(const QString &sorgente)
     }
     riempi(letta.voci);
     if (letta.esito.fatto && letta.esito.messaggio.vuoto())
-        letta.esito.messaggio = MessaggioScambio(QStringLiteral("SCAMBIO"), QStringLiteral("ELENCO"),
-                                                 QString::number(letta.voci.size()));
+        letta.esito.messaggio =
+            MessaggioScambio(Messaggio("SCAMBIO", "ELENCO"), QString::number(letta.voci.size()));
     mostra(letta.esito);
 }
 
@@ -201,7 +201,7 @@ void PaginaSoftware::Comando()
     mostra({});
     switch (m_funzione) {
     case Funzione::CreaDisco: {
-        mostraSegnalazione(testo(QStringLiteral("SCAMBIO"), QStringLiteral("IN_CORSO")));
+        mostraSegnalazione(testo(Messaggio("SCAMBIO", "IN_CORSO")));
         Attesa attesa;
         const EsitoScambio esito = ScriviDiscoSoftware(app, nomi(true), cartella()->cartella(), domanda);
         // No target named: the fitter is taken to the field.
@@ -222,7 +222,7 @@ void PaginaSoftware::Comando()
             cartella()->setFocus(Qt::OtherFocusReason);
             return;
         }
-        mostraSegnalazione(testo(QStringLiteral("SEGNALAZIONE1.2")));
+        mostraSegnalazione(testo(Messaggio("RipriDiscoSW", "SEGNALAZIONE1.2")));
         Attesa attesa;
         mostra(RipristinaSoftware(app, m_sorgente, nomi(false), domanda));
         break;
@@ -233,7 +233,7 @@ void PaginaSoftware::Comando()
         const QListWidgetItem *voce = m_lista->currentItem();
         const QString nome = voce && voce->isSelected() ? voce->data(RuoloNome).toString() : QString();
         if (nome.isEmpty()) {
-            avvisa(testo(QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_13")));
+            avvisa(testo(Segnalazione("SEGNALAZIONE_13")));
             return;
         }
         QApplication::beep();

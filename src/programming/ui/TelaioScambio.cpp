@@ -101,18 +101,18 @@ void TelaioScambio::impostaModale(Modale modale)
 
 QString TelaioScambio::testo(const QString &chiave) const
 {
-    return testo(m_sezione, chiave);
+    return testo(Messaggio(m_sezione, chiave));
 }
 
-QString TelaioScambio::testo(const QString &sezione, const QString &chiave) const
+QString TelaioScambio::testo(const Messaggio &m) const
 {
-    return m_programma.lingua.LeggiTesto(sezione, chiave).trimmed();
+    return m_programma.lingua.testo(m).trimmed();
 }
 
 void TelaioScambio::caricaTesti(const QString &tastoComando, const QString &etichettaCartella)
 {
     setWindowTitle(testo(QStringLiteral("CAPTION")));
-    m_comando->setText(QLatin1Char('&') + testo(QStringLiteral("TASTI"), tastoComando)
+    m_comando->setText(QLatin1Char('&') + testo(Messaggio(QStringLiteral("TASTI"), tastoComando))
                        + QStringLiteral("  (F2)"));
     m_esci->setText(QLatin1Char('&') + m_programma.lingua.LeggiTesto("TASTI", "ESCI").trimmed()
                     + QStringLiteral("  (Esc)"));
@@ -161,8 +161,7 @@ bool TelaioScambio::chiedi(const Messaggio &m)
     const bool attesa = QApplication::overrideCursor() != nullptr;
     if (attesa)
         QApplication::restoreOverrideCursor();
-    const int risposta =
-        m_domanda(t, FlagDomandaMappe, testo(QStringLiteral("SEGNALAZIONI"), QStringLiteral("TITOLO_1")));
+    const int risposta = m_domanda(t, FlagDomandaMappe, testo(Segnalazione("TITOLO_1")));
     if (attesa)
         QApplication::setOverrideCursor(Qt::WaitCursor);
     return risposta == RispostaSiMappe;
@@ -170,7 +169,7 @@ bool TelaioScambio::chiedi(const Messaggio &m)
 
 void TelaioScambio::avvisa(const QString &t)
 {
-    m_domanda(t, FlagInformazione, testo(QStringLiteral("SEGNALAZIONI"), QStringLiteral("TITOLO_1")));
+    m_domanda(t, FlagInformazione, testo(Segnalazione("TITOLO_1")));
 }
 
 } // namespace kv

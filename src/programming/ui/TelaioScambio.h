@@ -68,7 +68,7 @@ protected:
     QPushButton *comando() const { return m_comando; }
     QPushButton *esci() const { return m_esci; }
     QString testo(const QString &chiave) const;
-    QString testo(const QString &sezione, const QString &chiave) const;
+    QString testo(const Messaggio &m) const;
     // Caption, the two buttons (the command's caption by its key of TASTI), the folder's label.
     void caricaTesti(const QString &tastoComando, const QString &etichettaCartella);
 
