@@ -167,7 +167,10 @@ int main(int argc, char *argv[])
     RegistraProgSW(finestra);
     RegistraPagineScambio(finestra);
     SequenzaTaratura &taratura = RegistraPagineTaratura(finestra);
-    Avvio::esegui(programma);
+    programma.lingua.LeggiImpLingua();
+    Avvio::esegui(programma, [&programma](const QString &s, const QString &k) {
+        return programma.lingua.LeggiTesto(s, k);
+    });
     PreparaRilascioDemo(programma.PercorsoApp, programma.lingua);
     finestra.avvia();
     finestra.showNormal();

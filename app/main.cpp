@@ -69,7 +69,8 @@ int soloVisore(const QString &file, const QString &home)
             lingua.PercorsoApp = cartella;
     lingua.LeggiImpLingua();
     TabellaCanali canali;
-    canali.InizializzaCanali(lingua);
+    canali.InizializzaCanali(
+        [&lingua](const QString &s, const QString &k) { return lingua.LeggiTesto(s, k); });
     Visore visore(percorsoApp, lingua, canali);
     visore.permettiSchede(false);
     visore.resize(1280, 780);
@@ -199,7 +200,10 @@ int main(int argc, char *argv[])
     if (inDemo)
         InstallaMenuOperatore(finestra, ecuDemo);
 
-    Avvio::esegui(programma);
+    const Lingua &lingua = programma.lingua;
+    programma.lingua.LeggiImpLingua();
+    Avvio::esegui(programma,
+                  [&lingua](const QString &s, const QString &k) { return lingua.LeggiTesto(s, k); });
     // Something to flash into the simulated ECU, when the home has no release of its own.
     if (inDemo)
         PreparaRilascioDemo(programma.PercorsoApp, programma.lingua);

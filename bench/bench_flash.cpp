@@ -43,7 +43,7 @@ class Vista : public VistaProgSW
 {
 public:
     explicit Vista(QEventLoop &ciclo) : m_ciclo(ciclo) {}
-    void mostraSegnalazione(const QString &testo) override { ultima = testo; }
+    void mostraSegnalazione(const Messaggio &testo) override { ultima = testo; }
     void abilitaPagina(bool abilitata) override
     {
         if (abilitata)
@@ -51,9 +51,9 @@ public:
     }
     void mostraBarra(bool) override {}
     void impostaBarra(int) override {}
-    void mostraMsg(const QString &testo, int, const QString &) override { ultima = testo; }
-    bool chiedi(const QString &, const QString &) override { return true; }
-    QString ultima;
+    void mostraMsg(const Messaggio &testo, int, const Messaggio &) override { ultima = testo; }
+    bool chiedi(const Messaggio &, const Messaggio &) override { return true; }
+    Messaggio ultima;
 
 private:
     QEventLoop &m_ciclo;
@@ -257,7 +257,7 @@ public:
         }
         QEventLoop ciclo;
         Vista vista(ciclo);
-        DialogoProgSW dialogo(m_programma->linea, m_programma->PercorsoApp, m_programma->lingua, vista);
+        DialogoProgSW dialogo(m_programma->linea, m_programma->PercorsoApp, vista);
         dialogo.scegli(QStringLiteral("BENCH"));
         QTimer::singleShot(120000, &ciclo, &QEventLoop::quit);
         m_porta->tempi.clear();
@@ -271,7 +271,7 @@ public:
         e.programmaMediano = mediana(m_porta->tempi);
         e.programmaMedio = media(m_porta->tempi);
         e.programmaTotale = e.programmaMedio * static_cast<double>(m_porta->tempi.size()) / 1000.0;
-        e.riuscito = vista.ultima == m_programma->lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_12");
+        e.riuscito = vista.ultima == Segnalazione(QStringLiteral("SEGNALAZIONE_12"));
         // The last byte of the reply reaches the program just after the ECU has sent it.
         QThread::msleep(5);
         QMutexLocker blocco(&m_oss.mutex);
@@ -284,7 +284,8 @@ public:
         e.giroMedio = media(m_oss.giri);
         e.ritardoMedio = media(m_oss.ritardi);
         if (!e.riuscito)
-            std::fprintf(stderr, "the flash did not go through: %s\n", qPrintable(vista.ultima));
+            std::fprintf(stderr, "the flash did not go through: %s\n",
+                         qPrintable(m_programma->lingua.testo(vista.ultima)));
         return e;
     }
 

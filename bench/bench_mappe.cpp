@@ -48,9 +48,9 @@ struct VistaCronometro : VistaMappe
     QElapsedTimer orologio;
     QEventLoop *ciclo = nullptr;
     double linea = 0;
-    QString ultima;
+    Messaggio ultima;
 
-    void mostraSegnalazione(const QString &testo) override { ultima = testo; }
+    void mostraSegnalazione(const Messaggio &testo) override { ultima = testo; }
     void abilitaPagina(bool abilitata) override
     {
         if (!abilitata)
@@ -61,7 +61,7 @@ struct VistaCronometro : VistaMappe
     void mostraAvanzamento(int, int) override {}
     void nascondiAvanzamento() override {}
     void beep() override {}
-    int domanda(const QString &, int, const QString &) override { return RispostaSiMappe; }
+    int domanda(const Messaggio &, int, const Messaggio &) override { return RispostaSiMappe; }
     void chiudiPagina() override {}
 };
 
@@ -146,7 +146,7 @@ int misura(Collegamento linea)
     QObject::connect(&guardia, &QTimer::timeout, &ciclo, &QEventLoop::quit);
     for (int i = 0; i < Prove; ++i) {
         {
-            LetturaMappe lettura(p, vista);
+            LetturaMappe lettura(p.linea, p.PercorsoApp, p.catalogo, vista);
             vista.orologio.start();
             guardia.start(10000);
             lettura.Leggi(chiave, QStringLiteral("bench"));
@@ -157,7 +157,7 @@ int misura(Collegamento linea)
                 ++lette.fallite;
         }
         {
-            ScritturaMappe scrittura(p, vista);
+            ScritturaMappe scrittura(p.linea, p.PercorsoApp, vista);
             vista.orologio.start();
             guardia.start(10000);
             scrittura.ProgrammaMappa(chiave, false);

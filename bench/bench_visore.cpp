@@ -51,7 +51,8 @@ void canaliInglesi(Lingua &lingua, TabellaCanali &canali)
 {
     lingua.PercorsoApp = QStringLiteral(KV_SOURCE_DIR "/lang");
     lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-    canali.InizializzaCanali(lingua);
+    canali.InizializzaCanali(
+        [&lingua](const QString &s, const QString &k) { return lingua.LeggiTesto(s, k); });
 }
 
 // A drive: the engine's speed swings between idle and 4000 RPM, throttle and lambda follow,

@@ -62,7 +62,8 @@ int acq2csv(const QStringList &argomenti)
             lingua.PercorsoApp = cartella;
     lingua.LeggiImpLingua();
     TabellaCanali canali;
-    canali.InizializzaCanali(lingua);
+    canali.InizializzaCanali(
+        [&lingua](const QString &s, const QString &k) { return lingua.LeggiTesto(s, k); });
 
     const auto scrivi = [&](QIODevice &d) {
         return ScriviCsv(registrazione, canali, 0, registrazione.campioni(), d);

@@ -2,7 +2,6 @@
 
 #include "archives/Cartelle.h"
 #include "base/FileSystem.h"
-#include "base/Lingua.h"
 
 #include <QDir>
 #include <QFile>
@@ -87,42 +86,42 @@ bool nomeSemplice(const QString &n)
 
 } // namespace
 
-QString TestoEsitoArchivio(const Lingua &lingua, const EsitoArchivio &esito)
+Messaggio MessaggioArchivio(const EsitoArchivio &esito)
 {
-    QString t;
+    Messaggio m;
     switch (esito.errore) {
     case ErroreArchivio::Nessuno:
         return {};
     case ErroreArchivio::FileEstraneo:
-        t = lingua.LeggiTesto(QStringLiteral("ARCHIVI"), QStringLiteral("ESTRANEO"));
+        m = Messaggio("ARCHIVI", "ESTRANEO");
         break;
     case ErroreArchivio::Danneggiato:
-        t = lingua.LeggiTesto(QStringLiteral("ARCHIVI"), QStringLiteral("DANNEGGIATO"));
+        m = Messaggio("ARCHIVI", "DANNEGGIATO");
         break;
     case ErroreArchivio::Bloccato:
-        t = lingua.LeggiTesto(QStringLiteral("ARCHIVI"), QStringLiteral("BLOCCATO"));
+        m = Messaggio("ARCHIVI", "BLOCCATO");
         break;
     case ErroreArchivio::NonApribile:
     case ErroreArchivio::Uso:
-        t = lingua.LeggiTesto(QStringLiteral("ARCHIVI"), QStringLiteral("APERTURA"));
+        m = Messaggio("ARCHIVI", "APERTURA");
         break;
     case ErroreArchivio::SolaLettura:
-        t = lingua.LeggiTesto(QStringLiteral("ARCHIVI"), QStringLiteral("SOLALETTURA"));
+        m = Messaggio("ARCHIVI", "SOLALETTURA");
         break;
     case ErroreArchivio::Scrittura:
-        t = lingua.LeggiTesto(QStringLiteral("ARCHIVI"), QStringLiteral("SCRITTURA"));
+        m = Messaggio("ARCHIVI", "SCRITTURA");
         break;
     case ErroreArchivio::ChiaveDuplicata:
-        t = lingua.LeggiTesto(QStringLiteral("ARCHIVI"), QStringLiteral("DUPLICATA"));
+        m = Messaggio("ARCHIVI", "DUPLICATA");
         break;
     case ErroreArchivio::TestoTroppoLungo:
-        t = lingua.LeggiTesto(QStringLiteral("ARCHIVI"), QStringLiteral("LUNGO"));
+        m = Messaggio("ARCHIVI", "LUNGO");
         break;
     case ErroreArchivio::ChiaveMancante:
-        t = lingua.LeggiTesto(QStringLiteral("ARCHIVI"), QStringLiteral("CHIAVE"));
+        m = Messaggio("ARCHIVI", "CHIAVE");
         break;
     }
-    return t.replace(QLatin1String("XXX"), QDir::toNativeSeparators(esito.file));
+    return m.con(QStringLiteral("XXX"), QDir::toNativeSeparators(esito.file));
 }
 
 // ---- open and close --------------------------------------------------------------------

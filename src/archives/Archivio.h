@@ -1,6 +1,7 @@
 #pragma once
 
 #include "archives/SchemaArchivi.h"
+#include "base/Messaggio.h"
 
 #include <QSqlDatabase>
 #include <QString>
@@ -11,8 +12,6 @@
 class QSqlError;
 
 namespace kv {
-
-class Lingua;
 
 enum class ErroreArchivio {
     Nessuno,
@@ -36,9 +35,8 @@ struct EsitoArchivio
     bool ok() const { return errore == ErroreArchivio::Nessuno; }
 };
 
-// The message for the user, from the language file, with the file's path in place of "XXX".
-// Empty for Nessuno.
-QString TestoEsitoArchivio(const Lingua &lingua, const EsitoArchivio &esito);
+// The message for the user, with the file's path in place of "XXX". Empty for Nessuno.
+Messaggio MessaggioArchivio(const EsitoArchivio &esito);
 
 // One archive file open for one operation: its own connection, closed and removed when the
 // object goes (or by Chiudi), so nothing stays open between operations. One thread only.

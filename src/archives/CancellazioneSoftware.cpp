@@ -3,47 +3,40 @@
 #include "archives/Cartelle.h"
 #include "archives/ScambioSoftware.h"
 #include "base/FileSystem.h"
-#include "base/Lingua.h"
 
 #include <QFile>
 #include <QFileInfo>
 
 namespace kv {
 
-EsitoScambio CancellaSoftware(const QString &percorsoApp, const Lingua &lingua, const QString &nome,
-                              const DomandaScambio &domanda)
+EsitoScambio CancellaSoftware(const QString &percorsoApp, const QString &nome, const DomandaScambio &domanda)
 {
     EsitoScambio esito;
     const QString n = nome.trimmed();
     if (n.isEmpty()) {
-        esito.messaggio =
-            TestoScambio(lingua, QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_13"));
+        esito.messaggio = MessaggioScambio(Segnalazione("SEGNALAZIONE_13"));
         return esito;
     }
-    const QString testo =
-        TestoScambio(lingua, QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_26"))
-        + QStringLiteral("\n\n")
-        + TestoScambio(lingua, QStringLiteral("SCAMBIO"), QStringLiteral("CANCELLA_SW"), NomeVisibile(n));
+    const Messaggio testo = MessaggioScambio(Segnalazione("SEGNALAZIONE_26"))
+                                .poi(MessaggioScambio(Messaggio("SCAMBIO", "CANCELLA_SW"), NomeVisibile(n)));
     if (!domanda(testo))
         return esito;
 
-    const QString scambio = QStringLiteral("SCAMBIO");
     Archivio db;
     if (!ApriArchivioSoftware(PercorsoFile(percorsoApp, FileArchivi::CartellaSoftware),
                               FileArchivi::FileSoftware, db)) {
-        esito.messaggio = TestoEsitoArchivio(lingua, db.Esito());
+        esito.messaggio = MessaggioArchivio(db.Esito());
         return esito;
     }
     // A catalogue that can only be read would keep a row whose file was gone.
     if (db.SoloLettura()) {
-        esito.messaggio = TestoScambio(lingua, scambio, QStringLiteral("CANCELLATO_SW_NO"), NomeVisibile(n));
-        esito.avvisi << TestoScambio(lingua, QStringLiteral("ARCHIVI"), QStringLiteral("SOLALETTURA"),
-                                     db.Percorso());
+        esito.messaggio = MessaggioScambio(Messaggio("SCAMBIO", "CANCELLATO_SW_NO"), NomeVisibile(n));
+        esito.avvisi.push_back(MessaggioScambio(Messaggio("ARCHIVI", "SOLALETTURA"), db.Percorso()));
         return esito;
     }
     const bool riga = db.Cancella(u"PER_NOME", {n}) || db.Esito().ok();
     if (!riga)
-        esito.avvisi << TestoEsitoArchivio(lingua, db.Esito());
+        esito.avvisi.push_back(MessaggioArchivio(db.Esito()));
     ChiudiArchivioSoftware(db);
 
     // Only a plain file of FILES19 itself, whatever the name holds.
@@ -56,13 +49,13 @@ EsitoScambio CancellaSoftware(const QString &percorsoApp, const Lingua &lingua, 
         ToglieSolaLettura(s19, files);
         file = QFile::remove(s19);
         if (!file)
-            esito.avvisi << TestoScambio(lingua, scambio, QStringLiteral("CANCELLAZIONE"), NomeVisibile(n));
+            esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "CANCELLAZIONE"), NomeVisibile(n)));
     }
     esito.fatto = true;
     esito.voci = riga && file ? 1 : 0;
-    esito.messaggio = TestoScambio(
-        lingua, scambio, esito.voci ? QStringLiteral("CANCELLATO_SW") : QStringLiteral("CANCELLATO_SW_NO"),
-        NomeVisibile(n));
+    esito.messaggio = MessaggioScambio(esito.voci ? Messaggio("SCAMBIO", "CANCELLATO_SW")
+                                                  : Messaggio("SCAMBIO", "CANCELLATO_SW_NO"),
+                                       NomeVisibile(n));
     return esito;
 }
 

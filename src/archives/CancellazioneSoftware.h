@@ -6,12 +6,9 @@
 
 namespace kv {
 
-class Lingua;
-
 // CancelSW: after one question that names it, the catalogue row and the file
 // SOFTWARE/FILES19/<nome>.S19 go in one step. A missing row does not keep the file, nor the
 // reverse; an archive that cannot be opened keeps both. Nothing outside FILES19 is removed.
-EsitoScambio CancellaSoftware(const QString &percorsoApp, const Lingua &lingua, const QString &nome,
-                              const DomandaScambio &domanda);
+EsitoScambio CancellaSoftware(const QString &percorsoApp, const QString &nome, const DomandaScambio &domanda);
 
 } // namespace kv

@@ -150,12 +150,11 @@ EsitoPulizia PulisciDestinazione(const CartellaScambio &destinazione, const QStr
     return pulita ? EsitoPulizia::Fatta : EsitoPulizia::Parziale;
 }
 
-AvvioCopiaSet AvviaCopiaSet(const QString &destinazione, const QString &percorsoApp, const Lingua &lingua,
-                            const DomandaScambio &domanda, const QString &chiaveVuota)
+AvvioCopiaSet AvviaCopiaSet(const QString &destinazione, const QString &percorsoApp,
+                            const DomandaScambio &domanda, const Messaggio &vuota)
 {
-    const QString segnalazioni = QStringLiteral("SEGNALAZIONI");
     AvvioCopiaSet avvio;
-    const auto rifiuto = [&avvio](const QString &messaggio) {
+    const auto rifiuto = [&avvio](const Messaggio &messaggio) {
         avvio.errore = EsitoScambio{false, messaggio, {}, 0};
         return avvio;
     };
@@ -164,38 +163,35 @@ AvvioCopiaSet AvviaCopiaSet(const QString &destinazione, const QString &percorso
     case EsitoCartellaScambio::Valida:
         break;
     case EsitoCartellaScambio::Vuota:
-        return rifiuto(TestoScambio(lingua, segnalazioni, chiaveVuota));
+        return rifiuto(MessaggioScambio(vuota));
     case EsitoCartellaScambio::Programma:
-        return rifiuto(TestoScambio(lingua, segnalazioni, QStringLiteral("SEGNALAZIONE_21")));
+        return rifiuto(MessaggioScambio(Segnalazione("SEGNALAZIONE_21")));
     case EsitoCartellaScambio::NonCartella:
-        return rifiuto(TestoScambio(lingua, QStringLiteral("SCAMBIO"), QStringLiteral("NON_CARTELLA"),
-                                    avvio.destinazione.percorso));
+        return rifiuto(MessaggioScambio(Messaggio("SCAMBIO", "NON_CARTELLA"), avvio.destinazione.percorso));
     }
-    if (!domanda(TestoScambio(lingua, segnalazioni, QStringLiteral("SEGNALAZIONE_16"))))
-        return rifiuto(TestoScambio(lingua, segnalazioni, QStringLiteral("SEGNALAZIONE_19")));
+    if (!domanda(MessaggioScambio(Segnalazione("SEGNALAZIONE_16"))))
+        return rifiuto(MessaggioScambio(Segnalazione("SEGNALAZIONE_19")));
     avvio.temp = PreparaTemp(percorsoApp);
     if (avvio.temp.isEmpty())
-        return rifiuto(TestoScambio(lingua, QStringLiteral("SCAMBIO"), QStringLiteral("TEMP"),
-                                    PercorsoFile(percorsoApp, FileArchivi::CartellaTemp)));
+        return rifiuto(MessaggioScambio(Messaggio("SCAMBIO", "TEMP"),
+                                        PercorsoFile(percorsoApp, FileArchivi::CartellaTemp)));
     return avvio;
 }
 
 EsitoScambio ConsegnaSet(EsitoScambio esito, const CartellaScambio &destinazione, const QString &temp,
-                         const QString &percorsoApp, const Lingua &lingua, TipoScambio tipo)
+                         const QString &percorsoApp, TipoScambio tipo)
 {
-    const QString scambio = QStringLiteral("SCAMBIO");
-    const QString segnalazioni = QStringLiteral("SEGNALAZIONI");
     const EsitoPulizia pulizia = PulisciDestinazione(destinazione, temp, tipo);
     CancellaTemp(percorsoApp);
     if (pulizia == EsitoPulizia::CopiaFallita) {
-        esito.avvisi << TestoScambio(lingua, scambio, QStringLiteral("COPIA"), destinazione.percorso);
-        esito.messaggio = TestoScambio(lingua, segnalazioni, QStringLiteral("SEGNALAZIONE_19"));
+        esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "COPIA"), destinazione.percorso));
+        esito.messaggio = MessaggioScambio(Segnalazione("SEGNALAZIONE_19"));
         return esito;
     }
     if (pulizia == EsitoPulizia::Parziale)
-        esito.avvisi << TestoScambio(lingua, scambio, QStringLiteral("PULIZIA"), destinazione.percorso);
+        esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "PULIZIA"), destinazione.percorso));
     esito.fatto = true;
-    esito.messaggio = TestoScambio(lingua, segnalazioni, QStringLiteral("SEGNALAZIONE_20"));
+    esito.messaggio = MessaggioScambio(Segnalazione("SEGNALAZIONE_20"));
     return esito;
 }
 

@@ -50,19 +50,19 @@ enum class EsitoPulizia {
 EsitoPulizia PulisciDestinazione(const CartellaScambio &destinazione, const QString &temp, TipoScambio tipo);
 
 // The start of every copy to a medium: the target checked, the fitter's word taken, temp
-// made empty. On a refusal `errore` holds what to tell; chiaveVuota is the word for no target.
+// made empty. On a refusal `errore` holds what to tell; vuota is the word for no target.
 struct AvvioCopiaSet
 {
     CartellaScambio destinazione;
     QString temp;
     std::optional<EsitoScambio> errore;
 };
-AvvioCopiaSet AvviaCopiaSet(const QString &destinazione, const QString &percorsoApp, const Lingua &lingua,
-                            const DomandaScambio &domanda, const QString &chiaveVuota);
+AvvioCopiaSet AvviaCopiaSet(const QString &destinazione, const QString &percorsoApp,
+                            const DomandaScambio &domanda, const Messaggio &vuota);
 
 // The end of every copy to a medium: the set in temp put on the target, temp emptied, and
 // the outcome told with what could not be cleaned or copied.
 EsitoScambio ConsegnaSet(EsitoScambio esito, const CartellaScambio &destinazione, const QString &temp,
-                         const QString &percorsoApp, const Lingua &lingua, TipoScambio tipo);
+                         const QString &percorsoApp, TipoScambio tipo);
 
 } // namespace kv

@@ -3,7 +3,6 @@
 #include "archives/Cartelle.h"
 #include "archives/PulisciDestinazione.h"
 #include "base/FileSystem.h"
-#include "base/Lingua.h"
 
 #include <QDir>
 #include <QFile>
@@ -62,17 +61,17 @@ QString NomeVisibile(const QString &nome)
     return t.size() > Massimo ? t.left(Massimo) + QChar(0x2026) : t;
 }
 
-QString TestoScambio(const Lingua &lingua, const QString &sezione, const QString &chiave,
-                     const QString &testo)
+Messaggio MessaggioScambio(Messaggio m, const QString &testo)
 {
-    return lingua.LeggiTesto(sezione, chiave).trimmed().replace(QLatin1String("XXX"), testo);
+    m.ritaglia().con(QStringLiteral("XXX"), testo);
+    return m;
 }
 
-QString TestoConteggio(const Lingua &lingua, const QString &sezione, const QString &chiave, int n)
+Messaggio MessaggioConteggio(Messaggio m, int n)
 {
-    QString uno = lingua.LeggiTesto(sezione, chiave + QStringLiteral(".1")).trimmed();
-    return n == 1 && !uno.isEmpty() ? uno.replace(QLatin1String("XXX"), QString::number(n))
-                                    : TestoScambio(lingua, sezione, chiave, QString::number(n));
+    if (n == 1)
+        m.chiavePreferita = m.chiave + QStringLiteral(".1");
+    return MessaggioScambio(std::move(m), QString::number(n));
 }
 
 QString PreparaTemp(const QString &percorsoApp)
@@ -301,14 +300,12 @@ bool copiaAlbero(const QString &origine, const QString &meta, const QString &tem
 
 } // namespace
 
-MediumScambio LeggiMediumScambio(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente,
-                                 TipoScambio tipo)
+MediumScambio LeggiMediumScambio(const QString &percorsoApp, const QString &sorgente, TipoScambio tipo)
 {
-    const QString Sezione = QStringLiteral("SCAMBIO");
     MediumScambio m;
-    const auto errore = [&](const char *chiave, const QString &testo) {
+    const auto errore = [&](Messaggio motivo, const QString &testo) {
         m.esito.fatto = false;
-        m.esito.messaggio = TestoScambio(lingua, Sezione, QString::fromLatin1(chiave), testo);
+        m.esito.messaggio = MessaggioScambio(std::move(motivo), testo);
         m.righe.clear();
         CancellaTemp(percorsoApp);
         return m;
@@ -317,12 +314,12 @@ MediumScambio LeggiMediumScambio(const QString &percorsoApp, const Lingua &lingu
     if (cartella.esito == EsitoCartellaScambio::Vuota)
         return m;
     if (cartella.esito == EsitoCartellaScambio::Programma)
-        return errore("SORGENTE_APP", {});
+        return errore(Messaggio("SCAMBIO", "SORGENTE_APP"), {});
     if (!QFileInfo(cartella.percorso).isDir())
-        return errore("NON_CARTELLA", cartella.percorso);
+        return errore(Messaggio("SCAMBIO", "NON_CARTELLA"), cartella.percorso);
     m.temp = PreparaTemp(percorsoApp);
     if (m.temp.isEmpty())
-        return errore("TEMP", PercorsoFile(percorsoApp, FileArchivi::CartellaTemp));
+        return errore(Messaggio("SCAMBIO", "TEMP"), PercorsoFile(percorsoApp, FileArchivi::CartellaTemp));
 
     const FormaSet f = forma(tipo);
     const QString catalogo = TrovaFile(cartella.percorso, f.catalogo);
@@ -331,11 +328,11 @@ MediumScambio LeggiMediumScambio(const QString &percorsoApp, const Lingua &lingu
     case EsitoCopia::Fatta:
         break;
     case EsitoCopia::Mancante:
-        return errore("CATALOGO_ASSENTE", cartella.percorso);
+        return errore(Messaggio("SCAMBIO", "CATALOGO_ASSENTE"), cartella.percorso);
     case EsitoCopia::TroppoGrande:
-        return errore("CATALOGO", catalogo);
+        return errore(Messaggio("SCAMBIO", "CATALOGO"), catalogo);
     case EsitoCopia::Errore:
-        return errore("LETTURA", cartella.percorso);
+        return errore(Messaggio("SCAMBIO", "LETTURA"), cartella.percorso);
     }
     QStringList grandi;
     const QFileInfoList cartelle =
@@ -348,14 +345,14 @@ MediumScambio LeggiMediumScambio(const QString &percorsoApp, const Lingua &lingu
             continue;
         if (!copiaAlbero(d.filePath(), PercorsoFile(m.temp, d.fileName()), m.temp, f.livelli - 1,
                          f.estensione, cartella.percorso, grandi))
-            return errore("LETTURA", cartella.percorso);
+            return errore(Messaggio("SCAMBIO", "LETTURA"), cartella.percorso);
     }
     for (const QString &g : std::as_const(grandi))
-        m.esito.avvisi << TestoScambio(lingua, Sezione, QStringLiteral("GRANDE"), NomeVisibile(g));
+        m.esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "GRANDE"), NomeVisibile(g)));
 
     const CatalogoScambio letto = LeggiCatalogoScambio(copia, f.schema);
     if (!letto.esito.ok())
-        return errore("CATALOGO", catalogo);
+        return errore(Messaggio("SCAMBIO", "CATALOGO"), catalogo);
     m.righe = letto.righe;
     m.esito.fatto = true;
     return m;

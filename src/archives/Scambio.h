@@ -2,6 +2,7 @@
 
 #include "archives/Archivio.h"
 #include "archives/SchemaArchivi.h"
+#include "base/Messaggio.h"
 
 #include <QByteArray>
 #include <QList>
@@ -10,10 +11,9 @@
 
 #include <functional>
 #include <optional>
+#include <vector>
 
 namespace kv {
-
-class Lingua;
 
 // What the exchange media and the deletions share: how an operation reports, how a name
 // that comes from a medium is judged, the work folder TEMP, and the copies that never pass
@@ -22,10 +22,10 @@ class Lingua;
 // The end of a copy to a medium, a restore from one, or a deletion.
 struct EsitoScambio
 {
-    bool fatto = false; // the operation ran to its end (entries may still have been passed over)
-    QString messaggio;  // the closing message line
-    QStringList avvisi; // one line for each entry passed over or failed, in order
-    int voci = 0;       // entries written, restored or deleted
+    bool fatto = false;            // the operation ran to its end (entries may still have been passed over)
+    Messaggio messaggio;           // the closing message line
+    std::vector<Messaggio> avvisi; // one line for each entry passed over or failed, in order
+    int voci = 0;                  // entries written, restored or deleted
 };
 
 // What an exchange medium holds of ours.
@@ -35,7 +35,7 @@ enum class TipoScambio {
 };
 
 // A yes-or-no question to the fitter; true for yes.
-using DomandaScambio = std::function<bool(const QString &testo)>;
+using DomandaScambio = std::function<bool(const Messaggio &testo)>;
 
 // Sizes above which a file on a medium is not what it claims to be, and is not copied.
 inline constexpr qint64 MassimoCatalogoScambio = qint64(16) << 20;
@@ -50,12 +50,11 @@ bool NomeScambioValido(const QString &nome, int massimo);
 // A name from a medium as a message shows it: control characters made visible, cut short.
 QString NomeVisibile(const QString &nome);
 
-// The text of a key of the language file with testo in the place of "XXX".
-QString TestoScambio(const Lingua &lingua, const QString &sezione, const QString &chiave,
-                     const QString &testo = {});
+// The text of m's key, trimmed, with testo in the place of "XXX".
+Messaggio MessaggioScambio(Messaggio m, const QString &testo = {});
 // The same with a count in place of XXX: the key with ".1" behind it says one, when the
 // language file has it.
-QString TestoConteggio(const Lingua &lingua, const QString &sezione, const QString &chiave, int n);
+Messaggio MessaggioConteggio(Messaggio m, int n);
 
 // The work folder TEMP of the program, emptied and made again: what was in it goes, a link in
 // its place is removed, not followed. Empty when it cannot be made.
@@ -105,8 +104,7 @@ struct MediumScambio
     QString temp;              // the copy
     QList<RigaArchivio> righe; // its catalogue
 };
-MediumScambio LeggiMediumScambio(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente,
-                                 TipoScambio tipo);
+MediumScambio LeggiMediumScambio(const QString &percorsoApp, const QString &sorgente, TipoScambio tipo);
 
 // A file of the copy by its names, each level matched without regard to case; empty when it
 // is not there as a plain file inside the copy.

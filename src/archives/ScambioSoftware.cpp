@@ -3,7 +3,6 @@
 #include "archives/Cartelle.h"
 #include "archives/PulisciDestinazione.h"
 #include "base/FileSystem.h"
-#include "base/Lingua.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -14,9 +13,6 @@ namespace kv {
 
 namespace {
 
-const QString Scambio = QStringLiteral("SCAMBIO");
-const QString Segnalazioni = QStringLiteral("SEGNALAZIONI");
-const QString Ripri = QStringLiteral("RipriDiscoSW");
 constexpr QLatin1String Files19("FILES19");
 constexpr QLatin1String EstensioneS19(".S19");
 
@@ -31,7 +27,7 @@ QString cartellaSoftware(const QString &percorsoApp)
     return PercorsoFile(percorsoApp, FileArchivi::CartellaSoftware);
 }
 
-EsitoScambio fine(bool fatto, const QString &messaggio, QStringList avvisi = {}, int voci = 0)
+EsitoScambio fine(bool fatto, const Messaggio &messaggio, std::vector<Messaggio> avvisi = {}, int voci = 0)
 {
     return {fatto, messaggio, std::move(avvisi), voci};
 }
@@ -97,18 +93,15 @@ QList<VoceSoftware> ElencoSoftware(const QString &percorsoApp, EsitoArchivio *es
     return voci.values();
 }
 
-EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const Lingua &lingua, const QStringList &nomi,
+EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const QStringList &nomi,
                                  const QString &destinazione, const DomandaScambio &domanda)
 {
-    const auto segnalazione = [&lingua](const char *chiave) {
-        return TestoScambio(lingua, Segnalazioni, QString::fromLatin1(chiave));
-    };
     if (ElencoSoftware(percorsoApp).isEmpty())
-        return fine(false, segnalazione("SEGNALAZIONE_31"));
+        return fine(false, MessaggioScambio(Segnalazione("SEGNALAZIONE_31")));
     if (nomi.isEmpty())
-        return fine(false, segnalazione("SEGNALAZIONE_23"));
+        return fine(false, MessaggioScambio(Segnalazione("SEGNALAZIONE_23")));
     const AvvioCopiaSet avvio =
-        AvviaCopiaSet(destinazione, percorsoApp, lingua, domanda, QStringLiteral("SEGNALAZIONE_32"));
+        AvviaCopiaSet(destinazione, percorsoApp, domanda, Segnalazione("SEGNALAZIONE_32"));
     if (avvio.errore)
         return *avvio.errore;
     const CartellaScambio &meta = avvio.destinazione;
@@ -119,7 +112,7 @@ EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const Lingua &lingu
         || !ApriArchivioSoftware(temp, FileArchivi::FileTempSoftware, set)) {
         const EsitoArchivio e = locale.Aperto() ? set.Esito() : locale.Esito();
         CancellaTemp(percorsoApp);
-        return fine(false, segnalazione("SEGNALAZIONE_19"), {TestoEsitoArchivio(lingua, e)});
+        return fine(false, MessaggioScambio(Segnalazione("SEGNALAZIONE_19")), {MessaggioArchivio(e)});
     }
     const QString files = CartellaFiles19(percorsoApp);
     const QString filesSet = temp + u'/' + Files19;
@@ -128,10 +121,10 @@ EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const Lingua &lingu
     for (const QString &n : nomi) {
         const QString nome = n.trimmed();
         if (!NomeScambioValido(nome, lunghezzaNome()) || fatti.contains(ChiavePiegata(nome))) {
-            esito.avvisi << TestoScambio(lingua, Scambio,
-                                         fatti.contains(ChiavePiegata(nome)) ? QStringLiteral("DOPPIO")
-                                                                             : QStringLiteral("NOME"),
-                                         NomeVisibile(nome));
+            esito.avvisi.push_back(MessaggioScambio(fatti.contains(ChiavePiegata(nome))
+                                                        ? Messaggio("SCAMBIO", "DOPPIO")
+                                                        : Messaggio("SCAMBIO", "NOME"),
+                                                    NomeVisibile(nome)));
             continue;
         }
         fatti.insert(ChiavePiegata(nome));
@@ -141,29 +134,29 @@ EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const Lingua &lingu
         riga.Imposta(u"Versione", qui ? qui->Campo(u"Versione") : std::nullopt);
         riga.Imposta(u"NOTE", qui ? qui->Campo(u"NOTE") : std::nullopt);
         if (!set.Salva(riga)) {
-            esito.avvisi << TestoEsitoArchivio(lingua, set.Esito());
+            esito.avvisi.push_back(MessaggioArchivio(set.Esito()));
             continue;
         }
         const QString file = PercorsoS19(files, nome);
         if (DentroRadice(file, files) && QFileInfo(file).isFile()) {
             if (CopiaFileScambio(file, filesSet + u'/' + nome + EstensioneS19, temp, MassimoFileScambio)
                 != EsitoCopia::Fatta)
-                esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("SOLO_RIGA"), nome);
+                esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "SOLO_RIGA"), nome));
         } else {
-            esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("SOLO_RIGA"), nome);
+            esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "SOLO_RIGA"), nome));
         }
         ++esito.voci;
     }
     ChiudiArchivioSoftware(set);
     ChiudiArchivioSoftware(locale);
 
-    return ConsegnaSet(esito, meta, temp, percorsoApp, lingua, TipoScambio::Software);
+    return ConsegnaSet(esito, meta, temp, percorsoApp, TipoScambio::Software);
 }
 
-SorgenteSoftware LeggiDiscoSoftware(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente)
+SorgenteSoftware LeggiDiscoSoftware(const QString &percorsoApp, const QString &sorgente)
 {
     SorgenteSoftware s;
-    const MediumScambio m = LeggiMediumScambio(percorsoApp, lingua, sorgente, TipoScambio::Software);
+    const MediumScambio m = LeggiMediumScambio(percorsoApp, sorgente, TipoScambio::Software);
     s.esito = m.esito;
     if (!m.esito.fatto)
         return s;
@@ -185,12 +178,12 @@ SorgenteSoftware LeggiDiscoSoftware(const QString &percorsoApp, const Lingua &li
     return s;
 }
 
-EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente,
-                                const QStringList &nomi, const DomandaScambio &domanda)
+EsitoScambio RipristinaSoftware(const QString &percorsoApp, const QString &sorgente, const QStringList &nomi,
+                                const DomandaScambio &domanda)
 {
     if (nomi.isEmpty() || sorgente.trimmed().isEmpty())
-        return fine(false, TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_23")));
-    const MediumScambio m = LeggiMediumScambio(percorsoApp, lingua, sorgente, TipoScambio::Software);
+        return fine(false, MessaggioScambio(Segnalazione("SEGNALAZIONE_23")));
+    const MediumScambio m = LeggiMediumScambio(percorsoApp, sorgente, TipoScambio::Software);
     if (!m.esito.fatto)
         return m.esito;
     EsitoScambio esito;
@@ -199,9 +192,9 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua
     const QString files = CartellaFiles19(percorsoApp);
     if (!ApriArchivioSoftware(cartellaSoftware(percorsoApp), FileArchivi::FileSoftware, locale)
         || !CreaCartella(files) || !DentroRadice(files, percorsoApp)) {
-        esito.messaggio = TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE1.4"));
+        esito.messaggio = MessaggioScambio(Messaggio("RipriDiscoSW", "SEGNALAZIONE1.4"));
         if (!locale.Esito().ok())
-            esito.avvisi << TestoEsitoArchivio(lingua, locale.Esito());
+            esito.avvisi.push_back(MessaggioArchivio(locale.Esito()));
         CancellaTemp(percorsoApp);
         return esito;
     }
@@ -209,21 +202,21 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua
     for (const QString &n : nomi) {
         const QString nome = n.trimmed();
         const QString visibile = NomeVisibile(nome);
-        const auto salta = [&](const char *chiave) {
-            esito.avvisi << TestoScambio(lingua, Scambio, QString::fromLatin1(chiave), visibile);
+        const auto salta = [&](Messaggio motivo) {
+            esito.avvisi.push_back(MessaggioScambio(std::move(motivo), visibile));
         };
         if (!NomeScambioValido(nome, lunghezzaNome())) {
-            salta("NOME");
+            salta(Messaggio("SCAMBIO", "NOME"));
             continue;
         }
         if (fatti.contains(ChiavePiegata(nome))) {
-            salta("DOPPIO");
+            salta(Messaggio("SCAMBIO", "DOPPIO"));
             continue;
         }
         fatti.insert(ChiavePiegata(nome));
         const QString origine = fileNelMedium(m, nome);
         if (origine.isEmpty()) {
-            salta("SENZA_FILE");
+            salta(Messaggio("SCAMBIO", "SENZA_FILE"));
             continue;
         }
         std::optional<QString> versione, nota;
@@ -237,21 +230,21 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua
         // The name as it is spelt here already, if it is.
         const QString file = PercorsoS19(files, nome);
         if (!DentroRadice(file, files) || QFileInfo(file).isDir()) {
-            salta("FUORI");
+            salta(Messaggio("SCAMBIO", "FUORI"));
             continue;
         }
         const QString qui = QFileInfo(file).fileName().chopped(EstensioneS19.size());
         const std::optional<RigaArchivio> riga = locale.Cerca(u"PER_NOME", {nome});
         if (riga || QFileInfo(file).isFile()) {
-            const QString testo =
-                TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE1.1"),
-                             u' ' + nome + u'\\' + (riga ? riga->Testo(u"Versione") : QString()) + u' ');
+            const Messaggio testo =
+                MessaggioScambio(Messaggio("RipriDiscoSW", "SEGNALAZIONE1.1"),
+                                 u' ' + nome + u'\\' + (riga ? riga->Testo(u"Versione") : QString()) + u' ');
             if (!domanda(testo))
                 continue;
         }
         const std::optional<QByteArray> prima = ContenutoPrecedente(file, files);
         if (!PosaFile(origine, file, files)) {
-            salta("SCRITTURA");
+            salta(Messaggio("SCAMBIO", "SCRITTURA"));
             continue;
         }
         RigaArchivio nuova = locale.NuovaRiga();
@@ -260,7 +253,8 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua
         nuova.Imposta(u"NOTE", nota);
         if (!locale.Salva(nuova)) {
             RimettiFile(file, files, prima);
-            esito.avvisi << visibile + QStringLiteral(": ") + TestoEsitoArchivio(lingua, locale.Esito());
+            esito.avvisi.push_back(
+                MessaggioArchivio(locale.Esito()).preceduto(visibile + QStringLiteral(": ")));
             continue;
         }
         ++esito.voci;
@@ -268,7 +262,7 @@ EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua
     ChiudiArchivioSoftware(locale);
     CancellaTemp(percorsoApp);
     esito.fatto = true;
-    esito.messaggio = TestoConteggio(lingua, Ripri, QStringLiteral("SEGNALAZIONE1.3"), esito.voci);
+    esito.messaggio = MessaggioConteggio(Messaggio("RipriDiscoSW", "SEGNALAZIONE1.3"), esito.voci);
     return esito;
 }
 

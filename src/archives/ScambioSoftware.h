@@ -8,8 +8,6 @@
 
 namespace kv {
 
-class Lingua;
-
 // ECU software on exchange media: a set is SOFTRIPR.MDB with a FILES19 folder of <NomeSW>.S19
 // files beside it; here the same lie in SOFTWARE (SOFTWARE.MDB, FILES19). Catalogue row and
 // file are tied by name alone, matched without regard to case.
@@ -36,7 +34,7 @@ QList<VoceSoftware> ElencoSoftware(const QString &percorsoApp, EsitoArchivio *es
 
 // CreaDiscoSW: the named software (rows and files) written to destinazione as a set, after
 // the checks and the one question; what the medium held of an older set goes first.
-EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const Lingua &lingua, const QStringList &nomi,
+EsitoScambio ScriviDiscoSoftware(const QString &percorsoApp, const QStringList &nomi,
                                  const QString &destinazione, const DomandaScambio &domanda);
 
 // What a medium offers: the rows of its SOFTRIPR.MDB, each marked with whether its file is
@@ -46,14 +44,13 @@ struct SorgenteSoftware
     EsitoScambio esito;
     QList<VoceSoftware> voci;
 };
-SorgenteSoftware LeggiDiscoSoftware(const QString &percorsoApp, const Lingua &lingua,
-                                    const QString &sorgente);
+SorgenteSoftware LeggiDiscoSoftware(const QString &percorsoApp, const QString &sorgente);
 
 // RipriDiscoSW: the named software merged from the medium into the archive. The medium is
 // read whole into TEMP first: if that fails, nothing here has changed. Each name that is not
 // fit to be a file name here, is doubled, or has no file is passed over with a line in
 // avvisi; one that is here already is replaced only after a yes.
-EsitoScambio RipristinaSoftware(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente,
-                                const QStringList &nomi, const DomandaScambio &domanda);
+EsitoScambio RipristinaSoftware(const QString &percorsoApp, const QString &sorgente, const QStringList &nomi,
+                                const DomandaScambio &domanda);
 
 } // namespace kv

@@ -99,19 +99,26 @@ QString Lingua::LeggiTesto(const QString &sezione, const QString &chiave, const 
 
 QString Lingua::testo(const Messaggio &m) const
 {
-    QString t = m.chiave.isEmpty() ? QString() : LeggiTesto(m.sezione, m.chiave);
+    const auto cerca = [&](const QString &chiave) {
+        const QString t = chiave.isEmpty() ? QString() : LeggiTesto(m.sezione, chiave);
+        return m.ritagliato ? t.trimmed() : t;
+    };
+    QString t = cerca(m.chiavePreferita);
+    if (t.isEmpty())
+        t = cerca(m.chiave);
     for (const Messaggio::Valore &v : m.valori) {
+        const QString valore = v.messaggio.empty() ? v.testo : testo(v.messaggio.front());
         if (!v.soloPrimo) {
-            t.replace(v.segnaposto, v.testo);
+            t.replace(v.segnaposto, valore);
         } else if (const qsizetype i = t.indexOf(v.segnaposto); i >= 0) {
-            t.replace(i, v.segnaposto.size(), v.testo);
+            t.replace(i, v.segnaposto.size(), valore);
         }
     }
     t.prepend(m.prima);
     for (const Messaggio &altro : m.seguito) {
         const QString poi = testo(altro);
         if (!poi.isEmpty())
-            t += (t.isEmpty() ? QString() : QStringLiteral("\n\n")) + poi;
+            t += (t.isEmpty() ? QString() : altro.giunta) + poi;
     }
     return t;
 }

@@ -114,11 +114,6 @@ Messaggio LogicaTaratura::testo(const QString &chiave) const
     return {sezione(), chiave};
 }
 
-Messaggio LogicaTaratura::segnalazione(const char *chiave)
-{
-    return {QStringLiteral("SEGNALAZIONI"), QLatin1String(chiave)};
-}
-
 void LogicaTaratura::carica()
 {
     m_vista.mostraTitolo(m_sequenza.TaraturaCompleta() ? SequenzaTaratura::ComponiPasso(
@@ -153,7 +148,7 @@ void LogicaTaratura::EsciTar()
             m_sequenza.ChiudiPagineTaratura();
         return;
     }
-    const int risposta = m_sequenza.domanda(segnalazione("SEGNALAZIONE_54"), SequenzaTaratura::FlagDomanda);
+    const int risposta = m_sequenza.domanda(Segnalazione("SEGNALAZIONE_54"), SequenzaTaratura::FlagDomanda);
     if (risposta != SequenzaTaratura::RispostaSi || !m_collegata)
         return;
     // The pages go at once; the ECU's way back to its entry point is heard by the sequence.
@@ -163,7 +158,7 @@ void LogicaTaratura::EsciTar()
 
 void LogicaTaratura::Esci()
 {
-    if (m_sequenza.domanda(segnalazione("SEGNALAZIONE_56"), SequenzaTaratura::FlagInformazione)
+    if (m_sequenza.domanda(Segnalazione("SEGNALAZIONE_56"), SequenzaTaratura::FlagInformazione)
             == SequenzaTaratura::RispostaOk
         && m_collegata)
         m_sequenza.ChiudiPagineTaratura();
@@ -188,7 +183,7 @@ void LogicaTaratura::risposta(char lettera, int statoDialogo, const QByteArray &
 void LogicaTaratura::fineComando(int statoDialogo)
 {
     if (statoDialogo == statoUscita())
-        chiudiDopoAvviso(segnalazione("SEGNALAZIONE_56"));
+        chiudiDopoAvviso(Segnalazione("SEGNALAZIONE_56"));
 }
 
 void LogicaTaratura::chiudiDopoAvviso(const Messaggio &testo)
@@ -210,7 +205,7 @@ bool LogicaTaratura::rispostaPropria(char lettera, int statoDialogo, const QByte
 void LogicaTaratura::scadenza(int statoDialogo)
 {
     Q_UNUSED(statoDialogo);
-    m_vista.mostraSegnalazione1(segnalazione("SEGNALAZIONE_2"));
+    m_vista.mostraSegnalazione1(Segnalazione("SEGNALAZIONE_2"));
     m_vista.abilitaPagina(true);
     if (singola())
         m_vista.uscitaEmergenza();

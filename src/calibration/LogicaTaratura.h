@@ -76,9 +76,8 @@ public:
     int statoUscita() const;
 
 protected:
-    // A key of the page's own section, and one of the common messages.
+    // A key of the page's own section.
     Messaggio testo(const QString &chiave) const;
-    static Messaggio segnalazione(const char *chiave);
     // The page's captions, once the frame's are set.
     virtual void caricaTesti() {}
     // A reply in one of the page's own states; false leaves it to the common end.

@@ -14,7 +14,6 @@
 
 namespace kv {
 
-class Lingua;
 class LogicaTaratura;
 class Catalogo;
 class SessioneLinea;

@@ -49,7 +49,7 @@ void TaraturaGiri::caricaTesti()
     m_vistaGiri.abilitaConferma(singola());
     m_vistaGiri.abilitaAvanti(false);
     if (singola())
-        m_vista.mostraSegnalazione1(segnalazione("SEGNALAZIONE_1"));
+        m_vista.mostraSegnalazione1(Segnalazione("SEGNALAZIONE_1"));
 }
 
 QString TaraturaGiri::formattaGiri(double giri) const
@@ -130,7 +130,7 @@ void TaraturaGiri::Conferma(const QString &giriTeo)
     }
     if (!m.PortOpen())
         return;
-    m_vista.mostraSegnalazione1(segnalazione("SEGNALAZIONE_4"));
+    m_vista.mostraSegnalazione1(Segnalazione("SEGNALAZIONE_4"));
     m_vista.abilitaPagina(false);
     if (!m.avvia(singola() ? StatoScritturaSingola : StatoScrittura, MotoreDialogo::IntervalloLettura))
         m_vista.abilitaPagina(true);
@@ -150,7 +150,7 @@ void TaraturaGiri::EsciTar()
         LogicaTaratura::EsciTar();
         return;
     }
-    if (m_sequenza.domanda(segnalazione("SEGNALAZIONE_54"), SequenzaTaratura::FlagDomanda)
+    if (m_sequenza.domanda(Segnalazione("SEGNALAZIONE_54"), SequenzaTaratura::FlagDomanda)
             != SequenzaTaratura::RispostaSi
         || !collegata())
         return;
@@ -187,7 +187,7 @@ bool TaraturaGiri::rispostaPropria(char lettera, int statoDialogo, const QByteAr
     case StatoScritturaSingola:
         if (m.prosegui() != MotoreDialogo::Seguito::Concluso)
             return true;
-        m_vista.mostraSegnalazione1(statoDialogo == StatoScrittura ? segnalazione("SEGNALAZIONE_55")
+        m_vista.mostraSegnalazione1(statoDialogo == StatoScrittura ? Segnalazione("SEGNALAZIONE_55")
                                                                    : Messaggio());
         m_vista.abilitaPagina(true);
         return true;
@@ -228,7 +228,7 @@ void TaraturaGiri::fineComando(int statoDialogo)
         m_sequenza.ChiudiPagineTaratura();
         return;
     }
-    chiudiDopoAvviso(segnalazione("SEGNALAZIONE_60"));
+    chiudiDopoAvviso(Segnalazione("SEGNALAZIONE_60"));
 }
 
 } // namespace kv

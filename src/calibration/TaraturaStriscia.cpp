@@ -163,7 +163,7 @@ void TaraturaStriscia::statoLambda(int statoEcu, bool cambiato)
         m_vista.mostraIstruzione(testo(QStringLiteral("MSG_LAMBDA.0")));
     } else if (statoEcu == LambdaFine || statoEcu == LambdaFineSingola) {
         // Asked again with each such frame until the fitter answers OK.
-        chiudiDopoAvviso(segnalazione("SEGNALAZIONE_58"));
+        chiudiDopoAvviso(Segnalazione("SEGNALAZIONE_58"));
     }
 }
 

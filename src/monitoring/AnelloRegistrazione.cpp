@@ -3,7 +3,6 @@
 #include "base/Configurazione.h"
 #include "base/Cp1252.h"
 #include "base/FileIni.h"
-#include "base/Lingua.h"
 #include "variables/Formato.h"
 
 #include <QDir>
@@ -323,15 +322,6 @@ ComandiRegistrazione AggiornaMenuRegistrazione(int stato)
         // Stopped: the stop key stands pressed in, and its menu entry has nothing to do.
         return {attivo, nascosto, {true, true, true}, spento, attivo};
     }
-}
-
-QString TitoloRegistrazione(const Lingua &lingua, const QString &sezione, int stato)
-{
-    return lingua.LeggiTesto(sezione, QStringLiteral("CAPTION")) + QStringLiteral(" - [")
-           + lingua.LeggiTesto(sezione, QStringLiteral("LABREGISTRO.1")) + u' '
-           + lingua.LeggiTesto(QStringLiteral("REGISTRAZIONE"),
-                               QStringLiteral("STATOREG.") + QString::number(stato))
-           + u']';
 }
 
 bool PercorsoNellaCartella(const QString &percorso, const QString &cartella)

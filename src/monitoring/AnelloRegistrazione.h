@@ -10,8 +10,6 @@
 
 namespace kv {
 
-class Lingua;
-
 // The recorder: a ring of the last 41 samples, kept while a monitor window is open so that
 // a recording starts with what happened just before the fitter pressed the button, the
 // recording state, and the writer of the .ACQ file.
@@ -137,9 +135,6 @@ struct ComandiRegistrazione
 };
 
 ComandiRegistrazione AggiornaMenuRegistrazione(int stato);
-
-// The window's caption with the recording state behind it; sezione is the window's own.
-QString TitoloRegistrazione(const Lingua &lingua, const QString &sezione, int stato);
 
 // True when the path names an entry inside the folder (not the folder itself), with no
 // link on the way and, if it exists, a plain file.

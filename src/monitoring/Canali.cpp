@@ -1,7 +1,5 @@
 #include "monitoring/Canali.h"
 
-#include "base/Lingua.h"
-
 namespace kv {
 
 namespace {
@@ -81,7 +79,7 @@ RigheDati RigheDatiIniziali()
     return righe;
 }
 
-void TabellaCanali::InizializzaCanali(const Lingua &lingua)
+void TabellaCanali::InizializzaCanali(const CercaTesto &testo)
 {
     const QString sezione = QStringLiteral("PAR_CANALI");
     for (int i = 0; i < NumeroCanali; ++i) {
@@ -89,8 +87,8 @@ void TabellaCanali::InizializzaCanali(const Lingua &lingua)
         const QString chiave = QString::fromLatin1(r.chiave);
         Canale &c = Canali[i];
         c = Canale{};
-        c.Nome = nomeFisso(lingua.LeggiTesto(sezione, chiave + QStringLiteral(".NOME")));
-        c.UM = lingua.LeggiTesto(sezione, chiave + QStringLiteral(".UM"));
+        c.Nome = nomeFisso(testo(sezione, chiave + QStringLiteral(".NOME")));
+        c.UM = testo(sezione, chiave + QStringLiteral(".UM"));
         c.MinTabella = r.minTabella;
         c.MaxTabella = r.maxTabella;
         c.MinAsse = r.minTabella;

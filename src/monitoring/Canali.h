@@ -4,10 +4,12 @@
 #include <QtGlobal>
 
 #include <array>
+#include <functional>
 
 namespace kv {
 
-class Lingua;
+// A text of the language file by section and key: names that become data, not messages.
+using CercaTesto = std::function<QString(const QString &sezione, const QString &chiave)>;
 
 // One live quantity of the 'd' stream and how charts scale it.
 struct Canale
@@ -81,10 +83,11 @@ bool puoAndareInGrafico(int canale);
 QString ChiaveCanale(int indice);
 
 // The description of the 16 channels: names and units from the language file, scales fixed.
+// The names go into the header of every recording, so they are data here.
 class TabellaCanali
 {
 public:
-    void InizializzaCanali(const Lingua &lingua);
+    void InizializzaCanali(const CercaTesto &testo);
 
     // Trimmed name, then " [unit]" when the unit is not blank. Empty outside 0..15.
     QString TitoloCanale(int indice);

@@ -1,7 +1,6 @@
 #include "monitoring/ModelloGrafici.h"
 
 #include "base/FileIni.h"
-#include "base/Lingua.h"
 #include "variables/Formato.h"
 
 #include <algorithm>
@@ -117,9 +116,8 @@ std::vector<QPointF> AnelloGrafici::punti(int canale, double xMin, double xMax) 
 
 // ---- the window
 
-ModelloGrafici::ModelloGrafici(TabellaCanali &canali, const Lingua &lingua, QString percorsoIni)
+ModelloGrafici::ModelloGrafici(TabellaCanali &canali, QString percorsoIni)
     : m_canali(canali)
-    , m_lingua(lingua)
     , m_percorsoIni(std::move(percorsoIni))
 {
     righe = RigheDatiIniziali();
@@ -346,29 +344,28 @@ void ModelloGrafici::Sblocca()
 
 ModelloGrafici::TestoDato ModelloGrafici::testoDato(int canale, double v) const
 {
-    const Lingua &l = m_lingua;
     switch (canale) {
     case 6: {
         const QString n = v == 0     ? QStringLiteral("0")
                           : v == 85  ? QStringLiteral("1")
                           : v == 255 ? QStringLiteral("2")
                                      : QStringLiteral("99");
-        return {l.LeggiTesto(QStringLiteral("CARBURAZIONE"), QStringLiteral("CARBURAZIONE.") + n), {}};
+        return {Messaggio(QStringLiteral("CARBURAZIONE"), QStringLiteral("CARBURAZIONE.") + n), {}};
     }
     case 7:
         if (v >= 1 && v <= 5)
-            return {l.LeggiTesto("ZONE", "ZONA." + intero(v)), {}};
-        return {l.LeggiTesto("ZONE", "ZONA.99"), {}};
+            return {Messaggio("ZONE", "ZONA." + intero(v)), {}};
+        return {Messaggio("ZONE", "ZONA.99"), {}};
     case 8:
         if (v == 0 || v == 1)
-            return {l.LeggiTesto("POMPATA", "POMPATA." + intero(v)), {}};
-        return {l.LeggiTesto("POMPATA", "POMPATA.99"), {}};
+            return {Messaggio("POMPATA", "POMPATA." + intero(v)), {}};
+        return {Messaggio("POMPATA", "POMPATA.99"), {}};
     case 10:
         if (v == 0 || v == 1)
-            return {l.LeggiTesto("ALIMENTAZIONE", "TIPO." + intero(v)), v == 0 ? ColoreBenzina : ColoreGas};
-        return {l.LeggiTesto("ALIMENTAZIONE", "TIPO.99"), ColoreIgnoto};
+            return {Messaggio("ALIMENTAZIONE", "TIPO." + intero(v)), v == 0 ? ColoreBenzina : ColoreGas};
+        return {Messaggio("ALIMENTAZIONE", "TIPO.99"), ColoreIgnoto};
     default:
-        return {intero(v), {}};
+        return {Letterale(intero(v)), {}};
     }
 }
 

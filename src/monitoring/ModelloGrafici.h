@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Messaggio.h"
 #include "monitoring/Canali.h"
 #include "monitoring/ScalaGrafici.h"
 
@@ -11,8 +12,6 @@
 #include <vector>
 
 namespace kv {
-
-class Lingua;
 
 // The last samples of the channels the chart window lists: more than a window's worth, so
 // that a chart added mid-run is filled at once and frozen charts can be looked back over
@@ -67,7 +66,7 @@ struct AggiornamentoSlot
 class ModelloGrafici
 {
 public:
-    ModelloGrafici(TabellaCanali &canali, const Lingua &lingua, QString percorsoIni);
+    ModelloGrafici(TabellaCanali &canali, QString percorsoIni);
 
     // The window's load: rows filled, scales and ring back to the start, not frozen, slots
     // free; then the saved slots, each through the toggle as if clicked.
@@ -104,11 +103,11 @@ public:
     // The slot that shows a channel, -1 when none does.
     int slotDi(int canale) const;
 
-    // The data panel: the text of a channel's value and, for the fuel state, its background
-    // (blue-green-red).
+    // The data panel: the text of a channel's value (a state's word, or the number as it
+    // stands) and, for the fuel state, its background (blue-green-red).
     struct TestoDato
     {
-        QString testo;
+        Messaggio testo;
         std::optional<quint32> sfondo;
     };
     TestoDato testoDato(int canale, double valore) const;
@@ -133,7 +132,6 @@ private:
     void aggiornaRigheSlot();
 
     TabellaCanali &m_canali;
-    const Lingua &m_lingua;
     QString m_percorsoIni;
     qint32 m_maxBloccato = 0; // the window's right edge when frozen
 };

@@ -5,7 +5,6 @@
 #include "base/Cp1252.h"
 #include "base/FileIni.h"
 #include "base/FileSystem.h"
-#include "base/Lingua.h"
 #include "monitoring/AnelloRegistrazione.h"
 
 #include <QDir>
@@ -274,36 +273,36 @@ SchedaRegistrazione::Esito SchedaRegistrazione::NuovoFile()
     return nuovoEsito(Esito::Tipo::NomeRifiutato, File, card[File]);
 }
 
-QString TestoEsitoScheda(const Lingua &lingua, const SchedaRegistrazione::Esito &esito)
+Messaggio MessaggioEsitoScheda(const SchedaRegistrazione::Esito &esito)
 {
     using T = SchedaRegistrazione::Esito::Tipo;
-    QString t;
+    Messaggio m;
     switch (esito.tipo) {
     case T::Fatto:
     case T::Vuota:
     case T::NonSostituita:
         return {};
     case T::Archivio:
-        return TestoEsitoArchivio(lingua, esito.archivio);
+        return MessaggioArchivio(esito.archivio);
     case T::NomeRifiutato:
-        t = lingua.LeggiTesto(QStringLiteral("Memorf"), QStringLiteral("SEGNALAZIONE.0"));
+        m = Messaggio("Memorf", "SEGNALAZIONE.0");
         break;
     case T::FuoriCartella:
-        t = lingua.LeggiTesto(QStringLiteral("Memorf"), QStringLiteral("SEGNALAZIONE.1"));
+        m = Messaggio("Memorf", "SEGNALAZIONE.1");
         break;
     case T::Cartella:
-        t = lingua.LeggiTesto(QStringLiteral("Memorf"), QStringLiteral("SEGNALAZIONE.2"));
+        m = Messaggio("Memorf", "SEGNALAZIONE.2");
         break;
     case T::VecchioFile:
-        t = lingua.LeggiTesto(QStringLiteral("Memorf"), QStringLiteral("SEGNALAZIONE.3"));
+        m = Messaggio("Memorf", "SEGNALAZIONE.3");
         break;
     case T::Impostazioni:
-        t = lingua.LeggiTesto(QStringLiteral("Memorf"), QStringLiteral("SEGNALAZIONE.4"));
+        m = Messaggio("Memorf", "SEGNALAZIONE.4");
         break;
     }
-    return t.replace(QLatin1String("XXX"), esito.tipo == T::NomeRifiutato
-                                               ? leggibile(esito.percorso)
-                                               : QDir::toNativeSeparators(esito.percorso));
+    return m.con(QStringLiteral("XXX"), esito.tipo == T::NomeRifiutato
+                                            ? leggibile(esito.percorso)
+                                            : QDir::toNativeSeparators(esito.percorso));
 }
 
 } // namespace kv

@@ -12,7 +12,6 @@
 namespace kv {
 
 class AnelloRegistrazione;
-class Lingua;
 
 // The record card of a recording, without its window (Memorf): make, model, file name and
 // notes, kept as a row of DATI in ARCHDATI.MDB, and the recording file the card names,
@@ -114,6 +113,6 @@ private:
 
 // The message for the fitter; empty for Fatto, Vuota and NonSostituita, which speak by a
 // beep and the focus.
-QString TestoEsitoScheda(const Lingua &lingua, const SchedaRegistrazione::Esito &esito);
+Messaggio MessaggioEsitoScheda(const SchedaRegistrazione::Esito &esito);
 
 } // namespace kv

@@ -12,8 +12,6 @@
 
 namespace kv {
 
-class Lingua;
-
 // The 512 bytes of a map (0xC100..0xC2FF, the EEPROM homes of the catalogue) read as the
 // tuning pages read the same memory: every entry whose home lies there, in the units and with
 // the mask a page shows it, grouped by the page that edits it.
@@ -104,12 +102,5 @@ MappaDecodificata DecodificaMappa(const QByteArray &immagine, const Catalogo &ca
 
 // The catalogue's name of an entry, an array element as Name(i); empty for a bad index.
 QString NomeVoce(int parametro);
-
-// What the fitter reads, from the language file: the caption of a group (its page's title),
-// the label of an entry (its row's caption and unit, or the compare page's name for a grid
-// cell or a value no page shows), and an entry's value as its page shows it (a list's item).
-QString TitoloGruppo(const Lingua &lingua, const GruppoMappa &gruppo);
-QString EtichettaVoce(const Lingua &lingua, const MappaDecodificata &mappa, const VoceMappa &voce);
-QString TestoMostrato(const Lingua &lingua, const VoceMappa &voce);
 
 } // namespace kv

@@ -1,7 +1,6 @@
 #include "programming/CancellazioneMappe.h"
 
 #include "archives/Cartelle.h"
-#include "base/Lingua.h"
 #include "programming/ScambioMappe.h"
 
 #include <QDir>
@@ -26,57 +25,56 @@ bool restaUnaMappa(const QString &cartella)
 
 } // namespace
 
-EsitoScambio CancellaMappe(const QString &percorsoApp, const Lingua &lingua, const QList<ChiaveMappa> &mappe,
+EsitoScambio CancellaMappe(const QString &percorsoApp, const QList<ChiaveMappa> &mappe,
                            const DomandaScambio &domanda)
 {
-    const QString Scambio = QStringLiteral("SCAMBIO");
-    const QString Segnalazioni = QStringLiteral("SEGNALAZIONI");
     EsitoScambio esito;
     if (mappe.isEmpty()) {
-        esito.messaggio = TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_27"));
+        esito.messaggio = MessaggioScambio(Segnalazione("SEGNALAZIONE_27"));
         return esito;
     }
-    QStringList elenco;
+    QStringList nomi;
     for (const ChiaveMappa &k : mappe.mid(0, MappeNellaDomanda))
-        elenco << NomeVisibile(TestoChiaveMappa(k.pulita()));
-    if (mappe.size() > MappeNellaDomanda)
-        elenco << TestoScambio(lingua, Scambio, QStringLiteral("ALTRE"),
-                               QString::number(mappe.size() - MappeNellaDomanda));
-    if (!domanda(TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_30"))
-                 + QStringLiteral("\n\n") + elenco.join(u'\n')))
+        nomi << NomeVisibile(TestoChiaveMappa(k.pulita()));
+    // The names as they stand, and how many more below them.
+    const bool altre = mappe.size() > MappeNellaDomanda;
+    Messaggio elenco = altre ? MessaggioScambio(Messaggio("SCAMBIO", "ALTRE"),
+                                                QString::number(mappe.size() - MappeNellaDomanda))
+                             : Messaggio();
+    elenco.prima = nomi.join(u'\n') + (altre ? QStringLiteral("\n") : QString());
+    if (!domanda(MessaggioScambio(Segnalazione("SEGNALAZIONE_30")).poi(elenco)))
         return esito;
 
     const QString radice = CartellaMappe(percorsoApp);
     Archivio db;
     if (!ApriArchivioMappe(radice, FileArchivi::FileMappe, db)) {
-        esito.messaggio = TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_28"));
-        esito.avvisi << TestoEsitoArchivio(lingua, db.Esito());
+        esito.messaggio = MessaggioScambio(Segnalazione("SEGNALAZIONE_28"));
+        esito.avvisi.push_back(MessaggioArchivio(db.Esito()));
         return esito;
     }
     // A catalogue that can only be read would keep rows whose files were gone.
     if (db.SoloLettura()) {
-        esito.messaggio = TestoScambio(lingua, Scambio, QStringLiteral("CANCELLATE_NESSUNA"));
-        esito.avvisi << TestoScambio(lingua, QStringLiteral("ARCHIVI"), QStringLiteral("SOLALETTURA"),
-                                     db.Percorso());
+        esito.messaggio = MessaggioScambio(Messaggio("SCAMBIO", "CANCELLATE_NESSUNA"));
+        esito.avvisi.push_back(MessaggioScambio(Messaggio("ARCHIVI", "SOLALETTURA"), db.Percorso()));
         return esito;
     }
     for (const ChiaveMappa &m : mappe) {
         const ChiaveMappa k = m.pulita();
         const QString visibile = NomeVisibile(TestoChiaveMappa(k));
         if (!db.Cancella(u"PER_NOME", k.elenco()) && !db.Esito().ok()) {
-            esito.avvisi << visibile + QStringLiteral(": ") + TestoEsitoArchivio(lingua, db.Esito());
+            esito.avvisi.push_back(MessaggioArchivio(db.Esito()).preceduto(visibile + QStringLiteral(": ")));
             continue;
         }
         const PercorsoMappa p = PercorsoFileMappa(percorsoApp, k, NomiMappa::Esistenti);
         if (!p.ok()) {
             if (k.completa())
-                esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("FUORI_CANCELLA"), visibile);
+                esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "FUORI_CANCELLA"), visibile));
             continue;
         }
         if (EsisteMappa(p)) {
             ToglieSolaLettura(p.file, radice);
             if (!QFile::remove(p.file)) {
-                esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("CANCELLAZIONE"), visibile);
+                esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "CANCELLAZIONE"), visibile));
                 continue;
             }
         }
@@ -89,13 +87,13 @@ EsitoScambio CancellaMappe(const QString &percorsoApp, const Lingua &lingua, con
     esito.fatto = true;
     // The closing line says what happened, whatever the lines below it tell.
     if (esito.voci == mappe.size())
-        esito.messaggio = TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_29"));
+        esito.messaggio = MessaggioScambio(Segnalazione("SEGNALAZIONE_29"));
     else if (esito.voci == 0)
-        esito.messaggio = TestoScambio(lingua, Scambio, QStringLiteral("CANCELLATE_NESSUNA"));
+        esito.messaggio = MessaggioScambio(Messaggio("SCAMBIO", "CANCELLATE_NESSUNA"));
     else
         esito.messaggio =
-            TestoScambio(lingua, Scambio, QStringLiteral("CANCELLATE_PARTE"), QString::number(esito.voci))
-                .replace(QLatin1String("YYY"), QString::number(mappe.size()));
+            MessaggioScambio(Messaggio("SCAMBIO", "CANCELLATE_PARTE"), QString::number(esito.voci))
+                .con(QStringLiteral("YYY"), QString::number(mappe.size()));
     return esito;
 }
 

@@ -1,6 +1,5 @@
 #include "programming/ControlloMappa.h"
 
-#include "base/Lingua.h"
 #include "programming/FileBlocchi.h"
 #include "programming/FileMappa.h"
 
@@ -64,12 +63,12 @@ EsitoMappa LeggiMappa(const QString &percorso)
     return ControllaMappa(contenuto);
 }
 
-QString TestoEsitoMappa(const Lingua &lingua, const EsitoMappa &esito)
+Messaggio MessaggioEsitoMappa(const EsitoMappa &esito)
 {
-    return lingua.LeggiTesto("ProgMappe", "MAPPA." + QString::number(int(esito.errore)))
-        .trimmed()
-        .replace(QLatin1String("XXX"), QString::number(esito.record))
-        .replace(QLatin1String("YYY"), QString::number(esito.colonna));
+    return Messaggio("ProgMappe", "MAPPA." + QString::number(int(esito.errore)))
+        .ritaglia()
+        .con(QStringLiteral("XXX"), QString::number(esito.record))
+        .con(QStringLiteral("YYY"), QString::number(esito.colonna));
 }
 
 } // namespace kv

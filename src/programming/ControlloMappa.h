@@ -1,11 +1,11 @@
 #pragma once
 
+#include "base/Messaggio.h"
+
 #include <QByteArray>
 #include <QString>
 
 namespace kv {
-
-class Lingua;
 
 // What a map file must be before anything of it is shown or sent to an ECU: exactly 8
 // records of 128 hexadecimal characters, each ended by CR LF, for 0xC100..0xC2FF. A file
@@ -36,6 +36,6 @@ EsitoMappa ControllaMappa(const QByteArray &contenuto);
 EsitoMappa LeggiMappa(const QString &percorso);
 
 // Why a file is no map, for the fitter: the first bad record, and where in it.
-QString TestoEsitoMappa(const Lingua &lingua, const EsitoMappa &esito);
+Messaggio MessaggioEsitoMappa(const EsitoMappa &esito);
 
 } // namespace kv

@@ -1,12 +1,12 @@
 #include "programming/DialogoMappe.h"
 
 #include "archives/SchemaArchivi.h"
-#include "base/Lingua.h"
 #include "link/Frame.h"
+#include "link/SessioneLinea.h"
 #include "programming/ControlloMappa.h"
 #include "programming/FileBlocchi.h"
 #include "programming/ScambioMappe.h"
-#include "shell/Programma.h"
+#include "variables/Catalogo.h"
 #include "variables/Conversioni.h"
 
 #include <QFile>
@@ -26,70 +26,85 @@ QByteArray richiestaLettura(quint32 indirizzo)
     return 'R' + ParolaInByte(indirizzo) + char(LunBlocco);
 }
 
-// The text of a name or place refused, with the field at fault.
-QString testoPercorso(const Lingua &l, const PercorsoMappa &p)
+// Why a name or place is refused, with the field at fault.
+Messaggio messaggioPercorso(const PercorsoMappa &p)
 {
-    if (p.errore == PercorsoMappa::Errore::Nome) {
-        const QString campo =
-            l.LeggiTesto("ReadMappe", "LABCAMPO." + QString::number(p.nomi.campo)).trimmed();
-        const QString motivo =
-            l.LeggiTesto("ReadMappe", "NOME." + QString::number(int(p.nomi.errore)))
-                .replace(QLatin1String("XXX"), QString::number(LunghezzaMassimaNome(p.nomi.campo)));
-        return campo + QStringLiteral(": ") + motivo;
-    }
-    return l.LeggiTesto("ReadMappe", "NOME.9");
+    if (p.errore == PercorsoMappa::Errore::Nome)
+        return Messaggio("ReadMappe", "LABCAMPO." + QString::number(p.nomi.campo))
+            .ritaglia()
+            .poi(Messaggio("ReadMappe", "NOME." + QString::number(int(p.nomi.errore)))
+                     .con(QStringLiteral("XXX"), QString::number(LunghezzaMassimaNome(p.nomi.campo))),
+                 QStringLiteral(": "));
+    return Messaggio("ReadMappe", "NOME.9");
+}
+
+// "Writing block n".
+Messaggio messaggioBlocco(int n)
+{
+    return Segnalazione(QStringLiteral("SEGNALAZIONE_11"))
+        .ritaglia()
+        .poi(Letterale(QString::number(n)), QStringLiteral(" "));
+}
+
+Messaggio titolo()
+{
+    return Segnalazione(QStringLiteral("TITOLO_1"));
 }
 
 } // namespace
 
 // ---- ReadMappe -------------------------------------------------------------------------
 
-LetturaMappe::LetturaMappe(Programma &programma, VistaMappe &vista) : m_programma(programma), m_vista(vista)
+LetturaMappe::LetturaMappe(SessioneLinea &linea, QString percorsoApp, const Catalogo &catalogo,
+                           VistaMappe &vista)
+    : m_linea(linea)
+    , m_percorsoApp(std::move(percorsoApp))
+    , m_catalogo(catalogo)
+    , m_vista(vista)
 {
-    m_programma.linea.motore().registra(Stato, this);
+    m_linea.motore().registra(Stato, this);
 }
 
 LetturaMappe::~LetturaMappe()
 {
-    m_programma.linea.motore().rimuovi(this);
+    m_linea.motore().rimuovi(this);
     if (m_inCorso) {
-        if (m_programma.linea.motore().StatoDialogo() == Stato)
-            m_programma.linea.motore().abbandona();
+        if (m_linea.motore().StatoDialogo() == Stato)
+            m_linea.motore().abbandona();
         QFile::remove(temporaneo());
     }
 }
 
 QString LetturaMappe::temporaneo() const
 {
-    return PercorsoTemporaneoMappa(m_programma.PercorsoApp);
+    return PercorsoTemporaneoMappa(m_percorsoApp);
 }
 
 void LetturaMappe::Leggi(const ChiaveMappa &campi, const QString &nota)
 {
     if (m_inCorso)
         return;
-    const Lingua &l = m_programma.lingua;
     m_vista.mostraSegnalazione({});
     const ChiaveMappa chiave = campi.pulita();
     if (chiave.impianto.isEmpty()) {
-        m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ReadMappe", "SEGNALAZIONE1.0"));
+        m_vista.mostraSegnalazione(Messaggio("ReadMappe", "SEGNALAZIONE1.0"));
         return;
     }
     if (!chiave.completa()) {
-        m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ReadMappe", "SEGNALAZIONE1.3"));
+        m_vista.mostraSegnalazione(Messaggio("ReadMappe", "SEGNALAZIONE1.3"));
         return;
     }
-    const PercorsoMappa percorso = PercorsoFileMappa(m_programma.PercorsoApp, chiave);
+    const PercorsoMappa percorso = PercorsoFileMappa(m_percorsoApp, chiave);
     if (!percorso.ok()) {
         m_vista.beep();
-        m_vista.mostraSegnalazione(testoPercorso(l, percorso));
+        m_vista.mostraSegnalazione(messaggioPercorso(percorso));
         return;
     }
     m_nomeFileMappa = percorso.file;
     if (EsisteMappa(percorso)) {
         m_vista.beep();
-        const int risposta = m_vista.domanda(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_8"), FlagDomandaMappe,
-                                             l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
+        const int risposta =
+            m_vista.domanda(Segnalazione(QStringLiteral("SEGNALAZIONE_8")), FlagDomandaMappe, titolo());
         if (risposta != RispostaSiMappe) {
             m_vista.beep();
             m_vista.fuocoNomeFile();
@@ -100,7 +115,7 @@ void LetturaMappe::Leggi(const ChiaveMappa &campi, const QString &nota)
     const QString tmp = temporaneo();
     if ((QFileInfo::exists(tmp) || QFileInfo(tmp).isSymLink()) && !QFile::remove(tmp)) {
         m_vista.beep();
-        m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ReadMappe", "SEGNALAZIONE1.2"));
+        m_vista.mostraSegnalazione(Messaggio("ReadMappe", "SEGNALAZIONE1.2"));
         return;
     }
 
@@ -111,21 +126,21 @@ void LetturaMappe::Leggi(const ChiaveMappa &campi, const QString &nota)
     m_totBlocchiMappa = int((dimensione + LunBlocco - 1) / LunBlocco);
     m_numBloccoMappa = 0;
     m_indirizzoProg = primo;
-    MotoreDialogo &m = m_programma.linea.motore();
+    MotoreDialogo &m = m_linea.motore();
     m.svuotaCoda();
     for (int n = 0; n < m_totBlocchiMappa; ++n)
         m.accoda(richiestaLettura(primo + quint32(n * LunBlocco)));
     // The lambda flag lives in RAM alone; the row keeps it, so the map decodes later as the
     // pages showed it on this ECU.
-    const Parametro &scala = m_programma.catalogo.Parametri[Par::ScalaLambda];
+    const Parametro &scala = m_catalogo.Parametri[Par::ScalaLambda];
     m.accoda('R' + ParolaInByte(quint32(scala.IndirizzoRAM)) + char(scala.Dimensione));
     m_scalaLambda.reset();
     m_vista.mostraAvanzamento(0, m_totBlocchiMappa);
-    m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ReadMappe", "SEGNALAZIONE1.1"));
+    m_vista.mostraSegnalazione(Messaggio("ReadMappe", "SEGNALAZIONE1.1"));
     m_vista.abilitaPagina(false);
     m_inCorso = true;
     if (!m.avvia(Stato, MotoreDialogo::IntervalloLettura))
-        interrompi(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_14"));
+        interrompi(Segnalazione(QStringLiteral("SEGNALAZIONE_14")));
 }
 
 void LetturaMappe::risposta(char lettera, int stato, const QByteArray &payload)
@@ -138,28 +153,28 @@ void LetturaMappe::risposta(char lettera, int stato, const QByteArray &payload)
         return;
     }
     if (lettera == 'e') {
-        interrompi(m_programma.lingua.testo(ErroreEcu(payload)), false);
+        interrompi(ErroreEcu(payload), false);
         return;
     }
     if (lettera != 'r')
         return;
-    MotoreDialogo &m = m_programma.linea.motore();
+    MotoreDialogo &m = m_linea.motore();
     if (m_numBloccoMappa == m_totBlocchiMappa) {
-        const int dimensione = m_programma.catalogo.Parametri[Par::ScalaLambda].Dimensione;
-        m_scalaLambda = m_programma.catalogo.daGrezzo(Par::ScalaLambda, NumeroBE(payload.mid(1, dimensione)));
+        const int dimensione = m_catalogo.Parametri[Par::ScalaLambda].Dimensione;
+        m_scalaLambda = m_catalogo.daGrezzo(Par::ScalaLambda, NumeroBE(payload.mid(1, dimensione)));
         if (m.prosegui() == MotoreDialogo::Seguito::Concluso)
             fine();
         return;
     }
     if (payload.size() < 1 + LunBlocco) {
         m.abbandona();
-        interrompi(m_programma.lingua.LeggiTesto("ReadMappe", "SEGNALAZIONE1.5"));
+        interrompi(Messaggio("ReadMappe", "SEGNALAZIONE1.5"));
         return;
     }
     if (!AggiungiRecord(temporaneo(), QByteArrayView(payload).sliced(1, LunBlocco))) {
         m.abbandona();
         m_vista.beep();
-        interrompi(m_programma.lingua.LeggiTesto("ReadMappe", "SEGNALAZIONE1.2"));
+        interrompi(Messaggio("ReadMappe", "SEGNALAZIONE1.2"));
         return;
     }
     ++m_numBloccoMappa;
@@ -174,10 +189,10 @@ void LetturaMappe::scadenza(int)
     if (m_inCorso && m_numBloccoMappa == m_totBlocchiMappa)
         fine();
     else if (m_inCorso)
-        interrompi(m_programma.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_14"));
+        interrompi(Segnalazione(QStringLiteral("SEGNALAZIONE_14")));
 }
 
-void LetturaMappe::interrompi(const QString &messaggio, bool nascondiBarra)
+void LetturaMappe::interrompi(const Messaggio &messaggio, bool nascondiBarra)
 {
     m_inCorso = false;
     QFile::remove(temporaneo());
@@ -192,16 +207,15 @@ void LetturaMappe::fine()
     m_inCorso = false;
     m_vista.abilitaPagina(true);
     m_vista.nascondiAvanzamento();
-    const QString &app = m_programma.PercorsoApp;
+    const QString &app = m_percorsoApp;
     const QString tmp = temporaneo();
     // Checked again: the place must still be inside the archive now that it is written.
     const PercorsoMappa percorso = PercorsoFileMappa(app, m_chiave);
     if (!percorso.ok() || !CreaCartellaMappa(app, percorso) || !PosaMappa(tmp, app, percorso)) {
         QFile::remove(tmp);
         m_vista.beep();
-        m_vista.mostraSegnalazione(percorso.ok()
-                                       ? m_programma.lingua.LeggiTesto("ReadMappe", "SEGNALAZIONE1.2")
-                                       : testoPercorso(m_programma.lingua, percorso));
+        m_vista.mostraSegnalazione(percorso.ok() ? Messaggio("ReadMappe", "SEGNALAZIONE1.2")
+                                                 : messaggioPercorso(percorso));
         return;
     }
     QFile::remove(tmp);
@@ -209,48 +223,48 @@ void LetturaMappe::fine()
     m_vista.mappaArchiviata(percorso.chiave);
     m_vista.beep();
     if (esito.ok())
-        m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ReadMappe", "SEGNALAZIONE1.4"));
+        m_vista.mostraSegnalazione(Messaggio("ReadMappe", "SEGNALAZIONE1.4"));
     else
-        m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ReadMappe", "SEGNALAZIONE1.6")
-                                   + QLatin1Char(' ') + TestoEsitoArchivio(m_programma.lingua, esito));
+        m_vista.mostraSegnalazione(
+            Messaggio("ReadMappe", "SEGNALAZIONE1.6").poi(MessaggioArchivio(esito), QStringLiteral(" ")));
 }
 
 // ---- ProgMappe -------------------------------------------------------------------------
 
-ScritturaMappe::ScritturaMappe(Programma &programma, VistaMappe &vista)
-    : m_programma(programma)
+ScritturaMappe::ScritturaMappe(SessioneLinea &linea, QString percorsoApp, VistaMappe &vista)
+    : m_linea(linea)
+    , m_percorsoApp(std::move(percorsoApp))
     , m_vista(vista)
 {
-    m_programma.linea.motore().registra(Stato, this);
+    m_linea.motore().registra(Stato, this);
 }
 
 ScritturaMappe::~ScritturaMappe()
 {
-    m_programma.linea.motore().rimuovi(this);
+    m_linea.motore().rimuovi(this);
 }
 
 void ScritturaMappe::ProgrammaMappa(const ChiaveMappa &mappa, bool verifica)
 {
-    const Lingua &l = m_programma.lingua;
     m_vista.mostraSegnalazione({});
     const ChiaveMappa chiave = mappa.pulita();
     if (chiave.impianto.isEmpty() || chiave.marca.isEmpty() || chiave.modello.isEmpty()) {
-        m_vista.mostraSegnalazione(l.LeggiTesto("ProgMappe", "SEGNALAZIONE1.0"));
+        m_vista.mostraSegnalazione(Messaggio("ProgMappe", "SEGNALAZIONE1.0"));
         return;
     }
     if (chiave.file.isEmpty()) {
-        m_vista.mostraSegnalazione(l.LeggiTesto("ProgMappe", "SEGNALAZIONE1.3"));
+        m_vista.mostraSegnalazione(Messaggio("ProgMappe", "SEGNALAZIONE1.3"));
         return;
     }
-    const PercorsoMappa percorso = PercorsoFileMappa(m_programma.PercorsoApp, chiave, NomiMappa::Esistenti);
+    const PercorsoMappa percorso = PercorsoFileMappa(m_percorsoApp, chiave, NomiMappa::Esistenti);
     if (!percorso.ok()) {
         m_vista.beep();
-        m_vista.mostraSegnalazione(l.LeggiTesto("ProgMappe", "SEGNALAZIONE1.4"));
+        m_vista.mostraSegnalazione(Messaggio("ProgMappe", "SEGNALAZIONE1.4"));
         return;
     }
     m_nomeFileMappa = percorso.file;
     if (!EsisteMappa(percorso)) {
-        m_vista.mostraSegnalazione(l.LeggiTesto("ProgMappe", "SEGNALAZIONE1.3"));
+        m_vista.mostraSegnalazione(Messaggio("ProgMappe", "SEGNALAZIONE1.3"));
         return;
     }
     // The whole file is judged before the first block: a file that is not exactly a map
@@ -258,21 +272,19 @@ void ScritturaMappe::ProgrammaMappa(const ChiaveMappa &mappa, bool verifica)
     const EsitoMappa esito = LeggiMappa(m_nomeFileMappa);
     if (!esito.ok()) {
         m_vista.beep();
-        m_vista.mostraSegnalazione(
-            esito.errore == EsitoMappa::Errore::Illeggibile
-                ? l.LeggiTesto("ProgMappe", "SEGNALAZIONE1.2")
-                : l.LeggiTesto("ProgMappe", "RIFIUTATA")
-                          .trimmed()
-                          .replace(QLatin1String("XXX"), TestoChiaveMappa(percorso.chiave))
-                      + QLatin1Char(' ') + TestoEsitoMappa(l, esito));
+        m_vista.mostraSegnalazione(esito.errore == EsitoMappa::Errore::Illeggibile
+                                       ? Messaggio("ProgMappe", "SEGNALAZIONE1.2")
+                                       : Messaggio("ProgMappe", "RIFIUTATA")
+                                             .ritaglia()
+                                             .con(QStringLiteral("XXX"), TestoChiaveMappa(percorso.chiave))
+                                             .poi(MessaggioEsitoMappa(esito), QStringLiteral(" ")));
         return;
     }
     m_nomeMappa = TestoChiaveMappa(percorso.chiave);
-    if (m_vista.domanda(
-            l.LeggiTesto("ProgMappe", "DOMANDA").trimmed().replace(QLatin1String("XXX"), m_nomeMappa),
-            FlagDomandaMappe | SecondoPredefinito, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"))
+    if (m_vista.domanda(Messaggio("ProgMappe", "DOMANDA").ritaglia().con(QStringLiteral("XXX"), m_nomeMappa),
+                        FlagDomandaMappe | SecondoPredefinito, titolo())
         != RispostaSiMappe) {
-        m_vista.mostraSegnalazione(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_19"));
+        m_vista.mostraSegnalazione(Segnalazione(QStringLiteral("SEGNALAZIONE_19")));
         return;
     }
     m_immagine = esito.immagine;
@@ -282,7 +294,7 @@ void ScritturaMappe::ProgrammaMappa(const ChiaveMappa &mappa, bool verifica)
 
 void ScritturaMappe::Riscrivi()
 {
-    if (m_immagine.size() == FileMappa::Dimensione && m_programma.linea.motore().StatoDialogo() == -1)
+    if (m_immagine.size() == FileMappa::Dimensione && m_linea.motore().StatoDialogo() == -1)
         invia();
 }
 
@@ -292,27 +304,26 @@ void ScritturaMappe::invia()
     m_numBloccoMappa = 1;
     m_indirizzoProg = FileMappa::PrimoIndirizzo;
     m_vista.mostraAvanzamento(1, FileMappa::Blocchi);
-    MotoreDialogo &m = m_programma.linea.motore();
+    MotoreDialogo &m = m_linea.motore();
     m.svuotaCoda();
     accodaBlocco();
     m_vista.abilitaPagina(false);
     if (!m.avvia(Stato, IntervalloScrittura))
-        fallita(m_programma.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_3"), true);
+        fallita(Segnalazione(QStringLiteral("SEGNALAZIONE_3")), true);
 }
 
 void ScritturaMappe::accodaBlocco()
 {
     const QByteArray blocco = m_immagine.mid((m_numBloccoMappa - 1) * LunBlocco, LunBlocco);
-    m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_11").trimmed()
-                               + QLatin1Char(' ') + QString::number(m_numBloccoMappa));
-    m_programma.linea.motore().accoda('W' + ParolaInByte(m_indirizzoProg) + char(blocco.size()) + blocco);
+    m_vista.mostraSegnalazione(messaggioBlocco(m_numBloccoMappa));
+    m_linea.motore().accoda('W' + ParolaInByte(m_indirizzoProg) + char(blocco.size()) + blocco);
 }
 
 void ScritturaMappe::risposta(char lettera, int stato, const QByteArray &payload)
 {
     if (lettera == 'e' && (payload.size() < 2 || quint8(payload.at(1)) != 0xFF)) {
         // The ECU keeps what was written before the refusal; nothing is repeated.
-        const QString errore = m_programma.lingua.testo(ErroreEcu(payload));
+        const Messaggio errore = ErroreEcu(payload);
         if (stato == Stato && m_numBloccoMappa > 1)
             interrotta(errore);
         else
@@ -324,14 +335,14 @@ void ScritturaMappe::risposta(char lettera, int stato, const QByteArray &payload
     } else if (lettera == 'r' && stato == StatoVerifica) {
         m_riletti += payload.mid(1, LunBlocco);
         m_vista.mostraAvanzamento(int(m_riletti.size() / LunBlocco), FileMappa::Blocchi);
-        if (m_programma.linea.motore().prosegui() == MotoreDialogo::Seguito::Concluso)
+        if (m_linea.motore().prosegui() == MotoreDialogo::Seguito::Concluso)
             fineVerifica();
     }
 }
 
 void ScritturaMappe::bloccoScritto()
 {
-    MotoreDialogo &m = m_programma.linea.motore();
+    MotoreDialogo &m = m_linea.motore();
     if (m_numBloccoMappa < FileMappa::Blocchi) {
         ++m_numBloccoMappa;
         m_vista.mostraAvanzamento(m_numBloccoMappa, FileMappa::Blocchi);
@@ -348,7 +359,7 @@ void ScritturaMappe::bloccoScritto()
 void ScritturaMappe::fineScrittura()
 {
     m_vista.nascondiAvanzamento();
-    m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_15"));
+    m_vista.mostraSegnalazione(Segnalazione(QStringLiteral("SEGNALAZIONE_15")));
     m_vista.abilitaPagina(true);
     m_mappaScritta = true;
     if (m_verifica)
@@ -357,16 +368,16 @@ void ScritturaMappe::fineScrittura()
 
 void ScritturaMappe::avviaVerifica()
 {
-    MotoreDialogo &m = m_programma.linea.motore();
+    MotoreDialogo &m = m_linea.motore();
     m.svuotaCoda();
     for (int n = 0; n < FileMappa::Blocchi; ++n)
         m.accoda(richiestaLettura(FileMappa::PrimoIndirizzo + quint32(n * LunBlocco)));
     m_riletti.clear();
     m_vista.mostraAvanzamento(0, FileMappa::Blocchi);
-    m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ProgMappe", "SEGNALAZIONE1.5"));
+    m_vista.mostraSegnalazione(Messaggio("ProgMappe", "SEGNALAZIONE1.5"));
     m_vista.abilitaPagina(false);
     if (!m.avvia(StatoVerifica, MotoreDialogo::IntervalloLettura))
-        fallita(m_programma.lingua.LeggiTesto("ProgMappe", "SEGNALAZIONE1.8"), true);
+        fallita(Messaggio("ProgMappe", "SEGNALAZIONE1.8"), true);
 }
 
 void ScritturaMappe::fineVerifica()
@@ -380,25 +391,25 @@ void ScritturaMappe::fineVerifica()
                 i < m_riletti.size() ? esadecimale(quint8(m_riletti.at(i)), 2) : QStringLiteral("--");
             m_vista.beep();
             m_vista.mostraSegnalazione(
-                m_programma.lingua.LeggiTesto("ProgMappe", "SEGNALAZIONE1.7")
-                    .replace(QLatin1String("XXX"), esadecimale(quint32(m_primaDifferenza), 4))
-                    .replace(QLatin1String("YYY"), esadecimale(quint8(m_immagine.at(i)), 2))
-                    .replace(QLatin1String("ZZZ"), ecu));
+                Messaggio("ProgMappe", "SEGNALAZIONE1.7")
+                    .con(QStringLiteral("XXX"), esadecimale(quint32(m_primaDifferenza), 4))
+                    .con(QStringLiteral("YYY"), esadecimale(quint8(m_immagine.at(i)), 2))
+                    .con(QStringLiteral("ZZZ"), ecu));
             return;
         }
     }
-    m_vista.mostraSegnalazione(m_programma.lingua.LeggiTesto("ProgMappe", "SEGNALAZIONE1.6"));
+    m_vista.mostraSegnalazione(Messaggio("ProgMappe", "SEGNALAZIONE1.6"));
 }
 
 void ScritturaMappe::scadenza(int stato)
 {
     if (stato == StatoVerifica)
-        fallita(m_programma.lingua.LeggiTesto("ProgMappe", "SEGNALAZIONE1.8"), true);
+        fallita(Messaggio("ProgMappe", "SEGNALAZIONE1.8"), true);
     else
-        interrotta(m_programma.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_14"));
+        interrotta(Segnalazione(QStringLiteral("SEGNALAZIONE_14")));
 }
 
-void ScritturaMappe::fallita(const QString &messaggio, bool nascondiBarra)
+void ScritturaMappe::fallita(const Messaggio &messaggio, bool nascondiBarra)
 {
     if (nascondiBarra)
         m_vista.nascondiAvanzamento();
@@ -406,17 +417,16 @@ void ScritturaMappe::fallita(const QString &messaggio, bool nascondiBarra)
     m_vista.abilitaPagina(true);
 }
 
-void ScritturaMappe::interrotta(const QString &motivo)
+void ScritturaMappe::interrotta(Messaggio motivo)
 {
     // Whether the block in flight got in is not known: from there on the ECU may hold either.
-    const Lingua &l = m_programma.lingua;
-    fallita(motivo + QLatin1Char(' ')
-                + l.LeggiTesto("ProgMappe", "MISTA")
-                      .trimmed()
-                      .replace(QLatin1String("XXX"), QString::number(m_numBloccoMappa)),
+    fallita(motivo.poi(Messaggio("ProgMappe", "MISTA")
+                           .ritaglia()
+                           .con(QStringLiteral("XXX"), QString::number(m_numBloccoMappa)),
+                       QStringLiteral(" ")),
             true);
     m_vista.offriRiscrittura(
-        l.LeggiTesto("ProgMappe", "RISCRIVERE").trimmed().replace(QLatin1String("XXX"), m_nomeMappa));
+        Messaggio("ProgMappe", "RISCRIVERE").ritaglia().con(QStringLiteral("XXX"), m_nomeMappa));
 }
 
 void ScritturaMappe::Esci()
@@ -425,9 +435,7 @@ void ScritturaMappe::Esci()
         m_vista.chiudiPagina();
         return;
     }
-    const Lingua &l = m_programma.lingua;
-    if (m_vista.domanda(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_56"), FlagDomandaMappe,
-                        l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"))
+    if (m_vista.domanda(Segnalazione(QStringLiteral("SEGNALAZIONE_56")), FlagDomandaMappe, titolo())
         == RispostaSiMappe)
         m_vista.chiudiPagina();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Messaggio.h"
 #include "link/ErroreEcu.h"
 #include "link/MotoreDialogo.h"
 #include "programming/FileMappa.h"
@@ -11,8 +12,8 @@
 
 namespace kv {
 
-class Lingua;
-class Programma;
+class Catalogo;
+class SessioneLinea;
 
 // What the two map pages' dialogues ask of the page on screen.
 class VistaMappe
@@ -21,7 +22,7 @@ public:
     virtual ~VistaMappe() = default;
 
     // The page's message line (Segnalazione1), empty to clear it.
-    virtual void mostraSegnalazione(const QString &testo) = 0;
+    virtual void mostraSegnalazione(const Messaggio &testo) = 0;
     // Disabled from the first frame of a transfer to its last reply.
     virtual void abilitaPagina(bool abilitata) = 0;
     // The progress bar, shown at that value and maximum; hidden again.
@@ -29,7 +30,7 @@ public:
     virtual void nascondiAvanzamento() = 0;
     virtual void beep() = 0;
     // The common message box; the code of the key pressed (6 for yes).
-    virtual int domanda(const QString &testo, int flags, const QString &titolo) = 0;
+    virtual int domanda(const Messaggio &testo, int flags, const Messaggio &titolo) = 0;
     // The page ends. Called last; the page may go away after it returns.
     virtual void chiudiPagina() = 0;
     // A read has been filed under those names: the tree is built again and shows it.
@@ -38,7 +39,7 @@ public:
     virtual void fuocoNomeFile() {}
     // A write cut off half-way: the question whether to write the map again, asked once the
     // reply that ended it has been dealt with; yes calls ScritturaMappe::Riscrivi.
-    virtual void offriRiscrittura(const QString &) {}
+    virtual void offriRiscrittura(const Messaggio &) {}
 };
 
 // Codes of the message box and the question's flags: yes and no with the question mark;
@@ -57,7 +58,9 @@ class LetturaMappe : public GestoreStati
 public:
     static constexpr int Stato = 161;
 
-    LetturaMappe(Programma &programma, VistaMappe &vista);
+    // The map lands in the archive below percorsoApp; the catalogue says where the ECU keeps
+    // its lambda flag.
+    LetturaMappe(SessioneLinea &linea, QString percorsoApp, const Catalogo &catalogo, VistaMappe &vista);
     ~LetturaMappe() override;
     LetturaMappe(const LetturaMappe &) = delete;
     LetturaMappe &operator=(const LetturaMappe &) = delete;
@@ -81,10 +84,12 @@ public:
 private:
     void fine();
     // The read ends without a map: KVMAPPA.TMP goes, the page comes back with the message.
-    void interrompi(const QString &messaggio, bool nascondiBarra = true);
+    void interrompi(const Messaggio &messaggio, bool nascondiBarra = true);
     QString temporaneo() const;
 
-    Programma &m_programma;
+    SessioneLinea &m_linea;
+    const QString m_percorsoApp;
+    const Catalogo &m_catalogo;
     VistaMappe &m_vista;
     ChiaveMappa m_chiave;
     QString m_nota;
@@ -109,7 +114,7 @@ public:
     static constexpr int StatoVerifica = 172;
     static constexpr int IntervalloScrittura = 3000;
 
-    ScritturaMappe(Programma &programma, VistaMappe &vista);
+    ScritturaMappe(SessioneLinea &linea, QString percorsoApp, VistaMappe &vista);
     ~ScritturaMappe() override;
     ScritturaMappe(const ScritturaMappe &) = delete;
     ScritturaMappe &operator=(const ScritturaMappe &) = delete;
@@ -148,11 +153,12 @@ private:
     void fineScrittura();
     void avviaVerifica();
     void fineVerifica();
-    void fallita(const QString &messaggio, bool nascondiBarra);
+    void fallita(const Messaggio &messaggio, bool nascondiBarra);
     // The write stopped after at least one block may have gone in.
-    void interrotta(const QString &motivo);
+    void interrotta(Messaggio motivo);
 
-    Programma &m_programma;
+    SessioneLinea &m_linea;
+    const QString m_percorsoApp;
     VistaMappe &m_vista;
     QString m_nomeFileMappa;
     QString m_nomeMappa; // as the messages name it: LPG\Fiat\Punto\base

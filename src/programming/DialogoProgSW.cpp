@@ -5,7 +5,6 @@
 #include "archives/Archivio.h"
 #include "archives/Cartelle.h"
 #include "base/FileSystem.h"
-#include "base/Lingua.h"
 #include "link/Frame.h"
 #include "link/SessioneLinea.h"
 #include "programming/FileBlocchi.h"
@@ -41,32 +40,30 @@ QStringList ElencoSoftware(const QString &percorsoApp)
     return nomi;
 }
 
-SchedaSoftware LeggiSchedaSoftware(const QString &percorsoApp, const QString &nome, const Lingua &lingua)
+SchedaSoftware LeggiSchedaSoftware(const QString &percorsoApp, const QString &nome)
 {
     SchedaSoftware scheda;
     Archivio db;
     if (ApriArchivioSoftware(PercorsoFile(percorsoApp, FileArchivi::CartellaSoftware),
                              FileArchivi::FileSoftware, db)
         == 0) {
-        scheda.avviso = TestoEsitoArchivio(lingua, db.Esito());
+        scheda.avviso = MessaggioArchivio(db.Esito());
         return scheda;
     }
     if (const auto riga = db.Cerca(u"PER_NOME", {nome})) {
         scheda.Versione = riga->Testo(u"Versione");
         scheda.Note = riga->Testo(u"Note");
     } else if (!db.Esito().ok()) {
-        scheda.avviso = TestoEsitoArchivio(lingua, db.Esito());
+        scheda.avviso = MessaggioArchivio(db.Esito());
     }
     ChiudiArchivioSoftware(db);
     return scheda;
 }
 
-DialogoProgSW::DialogoProgSW(SessioneLinea &linea, const QString &percorsoApp, const Lingua &lingua,
-                             VistaProgSW &vista)
+DialogoProgSW::DialogoProgSW(SessioneLinea &linea, const QString &percorsoApp, VistaProgSW &vista)
     : m_linea(linea)
     , m_motore(linea.motore())
     , m_percorsoApp(percorsoApp)
-    , m_lingua(lingua)
     , m_vista(vista)
 {
     m_motore.registra(StatoInizio, this);
@@ -91,13 +88,13 @@ SchedaSoftware DialogoProgSW::scegli(const QString &testoNodo)
     m_nome = testoNodo.trimmed();
     if (m_nome.isEmpty())
         return {};
-    return LeggiSchedaSoftware(m_percorsoApp, m_nome, m_lingua);
+    return LeggiSchedaSoftware(m_percorsoApp, m_nome);
 }
 
 bool DialogoProgSW::preparaImmagine()
 {
     const QString &app = m_percorsoApp;
-    const QString nonValido = m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_9");
+    const Messaggio nonValido = Segnalazione(QStringLiteral("SEGNALAZIONE_9"));
     // Only a plain file of the software folder is read: not a link, nor a path.
     const QString s19 = m_nome.contains(u'/') || m_nome.contains(u'\\')
                             ? QString()
@@ -108,7 +105,7 @@ bool DialogoProgSW::preparaImmagine()
     }
     const EsitoS19 esito = LeggiS19(s19);
     if (!esito.ok()) {
-        m_vista.mostraSegnalazione(testoS19(esito));
+        m_vista.mostraSegnalazione(messaggioS19(esito));
         return false;
     }
     m_fileSW = PercorsoFileSW(app);
@@ -119,21 +116,23 @@ bool DialogoProgSW::preparaImmagine()
     return true;
 }
 
-QString DialogoProgSW::testoS19(const EsitoS19 &esito) const
+Messaggio DialogoProgSW::messaggioS19(const EsitoS19 &esito) const
 {
-    const QString motivo = m_lingua.LeggiTesto("ProgSW", "S19." + QString::number(int(esito.errore)))
-                               .trimmed()
-                               .replace(QLatin1String("XXX"), QString::number(esito.riga))
-                               .replace(QLatin1String("YYY"), QString::number(esito.colonna));
-    return m_lingua.LeggiTesto("ProgSW", "RIFIUTO").trimmed().replace(QLatin1String("XXX"), m_nome)
-           + QLatin1Char(' ') + motivo;
+    return Messaggio("ProgSW", "RIFIUTO")
+        .ritaglia()
+        .con(QStringLiteral("XXX"), m_nome)
+        .poi(Messaggio("ProgSW", "S19." + QString::number(int(esito.errore)))
+                 .ritaglia()
+                 .con(QStringLiteral("XXX"), QString::number(esito.riga))
+                 .con(QStringLiteral("YYY"), QString::number(esito.colonna)),
+             QStringLiteral(" "));
 }
 
 void DialogoProgSW::avviaProgrammazione()
 {
     if (m_nome.isEmpty()) {
-        m_vista.mostraMsg(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_13"), FlagInformazione,
-                          m_lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
+        m_vista.mostraMsg(Segnalazione(QStringLiteral("SEGNALAZIONE_13")), FlagInformazione,
+                          Segnalazione(QStringLiteral("TITOLO_1")));
         return;
     }
     // The page is disabled while the link is busy; this only keeps a stray call out.
@@ -142,16 +141,15 @@ void DialogoProgSW::avviaProgrammazione()
     if (!preparaImmagine())
         return;
     if (!m_motore.PortOpen()) {
-        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_3"));
+        m_vista.mostraSegnalazione(Segnalazione(QStringLiteral("SEGNALAZIONE_3")));
         return;
     }
-    if (!m_vista.chiedi(
-            m_lingua.LeggiTesto("ProgSW", "DOMANDA").trimmed().replace(QLatin1String("XXX"), m_nome),
-            m_lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"))) {
-        m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_19"));
+    if (!m_vista.chiedi(Messaggio("ProgSW", "DOMANDA").ritaglia().con(QStringLiteral("XXX"), m_nome),
+                        Segnalazione(QStringLiteral("TITOLO_1")))) {
+        m_vista.mostraSegnalazione(Segnalazione(QStringLiteral("SEGNALAZIONE_19")));
         return;
     }
-    m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_7"));
+    m_vista.mostraSegnalazione(Segnalazione(QStringLiteral("SEGNALAZIONE_7")));
     m_vista.impostaBarra(0);
     m_vista.mostraBarra(true);
     m_numBloccoSW = 0;
@@ -188,7 +186,7 @@ void DialogoProgSW::risposta(char lettera, int stato, const QByteArray &payload)
             // The ECU restarts with what has just been written: the next live frame asks it
             // again who it is, so the version page shows what it now runs.
             m_linea.ecuRiprogrammata();
-            m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_12"));
+            m_vista.mostraSegnalazione(Segnalazione(QStringLiteral("SEGNALAZIONE_12")));
             m_vista.abilitaPagina(true);
         }
         break;
@@ -206,8 +204,9 @@ bool DialogoProgSW::accodaBlocco()
         bloccoIlleggibile();
         return false;
     }
-    m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_11").trimmed() + u' '
-                               + QString::number(m_numBloccoSW));
+    m_vista.mostraSegnalazione(Segnalazione(QStringLiteral("SEGNALAZIONE_11"))
+                                   .ritaglia()
+                                   .poi(Letterale(QString::number(m_numBloccoSW)), QStringLiteral(" ")));
     m_motore.accoda('W' + ParolaInByte(static_cast<quint32>(m_indirizzoProg)) + char(LunBlocco) + blocco);
     return true;
 }
@@ -235,14 +234,14 @@ void DialogoProgSW::dopoBlocco()
 
 void DialogoProgSW::bloccoIlleggibile()
 {
-    m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_13"));
+    m_vista.mostraSegnalazione(Segnalazione(QStringLiteral("SEGNALAZIONE_13")));
     m_motore.abbandona();
     m_vista.abilitaPagina(true);
 }
 
 void DialogoProgSW::erroreEcu(const QByteArray &payload)
 {
-    m_vista.mostraSegnalazione(m_lingua.testo(ErroreEcu(payload)));
+    m_vista.mostraSegnalazione(ErroreEcu(payload));
     m_vista.mostraBarra(false);
     m_vista.abilitaPagina(true);
 }
@@ -251,7 +250,7 @@ void DialogoProgSW::scadenza(int stato)
 {
     if (stato < StatoInizio || stato >= StatoInizio + 10)
         return;
-    m_vista.mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_10"));
+    m_vista.mostraSegnalazione(Segnalazione(QStringLiteral("SEGNALAZIONE_10")));
     m_vista.mostraBarra(false);
     m_vista.abilitaPagina(true);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/Messaggio.h"
 #include "link/MotoreDialogo.h"
 
 #include <QString>
@@ -7,7 +8,6 @@
 
 namespace kv {
 
-class Lingua;
 struct EsitoS19;
 class SessioneLinea;
 
@@ -18,16 +18,16 @@ public:
     virtual ~VistaProgSW() = default;
 
     // The page's message line, Segnalazione1.
-    virtual void mostraSegnalazione(const QString &testo) = 0;
+    virtual void mostraSegnalazione(const Messaggio &testo) = 0;
     // Disabled from the first frame of the flash to its last reply.
     virtual void abilitaPagina(bool abilitata) = 0;
     // BarraPercentuale, 0 to 220.
     virtual void mostraBarra(bool visibile) = 0;
     virtual void impostaBarra(int valore) = 0;
     // The common message box.
-    virtual void mostraMsg(const QString &testo, int flags, const QString &titolo) = 0;
+    virtual void mostraMsg(const Messaggio &testo, int flags, const Messaggio &titolo) = 0;
     // A question with yes and no, no the default; true for yes.
-    virtual bool chiedi(const QString &testo, const QString &titolo) = 0;
+    virtual bool chiedi(const Messaggio &testo, const Messaggio &titolo) = 0;
 };
 
 // The software folder, <program>/SOFTWARE/FILES19, as it is spelt on disk.
@@ -44,9 +44,9 @@ struct SchedaSoftware
 {
     QString Versione;
     QString Note;
-    QString avviso;
+    Messaggio avviso;
 };
-SchedaSoftware LeggiSchedaSoftware(const QString &percorsoApp, const QString &nome, const Lingua &lingua);
+SchedaSoftware LeggiSchedaSoftware(const QString &percorsoApp, const QString &nome);
 
 // The ECU side of ProgSW: the chosen S19 file checked whole (ControllaS19), the image built
 // from it, one question, then 'I', the 220 blocks by 'W' and 'F', one reply each, nothing
@@ -62,7 +62,7 @@ public:
     static constexpr int IntervalloProgrammazione = 3000;
     static constexpr int FlagInformazione = 0x40;
 
-    DialogoProgSW(SessioneLinea &linea, const QString &percorsoApp, const Lingua &lingua, VistaProgSW &vista);
+    DialogoProgSW(SessioneLinea &linea, const QString &percorsoApp, VistaProgSW &vista);
     ~DialogoProgSW() override;
 
     DialogoProgSW(const DialogoProgSW &) = delete;
@@ -93,7 +93,7 @@ private:
     // The image from the chosen file; false, with the message shown, when nothing may be sent.
     bool preparaImmagine();
     // Why the chosen file is refused, naming its first bad line.
-    QString testoS19(const EsitoS19 &esito) const;
+    Messaggio messaggioS19(const EsitoS19 &esito) const;
     // Queues block NumBloccoSW; false, with the flash ended, when it cannot be read.
     bool accodaBlocco();
     void bloccoIlleggibile();
@@ -103,7 +103,6 @@ private:
     SessioneLinea &m_linea;
     MotoreDialogo &m_motore;
     const QString m_percorsoApp;
-    const Lingua &m_lingua;
     VistaProgSW &m_vista;
 
     QString m_nome;

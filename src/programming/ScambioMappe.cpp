@@ -3,7 +3,6 @@
 #include "archives/Cartelle.h"
 #include "archives/PulisciDestinazione.h"
 #include "base/FileSystem.h"
-#include "base/Lingua.h"
 #include "programming/ControlloMappa.h"
 
 #include <QFileInfo>
@@ -14,20 +13,16 @@ namespace kv {
 
 namespace {
 
-const QString Scambio = QStringLiteral("SCAMBIO");
-const QString Segnalazioni = QStringLiteral("SEGNALAZIONI");
-const QString Ripri = QStringLiteral("RipriMappe");
-
-// The key of the language file that says why a map's names cannot travel; empty when they can.
-QString difettoNomi(const ChiaveMappa &k)
+// Why a map's names cannot travel; empty when they can.
+Messaggio difettoNomi(const ChiaveMappa &k)
 {
     for (int n = 0; n < ChiaveMappa::Campi; ++n)
         if (!NomeScambioValido(k.campo(n), LunghezzaMassimaNome(n)))
-            return QStringLiteral("NOME");
+            return Messaggio("SCAMBIO", "NOME");
     for (const QLatin1String impianto : FileMappa::Impianti)
         if (k.impianto.compare(impianto, Qt::CaseInsensitive) == 0)
             return {};
-    return QStringLiteral("IMPIANTO");
+    return Messaggio("SCAMBIO", "IMPIANTO");
 }
 
 QString piegata(const ChiaveMappa &k)
@@ -51,17 +46,17 @@ RigaArchivio rigaMappa(const Archivio &db, const ChiaveMappa &k, const std::opti
 
 // Why an entry of a list is passed over (a name that cannot be a file here, or one already
 // done in other case); empty when it goes ahead, and then it counts as done.
-QString scarto(const ChiaveMappa &k, QSet<QString> &fatte)
+Messaggio scarto(const ChiaveMappa &k, QSet<QString> &fatte)
 {
-    if (QString difetto = difettoNomi(k); !difetto.isEmpty())
+    if (Messaggio difetto = difettoNomi(k); !difetto.vuoto())
         return difetto;
     if (fatte.contains(piegata(k)))
-        return QStringLiteral("DOPPIO");
+        return Messaggio("SCAMBIO", "DOPPIO");
     fatte.insert(piegata(k));
     return {};
 }
 
-EsitoScambio fine(bool fatto, const QString &messaggio, QStringList avvisi = {})
+EsitoScambio fine(bool fatto, const Messaggio &messaggio, std::vector<Messaggio> avvisi = {})
 {
     return {fatto, messaggio, std::move(avvisi), 0};
 }
@@ -73,17 +68,13 @@ QString TestoChiaveMappa(const ChiaveMappa &chiave)
     return chiave.elenco().join(u'\\');
 }
 
-EsitoScambio ScriviDiscoMappe(const QString &percorsoApp, const Lingua &lingua,
-                              const QList<ChiaveMappa> &mappe, const QString &destinazione,
-                              const DomandaScambio &domanda)
+EsitoScambio ScriviDiscoMappe(const QString &percorsoApp, const QList<ChiaveMappa> &mappe,
+                              const QString &destinazione, const DomandaScambio &domanda)
 {
-    const auto segnalazione = [&lingua](const char *chiave) {
-        return TestoScambio(lingua, Segnalazioni, QString::fromLatin1(chiave));
-    };
     if (mappe.isEmpty())
-        return fine(false, segnalazione("SEGNALAZIONE_17"));
+        return fine(false, MessaggioScambio(Segnalazione("SEGNALAZIONE_17")));
     const AvvioCopiaSet avvio =
-        AvviaCopiaSet(destinazione, percorsoApp, lingua, domanda, QStringLiteral("SEGNALAZIONE_18"));
+        AvviaCopiaSet(destinazione, percorsoApp, domanda, Segnalazione("SEGNALAZIONE_18"));
     if (avvio.errore)
         return *avvio.errore;
     const CartellaScambio &meta = avvio.destinazione;
@@ -93,28 +84,28 @@ EsitoScambio ScriviDiscoMappe(const QString &percorsoApp, const Lingua &lingua,
         || !ApriArchivioMappe(temp, FileArchivi::FileTempMappe, set)) {
         const EsitoArchivio e = locale.Aperto() ? set.Esito() : locale.Esito();
         CancellaTemp(percorsoApp);
-        return fine(false, segnalazione("SEGNALAZIONE_19"), {TestoEsitoArchivio(lingua, e)});
+        return fine(false, MessaggioScambio(Segnalazione("SEGNALAZIONE_19")), {MessaggioArchivio(e)});
     }
     EsitoScambio esito;
     QSet<QString> fatte;
     for (const ChiaveMappa &m : mappe) {
         const ChiaveMappa k = m.pulita();
         const QString visibile = NomeVisibile(TestoChiaveMappa(k));
-        const auto salta = [&](const QString &chiave) {
-            esito.avvisi << TestoScambio(lingua, Scambio, chiave, visibile);
+        const auto salta = [&](Messaggio motivo) {
+            esito.avvisi.push_back(MessaggioScambio(std::move(motivo), visibile));
         };
-        if (const QString difetto = scarto(k, fatte); !difetto.isEmpty()) {
-            salta(difetto);
+        if (Messaggio difetto = scarto(k, fatte); !difetto.vuoto()) {
+            salta(std::move(difetto));
             continue;
         }
         const PercorsoMappa p = PercorsoFileMappa(percorsoApp, k, NomiMappa::Esistenti);
         if (!p.ok()) {
-            salta(QStringLiteral("FUORI"));
+            salta(Messaggio("SCAMBIO", "FUORI"));
             continue;
         }
         const std::optional<RigaArchivio> qui = locale.Cerca(u"PER_NOME", k.elenco());
         if (!set.Salva(rigaMappa(set, p.chiave, qui ? qui->Campo(u"NOTE") : std::nullopt))) {
-            esito.avvisi << visibile + QStringLiteral(": ") + TestoEsitoArchivio(lingua, set.Esito());
+            esito.avvisi.push_back(MessaggioArchivio(set.Esito()).preceduto(visibile + QStringLiteral(": ")));
             continue;
         }
         QString cartella = temp;
@@ -126,19 +117,19 @@ EsitoScambio ScriviDiscoMappe(const QString &percorsoApp, const Lingua &lingua,
                                 MassimoFileScambio)
                    == EsitoCopia::Fatta;
         if (!copiata)
-            salta(QStringLiteral("SOLO_RIGA"));
+            salta(Messaggio("SCAMBIO", "SOLO_RIGA"));
         ++esito.voci;
     }
     ChiudiArchivioMappe(set);
     ChiudiArchivioMappe(locale);
 
-    return ConsegnaSet(esito, meta, temp, percorsoApp, lingua, TipoScambio::Mappe);
+    return ConsegnaSet(esito, meta, temp, percorsoApp, TipoScambio::Mappe);
 }
 
-SorgenteMappe LeggiDiscoMappe(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente)
+SorgenteMappe LeggiDiscoMappe(const QString &percorsoApp, const QString &sorgente)
 {
     SorgenteMappe s;
-    const MediumScambio m = LeggiMediumScambio(percorsoApp, lingua, sorgente, TipoScambio::Mappe);
+    const MediumScambio m = LeggiMediumScambio(percorsoApp, sorgente, TipoScambio::Mappe);
     s.esito = m.esito;
     if (!m.esito.fatto)
         return s;
@@ -148,12 +139,12 @@ SorgenteMappe LeggiDiscoMappe(const QString &percorsoApp, const Lingua &lingua, 
     return s;
 }
 
-EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, const QString &sorgente,
+EsitoScambio RipristinaMappe(const QString &percorsoApp, const QString &sorgente,
                              const QList<ChiaveMappa> &mappe, const DomandaScambio &domanda)
 {
     if (mappe.isEmpty() || sorgente.trimmed().isEmpty())
-        return fine(false, TestoScambio(lingua, Segnalazioni, QStringLiteral("SEGNALAZIONE_17")));
-    const MediumScambio m = LeggiMediumScambio(percorsoApp, lingua, sorgente, TipoScambio::Mappe);
+        return fine(false, MessaggioScambio(Segnalazione("SEGNALAZIONE_17")));
+    const MediumScambio m = LeggiMediumScambio(percorsoApp, sorgente, TipoScambio::Mappe);
     if (!m.esito.fatto)
         return m.esito;
     EsitoScambio esito;
@@ -162,8 +153,8 @@ EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, c
     const QString radice = CartellaMappe(percorsoApp);
     if (!ApriArchivioMappe(radice, FileArchivi::FileMappe, locale)) {
         CancellaTemp(percorsoApp);
-        return fine(false, TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE_4")),
-                    esito.avvisi << TestoEsitoArchivio(lingua, locale.Esito()));
+        esito.avvisi.push_back(MessaggioArchivio(locale.Esito()));
+        return fine(false, MessaggioScambio(Messaggio("RipriMappe", "SEGNALAZIONE_4")), esito.avvisi);
     }
     // The notes of the medium by key; the first of a doubled key wins.
     QHash<QString, std::optional<QString>> note;
@@ -178,46 +169,47 @@ EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, c
     for (const ChiaveMappa &mappa : mappe) {
         const ChiaveMappa k = mappa.pulita();
         const QString visibile = NomeVisibile(TestoChiaveMappa(k));
-        const auto salta = [&](const QString &chiave) {
-            esito.avvisi << TestoScambio(lingua, Scambio, chiave, visibile);
+        const auto salta = [&](Messaggio motivo) {
+            esito.avvisi.push_back(MessaggioScambio(std::move(motivo), visibile));
         };
-        if (const QString difetto = scarto(k, fatte); !difetto.isEmpty()) {
-            salta(difetto);
+        if (Messaggio difetto = scarto(k, fatte); !difetto.vuoto()) {
+            salta(std::move(difetto));
             continue;
         }
         const QString origine =
             FileNelMedium(m, {k.impianto, k.marca, k.modello, k.file + FileMappa::Estensione});
         if (origine.isEmpty()) {
-            salta(QStringLiteral("SENZA_FILE"));
+            salta(Messaggio("SCAMBIO", "SENZA_FILE"));
             continue;
         }
         // Only a file that is exactly a map comes into the archive: from there it could be
         // written into an ECU.
         if (const EsitoMappa controllo = LeggiMappa(origine); !controllo.ok()) {
-            esito.avvisi << TestoScambio(lingua, Scambio, QStringLiteral("NON_MAPPA"), visibile)
-                                .replace(QLatin1String("YYY"), TestoEsitoMappa(lingua, controllo));
+            esito.avvisi.push_back(MessaggioScambio(Messaggio("SCAMBIO", "NON_MAPPA"), visibile)
+                                       .con(QStringLiteral("YYY"), MessaggioEsitoMappa(controllo)));
             continue;
         }
         const PercorsoMappa p = PercorsoFileMappa(percorsoApp, k, NomiMappa::Esistenti);
         if (!p.ok()) {
-            salta(QStringLiteral("FUORI"));
+            salta(Messaggio("SCAMBIO", "FUORI"));
             continue;
         }
         const std::optional<RigaArchivio> qui = locale.Cerca(u"PER_NOME", k.elenco());
         if (qui || EsisteMappa(p)) {
-            const QString testo = TestoScambio(lingua, Ripri, QStringLiteral("SEGNALAZIONE_1"),
-                                               u' ' + TestoChiaveMappa(p.chiave) + u' ');
+            const Messaggio testo = MessaggioScambio(Messaggio("RipriMappe", "SEGNALAZIONE_1"),
+                                                     u' ' + TestoChiaveMappa(p.chiave) + u' ');
             if (!domanda(testo))
                 continue;
         }
         const std::optional<QByteArray> prima = ContenutoPrecedente(p.file, radice);
         if (!CreaCartellaMappa(percorsoApp, p) || !PosaFile(origine, p.file, radice)) {
-            salta(QStringLiteral("SCRITTURA"));
+            salta(Messaggio("SCAMBIO", "SCRITTURA"));
             continue;
         }
         if (!locale.Salva(rigaMappa(locale, p.chiave, note.value(piegata(k))))) {
             RimettiFile(p.file, radice, prima);
-            esito.avvisi << visibile + QStringLiteral(": ") + TestoEsitoArchivio(lingua, locale.Esito());
+            esito.avvisi.push_back(
+                MessaggioArchivio(locale.Esito()).preceduto(visibile + QStringLiteral(": ")));
             continue;
         }
         ++esito.voci;
@@ -225,7 +217,7 @@ EsitoScambio RipristinaMappe(const QString &percorsoApp, const Lingua &lingua, c
     ChiudiArchivioMappe(locale);
     CancellaTemp(percorsoApp);
     esito.fatto = true;
-    esito.messaggio = TestoConteggio(lingua, Ripri, QStringLiteral("SEGNALAZIONE_3"), esito.voci);
+    esito.messaggio = MessaggioConteggio(Messaggio("RipriMappe", "SEGNALAZIONE_3"), esito.voci);
     return esito;
 }
 

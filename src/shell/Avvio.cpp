@@ -27,7 +27,7 @@ Esito preparaCartella(const QString &percorsoApp, IstanzaUnica &istanza)
     return Esito::Prosegui;
 }
 
-void esegui(Programma &p)
+void esegui(Programma &p, const CercaTesto &testo)
 {
     const QString decimale = QLocale().decimalPoint();
     p.SepDecimale = decimale.isEmpty() ? '.' : decimale.at(0).toLatin1();
@@ -45,10 +45,9 @@ void esegui(Programma &p)
     p.IniDialogo();
     p.IniCollegamento();
     p.catalogo.InizializzaParametri();
-    p.lingua.LeggiImpLingua();
     p.LeggiImpSeriale();
     p.ApriPorta();
-    p.canali.InizializzaCanali(p.lingua);
+    p.canali.InizializzaCanali(testo);
     p.anello.azzera();
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "monitoring/Canali.h"
+
 #include <QString>
 
 namespace kv {
@@ -21,9 +23,10 @@ enum class Esito {
 // lock is ours.
 Esito preparaCartella(const QString &percorsoApp, IstanzaUnica &istanza);
 
-// Folders, leftovers of the last run, program-wide state, catalogues, language, serial
-// settings, port, channel table and recording ring. The main frame comes after this.
-void esegui(Programma &programma);
+// Folders, leftovers of the last run, program-wide state, catalogues, serial settings, port,
+// channel table and recording ring. The language is chosen before this: testo looks the
+// channels' names up in it. The main frame comes after this.
+void esegui(Programma &programma, const CercaTesto &testo);
 
 } // namespace Avvio
 

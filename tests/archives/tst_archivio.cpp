@@ -272,7 +272,7 @@ private slots:
         Lingua lingua(QStringLiteral(KV_SOURCE_DIR "/lang"));
         for (const char *nome : {"ENGLISH", "ITALIANO"}) {
             lingua.LinguaCorrente = QLatin1String(nome);
-            const QString testo = TestoEsitoArchivio(lingua, a.Esito());
+            const QString testo = lingua.testo(MessaggioArchivio(a.Esito()));
             QVERIFY2(testo.contains(QDir::toNativeSeparators(percorso))
                          && !testo.contains(QLatin1String("XXX")),
                      qPrintable(testo));

@@ -34,12 +34,20 @@ class TestScambio : public QObject
     QString p(const QString &relativo) const { return m_dir->filePath(relativo); }
     QString testo(const char *sezione, const char *chiave, const QString &al = {}) const
     {
-        return TestoScambio(lingua, QString::fromLatin1(sezione), QString::fromLatin1(chiave), al);
+        return lingua.testo(MessaggioScambio(Messaggio(sezione, chiave), al));
+    }
+    QString testo(const Messaggio &m) const { return lingua.testo(m); }
+    QStringList avvisi(const EsitoScambio &esito) const
+    {
+        QStringList t;
+        for (const Messaggio &m : esito.avvisi)
+            t << lingua.testo(m);
+        return t;
     }
     DomandaScambio rispondi(QList<bool> risposte)
     {
-        return [this, risposte](const QString &t) mutable {
-            domande << t;
+        return [this, risposte](const Messaggio &t) mutable {
+            domande << lingua.testo(t);
             return risposte.isEmpty() || risposte.takeFirst();
         };
     }
@@ -175,22 +183,22 @@ private slots:
                                             "SOLORIGA|1.0|note of SOLORIGA|-"}));
 
         // Nothing to write, no target, and the program's folder: refused before the question.
-        QCOMPARE(ScriviDiscoSoftware(app, lingua, {}, p("stick"), rispondi({})).messaggio,
+        QCOMPARE(testo(ScriviDiscoSoftware(app, {}, p("stick"), rispondi({})).messaggio),
                  testo("SEGNALAZIONI", "SEGNALAZIONE_23"));
-        QCOMPARE(ScriviDiscoSoftware(app, lingua, {"KV2"}, " ", rispondi({})).messaggio,
+        QCOMPARE(testo(ScriviDiscoSoftware(app, {"KV2"}, " ", rispondi({})).messaggio),
                  testo("SEGNALAZIONI", "SEGNALAZIONE_32"));
-        QCOMPARE(ScriviDiscoSoftware(app, lingua, {"KV2"}, app, rispondi({})).messaggio,
+        QCOMPARE(testo(ScriviDiscoSoftware(app, {"KV2"}, app, rispondi({})).messaggio),
                  testo("SEGNALAZIONI", "SEGNALAZIONE_21"));
         QVERIFY(domande.isEmpty());
-        QCOMPARE(ScriviDiscoSoftware(app, lingua, {"KV2"}, p("stick"), rispondi({false})).messaggio,
+        QCOMPARE(testo(ScriviDiscoSoftware(app, {"KV2"}, p("stick"), rispondi({false})).messaggio),
                  testo("SEGNALAZIONI", "SEGNALAZIONE_19"));
         QVERIFY(!QFileInfo::exists(p("stick")));
 
         const EsitoScambio scritto =
-            ScriviDiscoSoftware(app, lingua, {"KV2", "KV3", "SOLORIGA"}, p("stick"), rispondi({true}));
+            ScriviDiscoSoftware(app, {"KV2", "KV3", "SOLORIGA"}, p("stick"), rispondi({true}));
         QVERIFY(scritto.fatto);
-        QCOMPARE(scritto.messaggio, testo("SEGNALAZIONI", "SEGNALAZIONE_20"));
-        QCOMPARE(scritto.avvisi, QStringList{testo("SCAMBIO", "SOLO_RIGA", "SOLORIGA")});
+        QCOMPARE(testo(scritto.messaggio), testo("SEGNALAZIONI", "SEGNALAZIONE_20"));
+        QCOMPARE(avvisi(scritto), QStringList{testo("SCAMBIO", "SOLO_RIGA", "SOLORIGA")});
         QVERIFY(!QFileInfo::exists(p("app/TEMP")));
 
         // The archive emptied, and all of it back from the medium, which is read-only.
@@ -201,15 +209,15 @@ private slots:
         SorgenteSoftware letto;
         {
             SolaLettura protetto(p("stick"), QFile::ReadOwner | QFile::ExeOwner);
-            letto = LeggiDiscoSoftware(app, lingua, p("stick"));
+            letto = LeggiDiscoSoftware(app, p("stick"));
             QVERIFY(letto.esito.fatto);
             QStringList nomi;
             for (const VoceSoftware &v : letto.voci)
                 nomi << v.nome;
-            const EsitoScambio ripreso = RipristinaSoftware(app, lingua, p("stick"), nomi, rispondi({}));
+            const EsitoScambio ripreso = RipristinaSoftware(app, p("stick"), nomi, rispondi({}));
             QVERIFY(ripreso.fatto);
             QCOMPARE(ripreso.voci, 2);
-            QCOMPARE(ripreso.avvisi, QStringList{testo("SCAMBIO", "SENZA_FILE", "SOLORIGA")});
+            QCOMPARE(avvisi(ripreso), QStringList{testo("SCAMBIO", "SENZA_FILE", "SOLORIGA")});
         }
         QCOMPARE(righe(letto.voci), QStringList({"KV2|2.01|note of KV2|file", "KV3|3.00|note of KV3|file",
                                                  "SOLORIGA|1.0|note of SOLORIGA|-"}));
@@ -223,8 +231,7 @@ private slots:
         // Again: each one asks first, and a no leaves row and file as they are.
         scrivi(p("app/SOFTWARE/FILES19/KV2.S19"), "tuned here");
         domande.clear();
-        QCOMPARE(RipristinaSoftware(app, lingua, p("stick"), {"KV2", "KV3"}, rispondi({false, true})).voci,
-                 1);
+        QCOMPARE(RipristinaSoftware(app, p("stick"), {"KV2", "KV3"}, rispondi({false, true})).voci, 1);
         QCOMPARE(domande.first(), testo("RipriDiscoSW", "SEGNALAZIONE1.1", " KV2\\2.01 "));
         QCOMPARE(leggi(p("app/SOFTWARE/FILES19/KV2.S19")), QByteArray("tuned here"));
     }
@@ -261,7 +268,7 @@ private slots:
         QStringList nomi;
         for (const QStringList &r : righeMezzo)
             nomi << r.first();
-        const EsitoScambio esito = RipristinaSoftware(app, lingua, p("stick"), nomi, rispondi({}));
+        const EsitoScambio esito = RipristinaSoftware(app, p("stick"), nomi, rispondi({}));
         QVERIFY(esito.fatto);
         QCOMPARE(esito.voci, 2);
         QCOMPARE(QDir(p("app/SOFTWARE/FILES19")).entryList(QDir::AllEntries | QDir::NoDotAndDotDot),
@@ -274,7 +281,7 @@ private slots:
             attesi << testo("SCAMBIO", "NOME", NomeVisibile(nomi.at(i)));
         attesi << testo("SCAMBIO", "DOPPIO", "buono") << testo("SCAMBIO", "SENZA_FILE", "MANCA")
                << testo("SCAMBIO", "SENZA_FILE", "LINK");
-        QCOMPARE(esito.avvisi, attesi);
+        QCOMPARE(avvisi(esito), attesi);
     }
 
     void mezzoIllegibile_data()
@@ -314,11 +321,11 @@ private slots:
         const QString mezzo = QFileInfo(p("stick")).canonicalFilePath();
         const QString percorso =
             chiave == u"CATALOGO_ASSENTE" || chiave == u"LETTURA" ? mezzo : mezzo + "/SOFTRIPR.MDB";
-        const EsitoScambio esito = RipristinaSoftware(app, lingua, p("stick"), {"KV2"}, rispondi({}));
+        const EsitoScambio esito = RipristinaSoftware(app, p("stick"), {"KV2"}, rispondi({}));
         QVERIFY(!esito.fatto);
-        QCOMPARE(esito.messaggio, testo("SCAMBIO", qPrintable(chiave), percorso));
+        QCOMPARE(testo(esito.messaggio), testo("SCAMBIO", qPrintable(chiave), percorso));
         QCOMPARE(istantanea(app), archivio);
-        QVERIFY(LeggiDiscoSoftware(app, lingua, p("stick")).voci.isEmpty());
+        QVERIFY(LeggiDiscoSoftware(app, p("stick")).voci.isEmpty());
     }
 
     void cancellazioneSoftware()
@@ -328,17 +335,17 @@ private slots:
         scrivi(p("fuori/x.S19"), "outside");
         QVERIFY(QFile::setPermissions(p("app/SOFTWARE/FILES19/KV2.S19"), QFile::ReadOwner));
 
-        QCOMPARE(CancellaSoftware(app, lingua, "KV2", rispondi({false})).voci, 0);
+        QCOMPARE(CancellaSoftware(app, "KV2", rispondi({false})).voci, 0);
         QVERIFY(domande.first().endsWith(testo("SCAMBIO", "CANCELLA_SW", "KV2")));
         QVERIFY(QFileInfo::exists(p("app/SOFTWARE/FILES19/KV2.S19")));
 
-        const EsitoScambio esito = CancellaSoftware(app, lingua, "kv2", rispondi({true}));
-        QVERIFY(esito.fatto && esito.avvisi.isEmpty());
+        const EsitoScambio esito = CancellaSoftware(app, "kv2", rispondi({true}));
+        QVERIFY(esito.fatto && esito.avvisi.empty());
         QCOMPARE(righe(ElencoSoftware(app)), QStringList{"KV3|3.00|note of KV3|file"});
         QVERIFY(!QFileInfo::exists(p("app/SOFTWARE/FILES19/KV2.S19")));
 
         // A name that would lead out deletes no file anywhere.
-        QVERIFY(CancellaSoftware(app, lingua, "../../../fuori/x", rispondi({true})).fatto);
+        QVERIFY(CancellaSoftware(app, "../../../fuori/x", rispondi({true})).fatto);
         QCOMPARE(leggi(p("fuori/x.S19")), QByteArray("outside"));
         QCOMPARE(righe(ElencoSoftware(app)).size(), 1);
     }

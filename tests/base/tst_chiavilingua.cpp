@@ -31,13 +31,17 @@ QByteArray byteDi(const QString &nome)
 
 QList<Richiesta> richiesteNelCodice()
 {
-    // LeggiTesto("SEZIONE", "CHIAVE" followed by ')' or ',' for a whole key, by anything
-    // else (a '+' and an index) for a family. A literal may be wrapped, as QStringLiteral("..."),
-    // or be a u"..." literal.
+    // A look-up, LeggiTesto("SEZIONE", "CHIAVE", or a message of the logic, Messaggio("SEZIONE",
+    // "CHIAVE" (Messaggio m(...) and Messaggio{...} as well), followed by ')', ',' or '}' for a
+    // whole key, by anything else (a '+' and an index) for a family; Segnalazione("CHIAVE") for
+    // the common section. A literal may be wrapped, as QStringLiteral("..."), or be a u"..."
+    // literal.
     static const QString Letterale = QStringLiteral(R"re((?:\w+\s*\(\s*u?"([^"\\]*)"\s*\)|u?"([^"\\]*)"))re");
-    static const QRegularExpression chiamata(QStringLiteral(R"re(LeggiTesto\s*\(\s*)re") + Letterale
-                                             + QStringLiteral(R"re(\s*,\s*)re") + Letterale
-                                             + QStringLiteral(R"re(\s*(\S))re"));
+    static const QRegularExpression chiamata(
+        QStringLiteral(R"re((?:LeggiTesto|\bMessaggio(?:\s+\w+)?)\s*[({]\s*)re") + Letterale
+        + QStringLiteral(R"re(\s*,\s*)re") + Letterale + QStringLiteral(R"re(\s*(\S))re"));
+    static const QRegularExpression comune(QStringLiteral(R"re(\bSegnalazione\s*\(\s*)re") + Letterale
+                                           + QStringLiteral(R"re(\s*(\S))re"));
     QList<Richiesta> richieste;
     QDirIterator it(QStringLiteral(KV_SOURCE_DIR "/src"), {"*.cpp", "*.h"}, QDir::Files,
                     QDirIterator::Subdirectories);
@@ -46,17 +50,23 @@ QList<Richiesta> richiesteNelCodice()
         QFile f(percorso);
         if (!f.open(QIODevice::ReadOnly))
             continue;
-        auto trovate = chiamata.globalMatch(QString::fromUtf8(f.readAll()));
-        while (trovate.hasNext()) {
-            const auto m = trovate.next();
+        const QString codice = QString::fromUtf8(f.readAll());
+        const auto richiesta = [&](const QString &sezione, const QString &chiave, const QString &seguito) {
             Richiesta r;
-            r.sezione = m.captured(1) + m.captured(2);
-            r.chiave = m.captured(3) + m.captured(4);
-            const QString seguito = m.captured(5);
-            r.famiglia =
-                r.chiave.endsWith(u'.') || r.chiave.endsWith(u'_') || (seguito != ")" && seguito != ",");
+            r.sezione = sezione;
+            r.chiave = chiave;
+            r.famiglia = r.chiave.endsWith(u'.') || r.chiave.endsWith(u'_')
+                         || (seguito != ")" && seguito != "," && seguito != "}");
             r.dove = percorso.mid(QStringLiteral(KV_SOURCE_DIR).size() + 1);
             richieste.append(r);
+        };
+        for (auto trovate = chiamata.globalMatch(codice); trovate.hasNext();) {
+            const auto m = trovate.next();
+            richiesta(m.captured(1) + m.captured(2), m.captured(3) + m.captured(4), m.captured(5));
+        }
+        for (auto trovate = comune.globalMatch(codice); trovate.hasNext();) {
+            const auto m = trovate.next();
+            richiesta(QStringLiteral("SEGNALAZIONI"), m.captured(1) + m.captured(2), m.captured(3));
         }
     }
     return richieste;
@@ -118,11 +128,6 @@ private slots:
                << "ACTPOS.UM";
         QTest::newRow("PAR_CANALI") << "PAR_CANALI" << canali;
         QTest::newRow("ERRORI") << "ERRORI" << indici("ERR_0", 1, 7) + QStringList{"ERR_99"};
-        QTest::newRow("SEGNALAZIONI")
-            << "SEGNALAZIONI"
-            << indici("SEGNALAZIONE_", 1, 23) + indici("SEGNALAZIONE_", 26, 32)
-                   + indici("SEGNALAZIONE_", 50, 50) + indici("SEGNALAZIONE_", 54, 60)
-                   + QStringList{"TITOLO_1", "TITOLO_2"};
         QTest::newRow("TASTI") << "TASTI" << QStringList{"OK",         "ANNULLA",    "SI",        "NO",
                                                          "RIPROVA",    "INTERROMPI", "IGNORA",    "ESCI",
                                                          "SCEGLI",     "SALVA",      "APPLICA",   "MEMORIZZA",
@@ -146,21 +151,6 @@ private slots:
                                         + QStringList{"MENUIMP.0"};
         QTest::newRow("REGISTRAZIONE") << "REGISTRAZIONE" << indici("STATOREG.", 0, 2);
         QTest::newRow("Memorf") << "Memorf" << QStringList{"CAPTION", "SCHEDA"} + indici("LABSCHEDA.", 0, 3);
-        // The exchange and deletion pages, and the lines of what they pass over.
-        QTest::newRow("SCAMBIO") << "SCAMBIO"
-                                 << QStringList{"SFOGLIA",          "SCEGLI",        "MANCANTE",
-                                                "ELENCO",           "ALTRE",         "NOME",
-                                                "IMPIANTO",         "DOPPIO",        "FUORI",
-                                                "FUORI_CANCELLA",   "SENZA_FILE",    "GRANDE",
-                                                "SOLO_RIGA",        "SCRITTURA",     "CANCELLAZIONE",
-                                                "CANCELLA_SW",      "CANCELLATO_SW", "TEMP",
-                                                "LETTURA",          "COPIA",         "PULIZIA",
-                                                "NON_CARTELLA",     "SORGENTE_APP",  "CATALOGO",
-                                                "CATALOGO_ASSENTE", "IN_CORSO"};
-        // Why a file or a name is refused, by the kind of fault, and what a deletion left.
-        QTest::newRow("SCAMBIO, refusals")
-            << "SCAMBIO"
-            << QStringList{"NON_MAPPA", "CANCELLATE_NESSUNA", "CANCELLATE_PARTE", "CANCELLATO_SW_NO"};
         QTest::newRow("ProgSW") << "ProgSW" << indici("S19.", 1, 10);
         QTest::newRow("ProgMappe") << "ProgMappe" << indici("MAPPA.", 1, 5);
         QTest::newRow("ReadMappe") << "ReadMappe" << indici("NOME.", 1, 5);
@@ -168,16 +158,14 @@ private slots:
         QTest::newRow("CreaDiscoMappe")
             << "CreaDiscoMappe" << QStringList{"CAPTION"} + indici("LABCD.", 0, 2) + bottoni;
         QTest::newRow("RipriMappe") << "RipriMappe"
-                                    << QStringList{"CAPTION"} + indici("LABSALVA.", 0, 2) + bottoni
-                                           + indici("SEGNALAZIONE_", 1, 4);
+                                    << QStringList{"CAPTION"} + indici("LABSALVA.", 0, 2) + bottoni;
         QTest::newRow("CancelMappe") << "CancelMappe"
                                      << QStringList{"CAPTION"} + indici("LABCD.", 0, 1) + bottoni;
         const QStringList campiSW = indici("LABSW.", 0, 1);
         QTest::newRow("CreaDiscoSW") << "CreaDiscoSW"
                                      << QStringList{"CAPTION", "BOXCREADISCO", "BOXDESTINAZIONE"} + campiSW;
-        QTest::newRow("RipriDiscoSW") << "RipriDiscoSW"
-                                      << QStringList{"CAPTION", "BOXSORGENTE", "BOXRIPRIDISCO"} + campiSW
-                                             + indici("SEGNALAZIONE1.", 1, 4);
+        QTest::newRow("RipriDiscoSW")
+            << "RipriDiscoSW" << QStringList{"CAPTION", "BOXSORGENTE", "BOXRIPRIDISCO"} + campiSW;
         QTest::newRow("CancelSW") << "CancelSW" << QStringList{"CAPTION", "BOXCANCEL"} + campiSW;
         // The compare page names an entry no page row shows by its catalogue name.
         QStringList confronto = {

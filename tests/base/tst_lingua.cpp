@@ -171,6 +171,40 @@ private slots:
         // The home's file is read, never written.
         QCOMPARE(leggi(casa + "/ENGLISH.LNG"), QByteArray("[A]\r\nvecchia=mine\r\nnascosta=\r\n"));
     }
+
+    // A message of the logic as the windows word it.
+    void messagesAreLookedUpAndFilledIn_data()
+    {
+        QTest::addColumn<Messaggio>("messaggio");
+        QTest::addColumn<QString>("atteso");
+        const auto m = [](const char *chiave) { return Messaggio("S", chiave); };
+        QTest::newRow("as it stands") << m("SOLO") << " one  ";
+        QTest::newRow("trimmed") << m("SOLO").ritaglia() << "one";
+        Messaggio uno = m("CONTA").ritaglia().con("XXX", "1");
+        uno.chiavePreferita = "CONTA.1";
+        QTest::newRow("a count of one") << uno << "one file";
+        uno.chiavePreferita = "MANCA.1";
+        QTest::newRow("no word for one") << uno << "1 files";
+        QTest::newRow("a message in a place")
+            << m("NIDO").con("XXX", "a.LKV").con("YYY", m("REC").con("XXX", "4"))
+            << "Passed over a.LKV: record 4";
+        QTest::newRow("joined by a space")
+            << m("REC").con("XXX", "2").poi(Letterale("of 8"), " ") << "record 2 of 8";
+        QTest::newRow("nothing to join") << m("REC").poi(m("MANCA"), " ") << "record XXX";
+    }
+
+    void messagesAreLookedUpAndFilledIn()
+    {
+        QFETCH(Messaggio, messaggio);
+        QFETCH(QString, atteso);
+        QTemporaryDir dir;
+        scrivi(dir.filePath("ENGLISH.LNG"),
+               "[S]\r\nSOLO=\" one  \"\r\nCONTA=XXX files\r\nCONTA.1=\" one file\"\r\n"
+               "NIDO=Passed over XXX: YYY\r\nREC=record XXX\r\n");
+        Lingua l(dir.path());
+        l.LinguaCorrente = "ENGLISH";
+        QCOMPARE(l.testo(messaggio), atteso);
+    }
 };
 
 QTEST_GUILESS_MAIN(TestLingua)

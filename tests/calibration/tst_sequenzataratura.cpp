@@ -6,6 +6,7 @@
 #include "calibration/TelaioTaratura.h"
 #include "shell/Programma.h"
 #include "support/PortaFinta.h"
+#include "support/TestiDiProva.h"
 #include "variables/Conversioni.h"
 
 #include <QCoreApplication>
@@ -182,7 +183,7 @@ private slots:
             cartella.path(), std::move(pf), std::move(r), std::make_unique<TemporizzatoreManuale>(),
             std::make_unique<TemporizzatoreManuale>(), std::make_unique<TemporizzatoreManuale>());
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        p->canali.InizializzaCanali(p->lingua);
+        p->canali.InizializzaCanali(cercaIn(p->lingua));
         p->linea.ecuDiProva().EcuDaIdentificare = false;
         telaio = std::make_unique<TelaioFinto>();
         sequenza = std::make_unique<SequenzaTaratura>(p->linea, p->catalogo, p->canali, *telaio);

@@ -1,6 +1,7 @@
 // The channel table: names and units by the language file's keys, titles and scales.
 
 #include "support/FileDiProva.h"
+#include "support/TestiDiProva.h"
 
 #include "base/Lingua.h"
 #include "monitoring/Canali.h"
@@ -33,7 +34,7 @@ private slots:
         scrivi(m_cartella.filePath(QStringLiteral("PROVA.LNG")), testo);
         Lingua lingua(m_cartella.path());
         lingua.LinguaCorrente = QStringLiteral("PROVA");
-        m_tabella.InizializzaCanali(lingua);
+        m_tabella.InizializzaCanali(cercaIn(lingua));
     }
 
     void titlesFromNamesAndUnits()
@@ -65,7 +66,7 @@ private slots:
         for (const char *nome : {"ENGLISH", "ITALIANO"}) {
             lingua.LinguaCorrente = QLatin1String(nome);
             TabellaCanali t;
-            t.InizializzaCanali(lingua);
+            t.InizializzaCanali(cercaIn(lingua));
             for (const Canale &c : t.Canali)
                 QVERIFY2(!c.Nome.trimmed().isEmpty(), nome);
         }

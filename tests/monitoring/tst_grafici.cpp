@@ -3,6 +3,7 @@
 // the slots kept in the settings (with their gap behaviour) and the layout table.
 
 #include "support/FileDiProva.h"
+#include "support/TestiDiProva.h"
 
 #include "base/FileIni.h"
 #include "base/Lingua.h"
@@ -52,8 +53,8 @@ private slots:
     void init()
     {
         QFile::remove(ini());
-        canali.InizializzaCanali(lingua);
-        m = std::make_unique<ModelloGrafici>(canali, lingua, ini());
+        canali.InizializzaCanali(cercaIn(lingua));
+        m = std::make_unique<ModelloGrafici>(canali, ini());
         m->carica();
     }
 

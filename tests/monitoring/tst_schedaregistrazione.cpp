@@ -4,10 +4,10 @@
 
 #include "support/FileDiProva.h"
 #include "support/MezzoDiProva.h"
+#include "support/TestiDiProva.h"
 
 #include "base/Configurazione.h"
 #include "base/FileIni.h"
-#include "base/Lingua.h"
 #include "monitoring/AnelloRegistrazione.h"
 #include "monitoring/SchedaRegistrazione.h"
 
@@ -213,9 +213,7 @@ private slots:
         QVERIFY(righeNelFile().isEmpty());
         QVERIFY(anello.FileRegistrazione.isEmpty());
         // The fitter is told which name, readable.
-        Lingua lingua(QStringLiteral(KV_SOURCE_DIR "/lang"));
-        lingua.LinguaCorrente = "ENGLISH";
-        const QString testo = TestoEsitoScheda(lingua, e);
+        const QString testo = Inglese(MessaggioEsitoScheda(e));
         QVERIFY(!testo.isEmpty() && !testo.contains("XXX"));
         for (QChar ch : testo)
             QVERIFY(ch.unicode() >= 0x20);

@@ -12,6 +12,7 @@
 #include "programming/AlberoMappe.h"
 #include "programming/DialogoMappe.h"
 #include "programming/MappaArchiviata.h"
+#include "programming/ui/TestiMappa.h"
 
 #include <QTest>
 
@@ -22,12 +23,12 @@ namespace {
 
 struct VistaMuta : VistaMappe
 {
-    void mostraSegnalazione(const QString &) override {}
+    void mostraSegnalazione(const Messaggio &) override {}
     void abilitaPagina(bool) override {}
     void mostraAvanzamento(int, int) override {}
     void nascondiAvanzamento() override {}
     void beep() override {}
-    int domanda(const QString &, int, const QString &) override { return RispostaSiMappe; }
+    int domanda(const Messaggio &, int, const Messaggio &) override { return RispostaSiMappe; }
     void chiudiPagina() override {}
 };
 
@@ -87,7 +88,7 @@ private slots:
             QVERIFY(ecu->scriviMemoria(c.dove, QByteArray::fromHex(c.byte)));
         QVERIFY(ecu->scriviMemoria(0x015B, QByteArray(1, '\x07'))); // ScalaLambda, in RAM only
         VistaMuta vista;
-        LetturaMappe lettura(*p, vista);
+        LetturaMappe lettura(p->linea, p->PercorsoApp, p->catalogo, vista);
         const ChiaveMappa chiave{"LPG", "Fiat", "Punto", "base"};
         lettura.Leggi(chiave, {});
         QVERIFY(attendi() && !lettura.inCorso());

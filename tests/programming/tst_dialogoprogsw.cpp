@@ -6,6 +6,7 @@
 #include "support/FileDiProva.h"
 #include "support/ProgrammaSimulato.h"
 #include "support/S19DiProva.h"
+#include "support/TestiDiProva.h"
 
 #include "archives/Archivio.h"
 #include "link/Frame.h"
@@ -22,7 +23,7 @@ namespace {
 
 struct VistaFinta : VistaProgSW
 {
-    void mostraSegnalazione(const QString &testo) override { segnalazioni.append(testo); }
+    void mostraSegnalazione(const Messaggio &testo) override { segnalazioni.append(Inglese(testo)); }
     void abilitaPagina(bool a) override { abilitata = a; }
     void mostraBarra(bool visibile) override
     {
@@ -31,13 +32,13 @@ struct VistaFinta : VistaProgSW
             scrittiAlNascondere = int(scritti->size());
     }
     void impostaBarra(int valore) override { barra.append(valore); }
-    void mostraMsg(const QString &testo, int flags, const QString &titolo) override
+    void mostraMsg(const Messaggio &testo, int flags, const Messaggio &titolo) override
     {
-        messaggi.append(QStringList{testo, QString::number(flags), titolo});
+        messaggi.append(QStringList{Inglese(testo), QString::number(flags), Inglese(titolo)});
     }
-    bool chiedi(const QString &testo, const QString &) override
+    bool chiedi(const Messaggio &testo, const Messaggio &) override
     {
-        domande.append(testo);
+        domande.append(Inglese(testo));
         return risposta;
     }
 
@@ -118,7 +119,7 @@ class TstDialogoProgSW : public QObject, ProgrammaSimulato
         QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         vista = VistaFinta();
         vista.scritti = &porta->scritti;
-        d = std::make_unique<DialogoProgSW>(p->linea, p->PercorsoApp, p->lingua, vista);
+        d = std::make_unique<DialogoProgSW>(p->linea, p->PercorsoApp, vista);
         porta->scritti.clear();
     }
 
@@ -181,7 +182,7 @@ private slots:
         const QString home = altra.path();
         QVERIFY(preparaCartella(home));
         ProgrammaSimulato::avvia(OpzioniManuali(), home);
-        DialogoProgSW dialogo(p->linea, p->PercorsoApp, p->lingua, vista);
+        DialogoProgSW dialogo(p->linea, p->PercorsoApp, vista);
 
         // The folder is made when missing.
         QVERIFY(ElencoSoftware(home).isEmpty());
@@ -206,16 +207,16 @@ private slots:
         QCOMPARE(dialogo.nomeScelto(), QStringLiteral("kv2_r3"));
         QCOMPARE(scheda.Versione, QStringLiteral("3.0.1"));
         QCOMPARE(scheda.Note, QStringLiteral("Lean idle fixed"));
-        QVERIFY(scheda.avviso.isEmpty());
+        QVERIFY(scheda.avviso.vuoto());
         const SchedaSoftware senzaRiga = dialogo.scegli(QStringLiteral("kv1 beta"));
-        QVERIFY(senzaRiga.Versione.isEmpty() && senzaRiga.Note.isEmpty() && senzaRiga.avviso.isEmpty());
+        QVERIFY(senzaRiga.Versione.isEmpty() && senzaRiga.Note.isEmpty() && senzaRiga.avviso.vuoto());
 
         // An archive left by something else is named, and left as it is.
         const QByteArray estraneo = "Standard Jet DB\0\0\0\0";
         scrivi(home + "/SOFTWARE/SOFTWARE.MDB", estraneo);
         const SchedaSoftware straniera = dialogo.scegli(QStringLiteral("KV2_R3"));
         QVERIFY(straniera.Versione.isEmpty());
-        QVERIFY(straniera.avviso.contains("SOFTWARE.MDB"));
+        QVERIFY(Inglese(straniera.avviso).contains("SOFTWARE.MDB"));
         QCOMPARE(leggi(home + "/SOFTWARE/SOFTWARE.MDB"), estraneo);
     }
 
@@ -416,7 +417,7 @@ private slots:
         o.applicazionePresente = applicazione;
         QVERIFY(avviaSuLinea(o));
         vista = VistaFinta();
-        DialogoProgSW dialogo(p->linea, p->PercorsoApp, p->lingua, vista);
+        DialogoProgSW dialogo(p->linea, p->PercorsoApp, vista);
         dialogo.scegli(QStringLiteral("NEWREL"));
         const auto ultima = [this] { return vista.segnalazioni.value(vista.segnalazioni.size() - 1); };
         if (caduta) {

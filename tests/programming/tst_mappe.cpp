@@ -6,6 +6,7 @@
 #include "support/DiscoPieno.h"
 #include "support/FileDiProva.h"
 #include "support/ProgrammaSimulato.h"
+#include "support/TestiDiProva.h"
 
 #include "base/FileIni.h"
 
@@ -25,7 +26,7 @@ namespace {
 
 struct VistaFinta : VistaMappe
 {
-    void mostraSegnalazione(const QString &testo) override { segnalazione = testo; }
+    void mostraSegnalazione(const Messaggio &testo) override { segnalazione = Inglese(testo); }
     void abilitaPagina(bool a) override { abilitata = a; }
     void mostraAvanzamento(int valore, int massimo) override
     {
@@ -34,13 +35,13 @@ struct VistaFinta : VistaMappe
     }
     void nascondiAvanzamento() override { barra = false; }
     void beep() override {}
-    int domanda(const QString &testo, int f, const QString &) override
+    int domanda(const Messaggio &testo, int f, const Messaggio &) override
     {
-        domande.append(testo);
+        domande.append(Inglese(testo));
         flags = f;
         return risposta;
     }
-    void offriRiscrittura(const QString &testo) override { offerte.append(testo); }
+    void offriRiscrittura(const Messaggio &testo) override { offerte.append(Inglese(testo)); }
     void chiudiPagina() override { ++chiusure; }
     void mappaArchiviata(const ChiaveMappa &k) override { archiviate.append(k.elenco().join(u'/')); }
     void fuocoNomeFile() override { ++fuochi; }
@@ -183,7 +184,7 @@ class TstMappe : public QObject, ProgrammaSimulato
 
     bool leggiMappa(const ChiaveMappa &k, const QString &nota)
     {
-        LetturaMappe lettura(*p, vista);
+        LetturaMappe lettura(p->linea, p->PercorsoApp, p->catalogo, vista);
         lettura.Leggi(k, nota);
         return attendi() && !lettura.inCorso();
     }
@@ -273,7 +274,7 @@ private slots:
         QVERIFY(ecu->scriviMemoria(0xC100, disegno(2)));
         guasta()->guasto = guasto;
         guasta()->al = 4;
-        LetturaMappe lettura(*p, vista);
+        LetturaMappe lettura(p->linea, p->PercorsoApp, p->catalogo, vista);
         lettura.Leggi({"LPG", nuova ? "Opel" : "Fiat", "Punto", "base"}, QStringLiteral("new"));
         QTRY_COMPARE(guasta()->richieste, 4);
         if (guasto == Guasto::Silenzio) {
@@ -387,7 +388,7 @@ private slots:
         archivia({"CNG", "Opel", "Zafira", "eco"}, file, {});
         QVERIFY(ecu->scriviMemoria(0xC100, QByteArray(512, '\xEE')));
         vista.risposta = motivo.isEmpty() ? RispostaSiMappe : 7;
-        ScritturaMappe scrittura(*p, vista);
+        ScritturaMappe scrittura(p->linea, p->PercorsoApp, vista);
         scrittura.ProgrammaMappa({"CNG", "Opel", "Zafira", "eco"}, false);
         QVERIFY(attendi());
         QCOMPARE(richieste(porta->scritti), motivo.isEmpty() ? indirizzi(u'W', 8) : QStringList());
@@ -410,7 +411,7 @@ private slots:
         QVERIFY(ecu->scriviMemoria(0xC100, QByteArray(512, '\xEE')));
         guasta()->guasto = Guasto::Silenzio;
         guasta()->al = 4;
-        ScritturaMappe scrittura(*p, vista);
+        ScritturaMappe scrittura(p->linea, p->PercorsoApp, vista);
         scrittura.ProgrammaMappa({"LPG", "Fiat", "Punto", "base"}, true);
         QTRY_COMPARE(guasta()->richieste, 4);
         scade();
@@ -475,7 +476,7 @@ private slots:
                 ecu->scriviMemoria(quint32(guastato), QByteArray(1, char(~disegno(6).at(guastato - 0xC100))));
             }
         });
-        ScritturaMappe scrittura(*p, vista);
+        ScritturaMappe scrittura(p->linea, p->PercorsoApp, vista);
         scrittura.ProgrammaMappa({"LPG", "Fiat", "Punto", "base"}, true);
         QVERIFY(attendi());
         QCOMPARE(richieste(porta->scritti), indirizzi(u'W', 8) + indirizzi(u'R', 8));
@@ -492,7 +493,7 @@ private slots:
     {
         // A row without its file, and rows whose names lead out, cannot be sent.
         QVERIFY(RegistraMappa(app(), {"LPG", "Fiat", "Punto", "senza file"}, {}).ok());
-        ScritturaMappe scrittura(*p, vista);
+        ScritturaMappe scrittura(p->linea, p->PercorsoApp, vista);
         scrittura.ProgrammaMappa({"LPG", "Fiat", "Punto", "senza file"}, false);
         QCOMPARE(vista.segnalazione, testo("ProgMappe", "SEGNALAZIONE1.3"));
         scrittura.ProgrammaMappa({"LPG", "..", "..", "KORVANTINE"}, false);

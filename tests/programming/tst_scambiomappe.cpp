@@ -64,12 +64,20 @@ class TestScambioMappe : public QObject
     QString p(const QString &relativo) const { return m_dir->filePath(relativo); }
     QString testo(const char *sezione, const char *chiave, const QString &al = {}) const
     {
-        return TestoScambio(lingua, QString::fromLatin1(sezione), QString::fromLatin1(chiave), al);
+        return lingua.testo(MessaggioScambio(Messaggio(sezione, chiave), al));
+    }
+    QString testo(const Messaggio &m) const { return lingua.testo(m); }
+    QStringList avvisi(const EsitoScambio &esito) const
+    {
+        QStringList t;
+        for (const Messaggio &m : esito.avvisi)
+            t << lingua.testo(m);
+        return t;
     }
     DomandaScambio rispondi(QList<bool> risposte)
     {
-        return [this, risposte](const QString &t) mutable {
-            domande << t;
+        return [this, risposte](const Messaggio &t) mutable {
+            domande << lingua.testo(t);
             return risposte.isEmpty() || risposte.takeFirst();
         };
     }
@@ -160,10 +168,10 @@ private slots:
         QCOMPARE(prima.size(), 5);
 
         const EsitoScambio scritto =
-            ScriviDiscoMappe(app, lingua, tutte(AlberoMappe::Carica(app)), p("stick"), rispondi({}));
+            ScriviDiscoMappe(app, tutte(AlberoMappe::Carica(app)), p("stick"), rispondi({}));
         QVERIFY(scritto.fatto);
-        QCOMPARE(scritto.messaggio, testo("SEGNALAZIONI", "SEGNALAZIONE_20"));
-        QCOMPARE(scritto.avvisi, QStringList{testo("SCAMBIO", "SOLO_RIGA", "LPG\\Fiat\\Panda\\solo")});
+        QCOMPARE(testo(scritto.messaggio), testo("SEGNALAZIONI", "SEGNALAZIONE_20"));
+        QCOMPARE(avvisi(scritto), QStringList{testo("SCAMBIO", "SOLO_RIGA", "LPG\\Fiat\\Panda\\solo")});
         QCOMPARE(domande, QStringList{testo("SEGNALAZIONI", "SEGNALAZIONE_16")});
         QVERIFY(!QFileInfo::exists(p("stick/LPG/Vecchia")));
         QCOMPARE(leggi(p("stick/FOTO/auto.jpg")), QByteArray("photo"));
@@ -172,16 +180,15 @@ private slots:
 
         // Another installation: an empty archive, everything on the medium chosen.
         QVERIFY(QDir(p("app/MAPPATURE")).removeRecursively());
-        const SorgenteMappe sorgente = LeggiDiscoMappe(app, lingua, p("stick"));
+        const SorgenteMappe sorgente = LeggiDiscoMappe(app, p("stick"));
         QVERIFY(sorgente.esito.fatto);
         const int solo = sorgente.albero.trova(k("LPG/Fiat/Panda/solo"));
         QVERIFY(solo > 0 && !sorgente.albero.nodo(solo).suDisco);
         domande.clear();
-        const EsitoScambio ripreso =
-            RipristinaMappe(app, lingua, p("stick"), tutte(sorgente.albero), rispondi({}));
+        const EsitoScambio ripreso = RipristinaMappe(app, p("stick"), tutte(sorgente.albero), rispondi({}));
         QVERIFY(ripreso.fatto);
-        QCOMPARE(ripreso.messaggio, testo("RipriMappe", "SEGNALAZIONE_3", "4"));
-        QCOMPARE(ripreso.avvisi, QStringList{testo("SCAMBIO", "SENZA_FILE", "LPG\\Fiat\\Panda\\solo")});
+        QCOMPARE(testo(ripreso.messaggio), testo("RipriMappe", "SEGNALAZIONE_3", "4"));
+        QCOMPARE(avvisi(ripreso), QStringList{testo("SCAMBIO", "SENZA_FILE", "LPG\\Fiat\\Panda\\solo")});
         QVERIFY(domande.isEmpty());
         QStringList attese = prima;
         attese.removeIf([](const QString &r) { return r.contains("Panda"); });
@@ -194,9 +201,8 @@ private slots:
         scrivi(p("app/MAPPATURE/LPG/Fiat/Punto/base.LKV"), lkv("tuned here"));
         QVERIFY(RegistraMappa(app, k("LPG/Fiat/Punto/base"), "changed here").ok());
         scrivi(p("app/MAPPATURE/LPG/Fiat/Punto/tuned.LKV"), lkv("tuned here too"));
-        const EsitoScambio due =
-            RipristinaMappe(app, lingua, p("stick"), {k("lpg/FIAT/punto/BASE"), k("LPG/Fiat/Punto/tuned")},
-                            rispondi({false, true}));
+        const EsitoScambio due = RipristinaMappe(
+            app, p("stick"), {k("lpg/FIAT/punto/BASE"), k("LPG/Fiat/Punto/tuned")}, rispondi({false, true}));
         QCOMPARE(due.voci, 1);
         QCOMPARE(domande.first(), testo("RipriMappe", "SEGNALAZIONE_1", " LPG\\Fiat\\Punto\\base "));
         QVERIFY(archivio().contains("LPG/Fiat/Punto/base|changed here|tuned here"));
@@ -252,7 +258,7 @@ private slots:
                        conNote);
         const auto fuori = istantanea(m_dir->path(), app);
 
-        const EsitoScambio esito = RipristinaMappe(app, lingua, p("stick"), chiavi, rispondi({}));
+        const EsitoScambio esito = RipristinaMappe(app, p("stick"), chiavi, rispondi({}));
         QVERIFY(esito.fatto);
         QCOMPARE(esito.voci, 2);
         QCOMPARE(archivio(), QStringList({"CNG/Fiat/Multipla/eco|note eco|good too",
@@ -272,17 +278,17 @@ private slots:
                                           .replace("XXX", "1")
                                           .replace("YYY", "1"))
                << testo("SCAMBIO", "FUORI", "CNG\\Opel\\Astra\\eco");
-        QCOMPARE(esito.avvisi, attesi);
+        QCOMPARE(avvisi(esito), attesi);
 
         // A catalogue that is no database: a clear word, and nothing changes.
         scrivi(p("stick/DBTEMP.MDB"), "no database");
         const QStringList qui = archivio();
-        const EsitoScambio rifiutato = RipristinaMappe(app, lingua, p("stick"), chiavi, rispondi({}));
+        const EsitoScambio rifiutato = RipristinaMappe(app, p("stick"), chiavi, rispondi({}));
         QVERIFY(!rifiutato.fatto);
-        QCOMPARE(rifiutato.messaggio,
+        QCOMPARE(testo(rifiutato.messaggio),
                  testo("SCAMBIO", "CATALOGO", QFileInfo(p("stick")).canonicalFilePath() + "/DBTEMP.MDB"));
         QCOMPARE(archivio(), qui);
-        QVERIFY(LeggiDiscoMappe(app, lingua, p("stick")).albero.foglie(AlberoMappe::Radice).isEmpty());
+        QVERIFY(LeggiDiscoMappe(app, p("stick")).albero.foglie(AlberoMappe::Radice).isEmpty());
     }
 
     void mezzoPieno()
@@ -292,10 +298,10 @@ private slots:
         const auto archivio = istantanea(app);
         SolaLettura pieno(p("stick"), QFile::ReadOwner | QFile::ExeOwner);
         const EsitoScambio esito =
-            ScriviDiscoMappe(app, lingua, {k("LPG/Fiat/Punto/base")}, p("stick"), rispondi({}));
+            ScriviDiscoMappe(app, {k("LPG/Fiat/Punto/base")}, p("stick"), rispondi({}));
         QVERIFY(!esito.fatto);
-        QCOMPARE(esito.messaggio, testo("SEGNALAZIONI", "SEGNALAZIONE_19"));
-        QCOMPARE(esito.avvisi,
+        QCOMPARE(testo(esito.messaggio), testo("SEGNALAZIONI", "SEGNALAZIONE_19"));
+        QCOMPARE(avvisi(esito),
                  QStringList{testo("SCAMBIO", "COPIA", QFileInfo(p("stick")).canonicalFilePath())});
         QCOMPARE(istantanea(app), archivio);
     }
@@ -311,25 +317,23 @@ private slots:
         scrivi(p("fuori/x/y.LKV"), "outside");
         const auto fuori = istantanea(p("fuori"));
 
-        QCOMPARE(CancellaMappe(app, lingua, {k("LPG/Fiat/Panda/solo")}, rispondi({false})).voci, 0);
+        QCOMPARE(CancellaMappe(app, {k("LPG/Fiat/Panda/solo")}, rispondi({false})).voci, 0);
         QCOMPARE(domande.first(), testo("SEGNALAZIONI", "SEGNALAZIONE_30") + "\n\nLPG\\Fiat\\Panda\\solo");
         QVERIFY(QFileInfo::exists(p("app/MAPPATURE/LPG/Fiat/Panda/solo.LKV")));
 
         // The last map of a model takes the model's folder; a file without its row goes too;
         // a name that leads out deletes nothing there.
         const EsitoScambio esito = CancellaMappe(
-            app, lingua,
-            {k("LPG/Fiat/Panda/solo"), k("LPG/Fiat/Punto/sciolto"), {"LPG", "..", "../fuori/x", "y"}},
+            app, {k("LPG/Fiat/Panda/solo"), k("LPG/Fiat/Punto/sciolto"), {"LPG", "..", "../fuori/x", "y"}},
             rispondi({true}));
         QVERIFY(esito.fatto);
-        QCOMPARE(esito.messaggio, testo("SCAMBIO", "CANCELLATE_PARTE", "2").replace("YYY", "3"));
-        QCOMPARE(esito.avvisi, QStringList{testo("SCAMBIO", "FUORI_CANCELLA", "LPG\\..\\../fuori/x\\y")});
+        QCOMPARE(testo(esito.messaggio), testo("SCAMBIO", "CANCELLATE_PARTE", "2").replace("YYY", "3"));
+        QCOMPARE(avvisi(esito), QStringList{testo("SCAMBIO", "FUORI_CANCELLA", "LPG\\..\\../fuori/x\\y")});
         QVERIFY(!QFileInfo::exists(p("app/MAPPATURE/LPG/Fiat/Panda")));
         QCOMPARE(archivio(), QStringList({"LPG/Fiat/Punto/base|NULL|1", "LPG/Fiat/Punto/tuned|NULL|2"}));
         QCOMPARE(istantanea(p("fuori")), fuori);
 
-        QVERIFY(CancellaMappe(app, lingua, {k("LPG/Fiat/Punto/base"), k("LPG/Fiat/Punto/tuned")},
-                              rispondi({true}))
+        QVERIFY(CancellaMappe(app, {k("LPG/Fiat/Punto/base"), k("LPG/Fiat/Punto/tuned")}, rispondi({true}))
                     .fatto);
         QVERIFY(!QFileInfo::exists(p("app/MAPPATURE/LPG/Fiat/Punto")));
         QVERIFY(QFileInfo(p("app/MAPPATURE/LPG/Fiat")).isDir());
@@ -339,16 +343,15 @@ private slots:
         mappa("LPG/Fiat/Uno/resta", "5");
         {
             SolaLettura sola(p("app/MAPPATURE"), QFile::ReadOwner | QFile::ExeOwner);
-            QCOMPARE(CancellaMappe(app, lingua, {k("LPG/Fiat/Uno/resta")}, rispondi({true})).messaggio,
+            QCOMPARE(testo(CancellaMappe(app, {k("LPG/Fiat/Uno/resta")}, rispondi({true})).messaggio),
                      testo("SCAMBIO", "CANCELLATE_NESSUNA"));
         }
         QCOMPARE(archivio(), QStringList{"LPG/Fiat/Uno/resta|NULL|5"});
 
         // An archive that cannot be opened keeps every file.
         scrivi(p("app/MAPPATURE/ARCHMAPPE.MDB"), "no database");
-        const EsitoScambio rifiutato =
-            CancellaMappe(app, lingua, {k("LPG/Fiat/Uno/resta")}, rispondi({true}));
-        QCOMPARE(rifiutato.messaggio, testo("SEGNALAZIONI", "SEGNALAZIONE_28"));
+        const EsitoScambio rifiutato = CancellaMappe(app, {k("LPG/Fiat/Uno/resta")}, rispondi({true}));
+        QCOMPARE(testo(rifiutato.messaggio), testo("SEGNALAZIONI", "SEGNALAZIONE_28"));
         QVERIFY(QFileInfo::exists(p("app/MAPPATURE/LPG/Fiat/Uno/resta.LKV")));
     }
 };

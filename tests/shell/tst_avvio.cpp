@@ -7,6 +7,7 @@
 #include "shell/Programma.h"
 #include "support/FileDiProva.h"
 #include "support/SolaLettura.h"
+#include "support/TestiDiProva.h"
 
 #include <QDir>
 #include <QSignalSpy>
@@ -28,6 +29,13 @@ std::unique_ptr<Programma> nuovoProgramma(const QString &cartella)
                                        std::make_unique<TemporizzatoreQt>());
 }
 
+// As the program starts: the language chosen first, its names handed to the start-up.
+void esegui(Programma &p)
+{
+    p.lingua.LeggiImpLingua();
+    Avvio::esegui(p, cercaIn(p.lingua));
+}
+
 } // namespace
 
 class TstAvvio : public QObject
@@ -45,7 +53,7 @@ private slots:
         FileIni::scrivi(PercorsoIni(home), "SERIALE", "Porta", "/dev/korvantine-no-such-port");
         auto p = nuovoProgramma(home);
         QSignalSpy fallita(p.get(), &Programma::portaNonAperta);
-        Avvio::esegui(*p);
+        esegui(*p);
         for (const char *c : {"MAPPATURE/LPG", "MAPPATURE/CNG", "SOFTWARE", "DATI"})
             QVERIFY2(QDir(home + "/" + c).exists(), c);
         QCOMPARE(p->lingua.LinguaCorrente, QString("ENGLISH"));
@@ -65,7 +73,7 @@ private slots:
         istanza = std::make_unique<IstanzaUnica>(home);
         QCOMPARE(Avvio::preparaCartella(home, *istanza), Avvio::Esito::Prosegui);
         p = nuovoProgramma(home);
-        Avvio::esegui(*p);
+        esegui(*p);
         QVERIFY(!QFile::exists(home + "/MESSAGGI.TXT"));
         QVERIFY(!QFile::exists(home + "/MAPPA.TMP"));
         QVERIFY(!QFile::exists(home + "/KVMAPPA.TMP"));
@@ -99,7 +107,7 @@ private slots:
         QCOMPARE(Avvio::preparaCartella(home, istanza), Avvio::Esito::Prosegui);
         auto p = nuovoProgramma(home);
         QSignalSpy fallita(p.get(), &Programma::portaNonAperta);
-        Avvio::esegui(*p);
+        esegui(*p);
         QCOMPARE(fallita.size(), 0);
         QVERIFY(p->linea.porta().PortOpen());
         QCOMPARE(p->seriale.VelocitaCom, 38400);

@@ -7,6 +7,7 @@
 // two in init() and chiudi() in cleanup().
 
 #include "support/PortaEcu.h"
+#include "support/TestiDiProva.h"
 
 #include "link/PortaSeriale.h"
 #include "shell/Programma.h"
@@ -58,7 +59,7 @@ protected:
                                         std::make_unique<TemporizzatoreManuale>());
         p->linea.ecuDiProva().EcuDaIdentificare = false;
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        p->canali.InizializzaCanali(p->lingua);
+        p->canali.InizializzaCanali(cercaIn(p->lingua));
         p->linea.datiLive().aggiungiAscoltatore(&m_decodificati);
     }
 

@@ -102,6 +102,16 @@ QString senzaAcceleratore(QString testo)
     return testo.remove(QLatin1Char('&')).trimmed();
 }
 
+// The window's caption with the recording state behind it; sezione is the window's own.
+QString titoloRegistrazione(const Lingua &lingua, const QString &sezione, int stato)
+{
+    return lingua.LeggiTesto(sezione, QStringLiteral("CAPTION")) + QStringLiteral(" - [")
+           + lingua.LeggiTesto(sezione, QStringLiteral("LABREGISTRO.1")) + u' '
+           + lingua.LeggiTesto(QStringLiteral("REGISTRAZIONE"),
+                               QStringLiteral("STATOREG.") + QString::number(stato))
+           + u']';
+}
+
 } // namespace
 
 BarraRegistrazione::BarraRegistrazione(Programma &programma, QWidget *finestra, const QString &sezione,
@@ -257,7 +267,7 @@ void BarraRegistrazione::mostraLabRegistro(bool conFile)
 void BarraRegistrazione::aggiorna()
 {
     const int stato = m_programma.anello.StatoRegistrazione;
-    m_finestra->setWindowTitle(TitoloRegistrazione(m_programma.lingua, m_sezione, stato));
+    m_finestra->setWindowTitle(titoloRegistrazione(m_programma.lingua, m_sezione, stato));
     const Lingua &l = m_programma.lingua;
     m_indicatore->setText(l.LeggiTesto(m_sezione, QStringLiteral("LABREGISTRO.1")) + QLatin1Char(' ')
                           + l.LeggiTesto("REGISTRAZIONE", "STATOREG." + QString::number(stato)));
@@ -360,7 +370,7 @@ bool BarraRegistrazione::sceltaFile()
     const SchedaRegistrazione::Esito esito = scheda.NuovoFile();
     scheda.Chiudi();
     if (!esito.ok()) {
-        QString t = TestoEsitoScheda(l, esito);
+        QString t = l.testo(MessaggioEsitoScheda(esito));
         if (t.isEmpty())
             t = l.LeggiTesto("REGISTRAZIONE", "NUOVO_FILE")
                     .replace(QStringLiteral("XXX"), r.FileRegistrazione);

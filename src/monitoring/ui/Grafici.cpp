@@ -220,7 +220,7 @@ QColor Grafici::coloreSlot(int slot)
 Grafici::Grafici(Programma &programma, QWidget *parent)
     : QWidget(parent)
     , m_programma(programma)
-    , m_modello(programma.canali, programma.lingua, programma.percorsoIni())
+    , m_modello(programma.canali, programma.percorsoIni())
     , m_barra(new BarraRegistrazione(programma, this, QStringLiteral("Grafici"),
                                      BarraRegistrazione::Tipo::Grafici))
     , m_visDati(new QTimer(this))
@@ -473,7 +473,8 @@ void Grafici::VisDati()
         if (c < 0)
             break;
         const ModelloGrafici::TestoDato t = m_modello.testoDato(c, nuovo.Valore[static_cast<std::size_t>(c)]);
-        m_righe[r]->impostaValore(t.testo, t.sfondo ? std::optional(daBgr(*t.sfondo)) : std::nullopt);
+        m_righe[r]->impostaValore(m_programma.lingua.testo(t.testo),
+                                  t.sfondo ? std::optional(daBgr(*t.sfondo)) : std::nullopt);
     }
 
     const auto aggiornamenti = m_modello.tick(nuovo);

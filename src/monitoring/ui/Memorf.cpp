@@ -133,7 +133,7 @@ Memorf::Memorf(Programma &programma, QWidget *parent)
         m_elenco->setEnabled(false);
         m_scheda->hide();
         m_memorizza->setEnabled(false);
-        m_segnalazione->setText(TestoEsitoArchivio(l, m_logica.esitoArchivio()));
+        m_segnalazione->setText(l.testo(MessaggioArchivio(m_logica.esitoArchivio())));
         m_segnalazione->show();
         m_esci->setFocus(Qt::OtherFocusReason);
         return;
@@ -256,11 +256,11 @@ void Memorf::Memorizza()
         m_caselle[SchedaRegistrazione::File]->setFocus(Qt::OtherFocusReason);
         return;
     case T::NomeRifiutato:
-        m_messaggio(TestoEsitoScheda(l, esito), 48, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
+        m_messaggio(l.testo(MessaggioEsitoScheda(esito)), 48, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
         m_caselle[static_cast<std::size_t>(esito.casella)]->setFocus(Qt::OtherFocusReason);
         return;
     default:
-        m_messaggio(TestoEsitoScheda(l, esito), 16, l.LeggiTesto("SEGNALAZIONI", "TITOLO_2"));
+        m_messaggio(l.testo(MessaggioEsitoScheda(esito)), 16, l.LeggiTesto("SEGNALAZIONI", "TITOLO_2"));
         // A card stored whose file could not be set: the list shows it already.
         riempiElenco();
         return;

@@ -5,6 +5,7 @@
 #include "calibration/TaraturaParametri.h"
 #include "programming/MappaArchiviata.h"
 #include "programming/ui/ModelloAlberoMappe.h"
+#include "programming/ui/TestiMappa.h"
 #include "shell/ui/MsgBox1.h"
 
 #include <QCheckBox>
@@ -282,7 +283,7 @@ void ConfrontoMappe::carica()
     EsitoArchivio esito;
     m_modello->imposta(AlberoMappe::Carica(m_percorsoApp, &esito), AlberoMappe::Livello::Mappa);
     if (!esito.ok())
-        mostraSegnalazione(TestoEsitoArchivio(m_lingua, esito));
+        mostraSegnalazione(m_lingua.testo(MessaggioArchivio(esito)));
     m_albero->expand(m_modello->indice(AlberoMappe::Radice));
     mostraLato(A);
     mostraLato(B);
@@ -340,7 +341,7 @@ bool ConfrontoMappe::scegliArchiviata(Lato lato, const ChiaveMappa &chiave)
     }
     impostaSorgente(lato, {SorgenteMappa::Tipo::Archivio, nome, m.mappa.immagine,
                            ScalaDa(m.scalaLambda, OrigineScala::Archivio)});
-    mostraSegnalazione(m.archivio.ok() ? QString() : TestoEsitoArchivio(m_lingua, m.archivio));
+    mostraSegnalazione(m.archivio.ok() ? QString() : m_lingua.testo(MessaggioArchivio(m.archivio)));
     return true;
 }
 
@@ -647,8 +648,8 @@ void ConfrontoMappe::Salva()
     aggiorna();
     QString messaggio = testo(QStringLiteral("SALVATA")).replace(QLatin1String("XXX"), nome);
     if (!e.archivio.ok())
-        messaggio =
-            testo(QStringLiteral("SALVA.3")) + QLatin1Char(' ') + TestoEsitoArchivio(m_lingua, e.archivio);
+        messaggio = testo(QStringLiteral("SALVA.3")) + QLatin1Char(' ')
+                    + m_lingua.testo(MessaggioArchivio(e.archivio));
     mostraSegnalazione(messaggio);
 }
 

@@ -102,7 +102,7 @@ void PaginaElenchiMappe::carica()
     }
     const QMap<QString, QString> marchi = CaricoMarchi(programma().PercorsoApp);
     for (ModelloAlberoMappe *m : m_modelli) {
-        m->impostaTestoMancante(testo(QStringLiteral("SCAMBIO"), QStringLiteral("MANCANTE")));
+        m->impostaTestoMancante(testo(Messaggio("SCAMBIO", "MANCANTE")));
         m->impostaMarchi(marchi);
     }
 
@@ -127,7 +127,7 @@ void PaginaElenchiMappe::ricaricaArchivio()
     m_selezione.imposta(AlberoMappe::Carica(programma().PercorsoApp, &esito));
     aggiornaElenchi();
     if (!esito.ok())
-        mostraSegnalazione(TestoEsitoArchivio(programma().lingua, esito));
+        mostraSegnalazione(programma().lingua.testo(MessaggioArchivio(esito)));
 }
 
 void PaginaElenchiMappe::aggiornaElenchi(bool disponibili)
@@ -190,29 +190,26 @@ void PaginaElenchiMappe::ScegliSorgente(const QString &sorgente)
     SorgenteMappe letta;
     {
         Attesa attesa;
-        letta = LeggiDiscoMappe(programma().PercorsoApp, programma().lingua, m_sorgente);
+        letta = LeggiDiscoMappe(programma().PercorsoApp, m_sorgente);
     }
     m_selezione.imposta(letta.albero);
     aggiornaElenchi();
-    if (letta.esito.fatto && letta.esito.messaggio.isEmpty())
-        letta.esito.messaggio =
-            testo(QStringLiteral("SCAMBIO"), QStringLiteral("ELENCO"))
-                .replace(QLatin1String("XXX"),
-                         QString::number(letta.albero.foglie(AlberoMappe::Radice).size()));
+    if (letta.esito.fatto && letta.esito.messaggio.vuoto())
+        letta.esito.messaggio = MessaggioScambio(
+            Messaggio("SCAMBIO", "ELENCO"), QString::number(letta.albero.foglie(AlberoMappe::Radice).size()));
     mostra(letta.esito);
 }
 
 void PaginaElenchiMappe::Comando()
 {
     const QString app = programma().PercorsoApp;
-    const Lingua &l = programma().lingua;
-    const DomandaScambio domanda = [this](const QString &t) { return chiedi(t); };
+    const DomandaScambio domanda = [this](const Messaggio &t) { return chiedi(t); };
     mostra({});
     switch (m_funzione) {
     case Funzione::CreaDisco: {
-        mostraSegnalazione(testo(QStringLiteral("SCAMBIO"), QStringLiteral("IN_CORSO")));
+        mostraSegnalazione(testo(Messaggio("SCAMBIO", "IN_CORSO")));
         Attesa attesa;
-        mostra(ScriviDiscoMappe(app, l, m_selezione.chiavi(), cartella()->cartella(), domanda));
+        mostra(ScriviDiscoMappe(app, m_selezione.chiavi(), cartella()->cartella(), domanda));
         break;
     }
     case Funzione::Ripristino: {
@@ -223,19 +220,19 @@ void PaginaElenchiMappe::Comando()
         }
         if (m_selezione.vuota() || m_sorgente.isEmpty()) {
             QApplication::beep();
-            mostraSegnalazione(testo(QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_17")));
+            mostraSegnalazione(testo(Segnalazione("SEGNALAZIONE_17")));
             cartella()->setFocus(Qt::OtherFocusReason);
             return;
         }
-        mostraSegnalazione(testo(QStringLiteral("SEGNALAZIONE_2")));
+        mostraSegnalazione(testo(Messaggio("RipriMappe", "SEGNALAZIONE_2")));
         Attesa attesa;
-        mostra(RipristinaMappe(app, l, m_sorgente, m_selezione.chiavi(), domanda));
+        mostra(RipristinaMappe(app, m_sorgente, m_selezione.chiavi(), domanda));
         QApplication::beep();
         break;
     }
     case Funzione::Cancellazione: {
         Attesa attesa;
-        const EsitoScambio esito = CancellaMappe(app, l, m_selezione.chiavi(), domanda);
+        const EsitoScambio esito = CancellaMappe(app, m_selezione.chiavi(), domanda);
         if (esito.fatto)
             ricaricaArchivio();
         mostra(esito);

@@ -138,7 +138,7 @@ void PaginaSoftware::carica()
 
 void PaginaSoftware::riempi(const QList<VoceSoftware> &voci)
 {
-    const QString mancante = testo(QStringLiteral("SCAMBIO"), QStringLiteral("MANCANTE"));
+    const QString mancante = testo(Messaggio("SCAMBIO", "MANCANTE"));
     m_lista->clear();
     for (const VoceSoftware &v : voci) {
         auto *voce = new QListWidgetItem(v.suDisco ? v.nome : v.nome + u' ' + mancante, m_lista);
@@ -158,7 +158,7 @@ void PaginaSoftware::ricaricaArchivio()
     EsitoArchivio esito;
     riempi(ElencoSoftware(programma().PercorsoApp, &esito));
     if (!esito.ok())
-        mostraSegnalazione(TestoEsitoArchivio(programma().lingua, esito));
+        mostraSegnalazione(programma().lingua.testo(MessaggioArchivio(esito)));
 }
 
 void PaginaSoftware::voceCorrente()
@@ -185,28 +185,27 @@ void PaginaSoftware::ScegliSorgente(const QString &sorgente)
     SorgenteSoftware letta;
     {
         Attesa attesa;
-        letta = LeggiDiscoSoftware(programma().PercorsoApp, programma().lingua, m_sorgente);
+        letta = LeggiDiscoSoftware(programma().PercorsoApp, m_sorgente);
     }
     riempi(letta.voci);
-    if (letta.esito.fatto && letta.esito.messaggio.isEmpty())
-        letta.esito.messaggio = testo(QStringLiteral("SCAMBIO"), QStringLiteral("ELENCO"))
-                                    .replace(QLatin1String("XXX"), QString::number(letta.voci.size()));
+    if (letta.esito.fatto && letta.esito.messaggio.vuoto())
+        letta.esito.messaggio =
+            MessaggioScambio(Messaggio("SCAMBIO", "ELENCO"), QString::number(letta.voci.size()));
     mostra(letta.esito);
 }
 
 void PaginaSoftware::Comando()
 {
     const QString app = programma().PercorsoApp;
-    const Lingua &l = programma().lingua;
-    const DomandaScambio domanda = [this](const QString &t) { return chiedi(t); };
+    const DomandaScambio domanda = [this](const Messaggio &t) { return chiedi(t); };
     mostra({});
     switch (m_funzione) {
     case Funzione::CreaDisco: {
-        mostraSegnalazione(testo(QStringLiteral("SCAMBIO"), QStringLiteral("IN_CORSO")));
+        mostraSegnalazione(testo(Messaggio("SCAMBIO", "IN_CORSO")));
         Attesa attesa;
-        const EsitoScambio esito = ScriviDiscoSoftware(app, l, nomi(true), cartella()->cartella(), domanda);
-        if (!esito.fatto
-            && esito.messaggio == testo(QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_32"))) {
+        const EsitoScambio esito = ScriviDiscoSoftware(app, nomi(true), cartella()->cartella(), domanda);
+        // No target named: the fitter is taken to the field.
+        if (!esito.fatto && esito.messaggio.chiave == u"SEGNALAZIONE_32") {
             QApplication::beep();
             cartella()->setFocus(Qt::OtherFocusReason);
         }
@@ -223,9 +222,9 @@ void PaginaSoftware::Comando()
             cartella()->setFocus(Qt::OtherFocusReason);
             return;
         }
-        mostraSegnalazione(testo(QStringLiteral("SEGNALAZIONE1.2")));
+        mostraSegnalazione(testo(Messaggio("RipriDiscoSW", "SEGNALAZIONE1.2")));
         Attesa attesa;
-        mostra(RipristinaSoftware(app, l, m_sorgente, nomi(false), domanda));
+        mostra(RipristinaSoftware(app, m_sorgente, nomi(false), domanda));
         break;
     }
     case Funzione::Cancellazione: {
@@ -234,11 +233,11 @@ void PaginaSoftware::Comando()
         const QListWidgetItem *voce = m_lista->currentItem();
         const QString nome = voce && voce->isSelected() ? voce->data(RuoloNome).toString() : QString();
         if (nome.isEmpty()) {
-            avvisa(testo(QStringLiteral("SEGNALAZIONI"), QStringLiteral("SEGNALAZIONE_13")));
+            avvisa(testo(Segnalazione("SEGNALAZIONE_13")));
             return;
         }
         QApplication::beep();
-        const EsitoScambio esito = CancellaSoftware(app, l, nome, domanda);
+        const EsitoScambio esito = CancellaSoftware(app, nome, domanda);
         if (esito.fatto) {
             ricaricaArchivio();
         }

@@ -13,7 +13,7 @@ namespace kv {
 
 ProgMappe::ProgMappe(Programma &programma, QWidget *parent)
     : TelaioMappe(programma, QStringLiteral("ProgMappe"), parent)
-    , m_scrittura(programma, static_cast<VistaMappe &>(*this))
+    , m_scrittura(programma.linea, programma.PercorsoApp, static_cast<VistaMappe &>(*this))
 {
     m_labNote = new QLabel(this);
     m_labNote->setObjectName(QStringLiteral("LabNote"));
@@ -63,12 +63,11 @@ void ProgMappe::Programmazione()
     m_scrittura.ProgrammaMappa(k, m_verifica->isChecked());
 }
 
-void ProgMappe::offriRiscrittura(const QString &testo)
+void ProgMappe::offriRiscrittura(const Messaggio &testo)
 {
     // Not from inside the reply that ended the write: the link is free only once it returns.
     QTimer::singleShot(0, this, [this, testo] {
-        if (domanda(testo, FlagDomandaMappe, programma().lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"))
-            == RispostaSiMappe)
+        if (domanda(testo, FlagDomandaMappe, Segnalazione(QStringLiteral("TITOLO_1"))) == RispostaSiMappe)
             m_scrittura.Riscrivi();
     });
 }

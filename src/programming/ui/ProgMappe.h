@@ -31,7 +31,7 @@ protected:
     void Esci() override { m_scrittura.Esci(); }
     void caricaTestiAltrove() override;
     QList<QWidget *> ordineCampi() const override;
-    void offriRiscrittura(const QString &testo) override;
+    void offriRiscrittura(const Messaggio &testo) override;
 
 private:
     QLabel *m_labNote;

@@ -67,7 +67,7 @@ ProgSW::ProgSW(kv::Programma &programma, QWidget *parent)
     , m_tastoEsci(new QPushButton(this))
 {
     setObjectName(QStringLiteral("ProgSW"));
-    m_dialogo = std::make_unique<DialogoProgSW>(programma.linea, programma.PercorsoApp, programma.lingua,
+    m_dialogo = std::make_unique<DialogoProgSW>(programma.linea, programma.PercorsoApp,
                                                 static_cast<VistaProgSW &>(*this));
 
     m_boxProg->setObjectName(QStringLiteral("BoxProg"));
@@ -183,8 +183,8 @@ void ProgSW::nodoScelto()
     const SchedaSoftware scheda = m_dialogo->scegli(nodo->text(0));
     m_versione->setText(scheda.Versione);
     m_note->setText(scheda.Note);
-    if (!scheda.avviso.isEmpty())
-        m_segnalazione1->setText(scheda.avviso);
+    if (!scheda.avviso.vuoto())
+        mostraSegnalazione(scheda.avviso);
 }
 
 bool ProgSW::eventFilter(QObject *oggetto, QEvent *evento)
@@ -213,9 +213,9 @@ void ProgSW::Esci_Click()
     emit chiusa();
 }
 
-void ProgSW::mostraSegnalazione(const QString &testo)
+void ProgSW::mostraSegnalazione(const kv::Messaggio &testo)
 {
-    m_segnalazione1->setText(testo);
+    m_segnalazione1->setText(m_programma.lingua.testo(testo));
 }
 
 void ProgSW::abilitaPagina(bool abilitata)
@@ -247,16 +247,18 @@ void ProgSW::impostaBarra(int valore)
     m_barraPercentuale->setValue(valore);
 }
 
-void ProgSW::mostraMsg(const QString &testo, int flags, const QString &titolo)
+void ProgSW::mostraMsg(const kv::Messaggio &testo, int flags, const kv::Messaggio &titolo)
 {
     if (m_messaggio)
-        m_messaggio(testo, flags, titolo);
+        m_messaggio(m_programma.lingua.testo(testo), flags, m_programma.lingua.testo(titolo));
 }
 
-bool ProgSW::chiedi(const QString &testo, const QString &titolo)
+bool ProgSW::chiedi(const kv::Messaggio &testo, const kv::Messaggio &titolo)
 {
+    const Lingua &l = m_programma.lingua;
     return m_messaggio
-           && m_messaggio(testo, FlagDomandaMappe | SecondoPredefinito, titolo) == RispostaSiMappe;
+           && m_messaggio(l.testo(testo), FlagDomandaMappe | SecondoPredefinito, l.testo(titolo))
+                  == RispostaSiMappe;
 }
 
 } // namespace kv

@@ -54,12 +54,12 @@ protected:
 
 private:
     // VistaProgSW
-    void mostraSegnalazione(const QString &testo) override;
+    void mostraSegnalazione(const kv::Messaggio &testo) override;
     void abilitaPagina(bool abilitata) override;
     void mostraBarra(bool visibile) override;
     void impostaBarra(int valore) override;
-    void mostraMsg(const QString &testo, int flags, const QString &titolo) override;
-    bool chiedi(const QString &testo, const QString &titolo) override;
+    void mostraMsg(const kv::Messaggio &testo, int flags, const kv::Messaggio &titolo) override;
+    bool chiedi(const kv::Messaggio &testo, const kv::Messaggio &titolo) override;
 
     // A click on a node, or Enter on it.
     void nodoScelto();

@@ -42,7 +42,7 @@ public:
 
 ReadMappe::ReadMappe(Programma &programma, QWidget *parent)
     : TelaioMappe(programma, QStringLiteral("ReadMappe"), parent)
-    , m_lettura(programma, static_cast<VistaMappe &>(*this))
+    , m_lettura(programma.linea, programma.PercorsoApp, programma.catalogo, static_cast<VistaMappe &>(*this))
 {
     const char *nomi[] = {"NomeMarca", "NomeModello", "NomeFlyMod", "Note"};
     for (size_t i = 0; i < m_etichette.size(); ++i) {
@@ -135,8 +135,7 @@ void ReadMappe::mappaCliccata(int nodo)
 void ReadMappe::entrato(QLineEdit *campo)
 {
     if (campo != Note()) {
-        mostraSegnalazione(m_impianto->text().isEmpty() ? testo(QStringLiteral("SEGNALAZIONE1.0"))
-                                                        : QString());
+        mostraTesto(m_impianto->text().isEmpty() ? testo(QStringLiteral("SEGNALAZIONE1.0")) : QString());
         campo->setText(campo->text().trimmed());
     }
     m_testoEntrata = campo->text();

@@ -158,7 +158,7 @@ void TelaioMappe::aggiornaAlbero(const ChiaveMappa &scelta)
     EsitoArchivio esito;
     m_modello->imposta(AlberoMappe::Carica(m_programma.PercorsoApp, &esito), AlberoMappe::Livello::Modello);
     if (!esito.ok())
-        mostraSegnalazione(TestoEsitoArchivio(m_programma.lingua, esito));
+        mostraTesto(m_programma.lingua.testo(MessaggioArchivio(esito)));
     const QModelIndex radice = m_modello->indice(AlberoMappe::Radice);
     m_albero->expand(radice);
 
@@ -226,9 +226,14 @@ bool TelaioMappe::eventFilter(QObject *oggetto, QEvent *evento)
     return QWidget::eventFilter(oggetto, evento);
 }
 
-void TelaioMappe::mostraSegnalazione(const QString &testo)
+void TelaioMappe::mostraTesto(const QString &testo)
 {
     m_segnalazione->setText(testo);
+}
+
+void TelaioMappe::mostraSegnalazione(const Messaggio &testo)
+{
+    mostraTesto(m_programma.lingua.testo(testo));
 }
 
 void TelaioMappe::abilitaPagina(bool abilitata)
@@ -262,9 +267,10 @@ void TelaioMappe::beep()
     QApplication::beep();
 }
 
-int TelaioMappe::domanda(const QString &testo, int flags, const QString &titolo)
+int TelaioMappe::domanda(const Messaggio &testo, int flags, const Messaggio &titolo)
 {
-    return m_domanda(testo, flags, titolo);
+    const Lingua &l = m_programma.lingua;
+    return m_domanda(l.testo(testo), flags, l.testo(titolo));
 }
 
 void TelaioMappe::chiudiPagina()

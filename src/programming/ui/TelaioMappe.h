@@ -78,13 +78,16 @@ protected:
     // The first widget the fitter is on, in the tab order after the lists.
     virtual QList<QWidget *> ordineCampi() const = 0;
 
+    // The message line, with a text of the page's own.
+    void mostraTesto(const QString &testo);
+
     // VistaMappe
-    void mostraSegnalazione(const QString &testo) override;
+    void mostraSegnalazione(const Messaggio &testo) override;
     void abilitaPagina(bool abilitata) override;
     void mostraAvanzamento(int valore, int massimo) override;
     void nascondiAvanzamento() override;
     void beep() override;
-    int domanda(const QString &testo, int flags, const QString &titolo) override;
+    int domanda(const Messaggio &testo, int flags, const Messaggio &titolo) override;
     void chiudiPagina() override;
 
     bool eventFilter(QObject *oggetto, QEvent *evento) override;

@@ -101,18 +101,18 @@ void TelaioScambio::impostaModale(Modale modale)
 
 QString TelaioScambio::testo(const QString &chiave) const
 {
-    return testo(m_sezione, chiave);
+    return testo(Messaggio(m_sezione, chiave));
 }
 
-QString TelaioScambio::testo(const QString &sezione, const QString &chiave) const
+QString TelaioScambio::testo(const Messaggio &m) const
 {
-    return m_programma.lingua.LeggiTesto(sezione, chiave).trimmed();
+    return m_programma.lingua.testo(m).trimmed();
 }
 
 void TelaioScambio::caricaTesti(const QString &tastoComando, const QString &etichettaCartella)
 {
     setWindowTitle(testo(QStringLiteral("CAPTION")));
-    m_comando->setText(QLatin1Char('&') + testo(QStringLiteral("TASTI"), tastoComando)
+    m_comando->setText(QLatin1Char('&') + testo(Messaggio(QStringLiteral("TASTI"), tastoComando))
                        + QStringLiteral("  (F2)"));
     m_esci->setText(QLatin1Char('&') + m_programma.lingua.LeggiTesto("TASTI", "ESCI").trimmed()
                     + QStringLiteral("  (Esc)"));
@@ -146,18 +146,22 @@ void TelaioScambio::mostraSegnalazione(const QString &testo)
 
 void TelaioScambio::mostra(const EsitoScambio &esito)
 {
-    m_segnalazione->setText(esito.messaggio);
-    m_avvisi->setPlainText(esito.avvisi.join(u'\n'));
-    m_avvisi->setVisible(!esito.avvisi.isEmpty());
+    const Lingua &l = m_programma.lingua;
+    m_segnalazione->setText(l.testo(esito.messaggio));
+    QStringList avvisi;
+    for (const Messaggio &a : esito.avvisi)
+        avvisi << l.testo(a);
+    m_avvisi->setPlainText(avvisi.join(u'\n'));
+    m_avvisi->setVisible(!avvisi.isEmpty());
 }
 
-bool TelaioScambio::chiedi(const QString &t)
+bool TelaioScambio::chiedi(const Messaggio &m)
 {
+    const QString t = m_programma.lingua.testo(m);
     const bool attesa = QApplication::overrideCursor() != nullptr;
     if (attesa)
         QApplication::restoreOverrideCursor();
-    const int risposta =
-        m_domanda(t, FlagDomandaMappe, testo(QStringLiteral("SEGNALAZIONI"), QStringLiteral("TITOLO_1")));
+    const int risposta = m_domanda(t, FlagDomandaMappe, testo(Segnalazione("TITOLO_1")));
     if (attesa)
         QApplication::setOverrideCursor(Qt::WaitCursor);
     return risposta == RispostaSiMappe;
@@ -165,7 +169,7 @@ bool TelaioScambio::chiedi(const QString &t)
 
 void TelaioScambio::avvisa(const QString &t)
 {
-    m_domanda(t, FlagInformazione, testo(QStringLiteral("SEGNALAZIONI"), QStringLiteral("TITOLO_1")));
+    m_domanda(t, FlagInformazione, testo(Segnalazione("TITOLO_1")));
 }
 
 } // namespace kv

@@ -68,14 +68,14 @@ protected:
     QPushButton *comando() const { return m_comando; }
     QPushButton *esci() const { return m_esci; }
     QString testo(const QString &chiave) const;
-    QString testo(const QString &sezione, const QString &chiave) const;
+    QString testo(const Messaggio &m) const;
     // Caption, the two buttons (the command's caption by its key of TASTI), the folder's label.
     void caricaTesti(const QString &tastoComando, const QString &etichettaCartella);
 
     void mostraSegnalazione(const QString &testo);
     void mostra(const EsitoScambio &esito);
     // A yes-or-no question with the title of the program; true for yes.
-    bool chiedi(const QString &testo);
+    bool chiedi(const Messaggio &testo);
     // An information box with OK.
     void avvisa(const QString &testo);
 

@@ -13,6 +13,7 @@
 #include "pages/ui/CampoDato.h"
 #include "shell/ui/AiutoUi.h"
 #include "support/PortaEcu.h"
+#include "support/TestiDiProva.h"
 #include "variables/Formato.h"
 
 #include <QComboBox>
@@ -120,7 +121,7 @@ private slots:
             cartella.path(), std::move(pe), std::move(r), std::make_unique<TemporizzatoreManuale>(),
             std::make_unique<TemporizzatoreManuale>(), std::make_unique<TemporizzatoreManuale>());
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        p->canali.InizializzaCanali(p->lingua);
+        p->canali.InizializzaCanali(cercaIn(p->lingua));
         frame = std::make_unique<Korvantine>(*p);
         sequenza = &RegistraPagineTaratura(*frame);
         frame->avvia();

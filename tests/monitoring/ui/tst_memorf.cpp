@@ -178,7 +178,7 @@ private slots:
         QVERIFY(m->scheda()->isHidden());
         QVERIFY(!m->tastoMemorizza()->isEnabled());
         QVERIFY(m->segnalazione()->isVisible());
-        QCOMPARE(m->segnalazione()->text(), TestoEsitoArchivio(p->lingua, {errore, file, {}}));
+        QCOMPARE(m->segnalazione()->text(), p->lingua.testo(MessaggioArchivio({errore, file, {}})));
         QTest::keyClick(m.get(), Qt::Key_F2);
         QVERIFY(messaggi.isEmpty());
         QTest::keyClick(m.get(), Qt::Key_Escape);
