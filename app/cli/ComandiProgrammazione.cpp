@@ -71,14 +71,16 @@ int fallita(SessioneCli &s, const QString &ultima)
 class VistaMappeCli : public VistaMappe
 {
 public:
-    VistaMappeCli(Avanzamento &avanzamento, QStringList fasi, bool sostituire)
-        : m_avanzamento(avanzamento)
+    VistaMappeCli(const Lingua &lingua, Avanzamento &avanzamento, QStringList fasi, bool sostituire)
+        : m_lingua(lingua)
+        , m_avanzamento(avanzamento)
         , m_fasi(std::move(fasi))
         , m_sostituire(sostituire)
     {}
 
-    void mostraSegnalazione(const QString &testo) override
+    void mostraSegnalazione(const Messaggio &m) override
     {
+        const QString testo = m_lingua.testo(m);
         if (!testo.isEmpty())
             ultima = testo;
     }
@@ -96,7 +98,7 @@ public:
         m_avanzamento.chiudi();
     }
     void beep() override {}
-    int domanda(const QString &, int, const QString &) override
+    int domanda(const Messaggio &, int, const Messaggio &) override
     {
         domandaRifiutata = !m_sostituire;
         return m_sostituire ? RispostaSiMappe : 0;
@@ -107,6 +109,7 @@ public:
     bool domandaRifiutata = false;
 
 private:
+    const Lingua &m_lingua;
     Avanzamento &m_avanzamento;
     QStringList m_fasi;
     int m_fase = 0;
@@ -118,8 +121,9 @@ class VistaProgSWCli : public VistaProgSW
 public:
     VistaProgSWCli(SessioneCli &s) : m_s(s) {}
 
-    void mostraSegnalazione(const QString &testo) override
+    void mostraSegnalazione(const Messaggio &m) override
     {
+        const QString testo = m_s.lingua().testo(m);
         if (!testo.isEmpty())
             ultima = testo;
     }
@@ -142,8 +146,8 @@ public:
             m_s.avanzamento().chiudi();
     }
     void impostaBarra(int valore) override { m_s.avanzamento().aggiorna(valore); }
-    void mostraMsg(const QString &testo, int, const QString &) override { ultima = testo; }
-    bool chiedi(const QString &, const QString &) override { return true; }
+    void mostraMsg(const Messaggio &m, int, const Messaggio &) override { ultima = m_s.lingua().testo(m); }
+    bool chiedi(const Messaggio &, const Messaggio &) override { return true; }
 
     QString ultima;
     bool avviata = false;
@@ -156,7 +160,7 @@ private:
 // Why a map file is refused, as the map pages say it.
 QString motivoMappa(const SessioneCli &s, const QString &file, const EsitoMappa &e)
 {
-    return file + QStringLiteral(": ") + TestoEsitoMappa(s.lingua(), e).trimmed();
+    return file + QStringLiteral(": ") + s.lingua().testo(MessaggioEsitoMappa(e)).trimmed();
 }
 
 bool soloBootLoader(SessioneCli &s)
@@ -218,8 +222,9 @@ int leggiMappa(const QStringList &argomenti)
     Programma &programma = s.crea(archivio);
     if (!s.apri() || !s.attendiEcu() || soloBootLoader(s))
         return s.uscita();
-    VistaMappeCli vista(s.avanzamento(), {QStringLiteral("reading")}, p.isSet(QStringLiteral("yes")));
-    LetturaMappe lettura(programma, vista);
+    VistaMappeCli vista(s.lingua(), s.avanzamento(), {QStringLiteral("reading")},
+                        p.isSet(QStringLiteral("yes")));
+    LetturaMappe lettura(programma.linea, programma.PercorsoApp, programma.catalogo, vista);
     lettura.Leggi(chiave, p.value(QStringLiteral("note")));
     if (!lettura.inCorso()) {
         s.chiudiPorta();
@@ -289,8 +294,9 @@ int scriviMappa(const QStringList &argomenti)
     if (!s.apri() || !s.attendiEcu() || soloBootLoader(s))
         return s.uscita();
     const bool verifica = p.isSet(QStringLiteral("verify"));
-    VistaMappeCli vista(s.avanzamento(), {QStringLiteral("writing"), QStringLiteral("verifying")}, true);
-    ScritturaMappe scrittura(programma, vista);
+    VistaMappeCli vista(s.lingua(), s.avanzamento(), {QStringLiteral("writing"), QStringLiteral("verifying")},
+                        true);
+    ScritturaMappe scrittura(programma.linea, programma.PercorsoApp, vista);
     const MotoreDialogo &motore = programma.linea.motore();
     const auto inCorso = [&] {
         const int stato = motore.StatoDialogo();
@@ -369,7 +375,7 @@ int flash(const QStringList &argomenti)
                                    .arg(ecu.InfVeicolo.trimmed(), ecu.InfCodice.trimmed()));
     }
     VistaProgSWCli vista(s);
-    DialogoProgSW dialogo(programma.linea, s.cartellaPropria(), s.lingua(), vista);
+    DialogoProgSW dialogo(programma.linea, s.cartellaPropria(), vista);
     dialogo.scegli(nome);
     dialogo.avviaProgrammazione();
     if (!vista.avviata) {

@@ -148,7 +148,8 @@ Programma &SessioneCli::crea(bool nellaCasa)
     // MESSAGGI.TXT is the log of the program's own last run: a command leaves it alone.
     p.linea.registro().impostaPercorso({});
     p.lingua = m_lingua;
-    p.canali.InizializzaCanali(p.lingua);
+    p.canali.InizializzaCanali(
+        [&p](const QString &s, const QString &k) { return p.lingua.LeggiTesto(s, k); });
     QObject::connect(&p.linea.TimeOutReq(), &Temporizzatore::scaduto, [this] { m_senzaRisposta = true; });
     QObject::connect(&p.linea.sorveglianza(), &SorveglianzaLinea::persa, [this] { m_senzaRisposta = true; });
     return p;

@@ -46,23 +46,23 @@ struct Ecu
 
 struct VistaMappeProva : VistaMappe
 {
-    void mostraSegnalazione(const QString &) override {}
+    void mostraSegnalazione(const Messaggio &) override {}
     void abilitaPagina(bool) override {}
     void mostraAvanzamento(int, int) override {}
     void nascondiAvanzamento() override {}
     void beep() override {}
-    int domanda(const QString &, int, const QString &) override { return RispostaSiMappe; }
+    int domanda(const Messaggio &, int, const Messaggio &) override { return RispostaSiMappe; }
     void chiudiPagina() override {}
 };
 
 struct VistaProgSWProva : VistaProgSW
 {
-    void mostraSegnalazione(const QString &) override {}
+    void mostraSegnalazione(const Messaggio &) override {}
     void abilitaPagina(bool) override {}
     void mostraBarra(bool) override {}
     void impostaBarra(int) override {}
-    void mostraMsg(const QString &, int, const QString &) override {}
-    bool chiedi(const QString &, const QString &) override { return true; }
+    void mostraMsg(const Messaggio &, int, const Messaggio &) override {}
+    bool chiedi(const Messaggio &, const Messaggio &) override { return true; }
 };
 
 QByteArray comeFile(const QByteArray &immagine)
@@ -132,9 +132,9 @@ class TstCliLinea : public QObject
             return {};
         VistaMappeProva vm;
         VistaProgSWProva vs;
-        LetturaMappe lettura(p, vm);
-        ScritturaMappe scrittura(p, vm);
-        DialogoProgSW flash(p.linea, p.PercorsoApp, p.lingua, vs);
+        LetturaMappe lettura(p.linea, p.PercorsoApp, p.catalogo, vm);
+        ScritturaMappe scrittura(p.linea, p.PercorsoApp, vm);
+        DialogoProgSW flash(p.linea, p.PercorsoApp, vs);
         const ChiaveMappa chiave{"LPG", "Make", "Model", "BASE"};
         switch (lavoro) {
         case Lavoro::Nessuno:
