@@ -3,6 +3,7 @@
 // Run it with the offscreen platform (scripts/pictures.sh does).
 
 #include "Demo.h"
+#include "base/Lingua.h"
 
 #include "archives/ScambioSoftware.h"
 #include "base/FileIni.h"
@@ -157,8 +158,9 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "korvantine-pictures: %s\n", qPrintable(errore));
         return 1;
     }
-    Programma programma(home.path(), std::make_unique<PortaSeriale>(), std::make_unique<TemporizzatoreQt>(),
-                        std::make_unique<TemporizzatoreQt>());
+    Lingua lingua(home.path());
+    Programma programma(home.path(), lingua, std::make_unique<PortaSeriale>(),
+                        std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
     programma.dispositivoForzato = demo.percorso();
     Korvantine finestra(programma);
     RegistraPagineMessaPunto(finestra);

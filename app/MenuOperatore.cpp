@@ -1,4 +1,5 @@
 #include "MenuOperatore.h"
+#include "base/Lingua.h"
 
 #include "Demo.h"
 

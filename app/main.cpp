@@ -174,8 +174,10 @@ int main(int argc, char *argv[])
                      qPrintable(ecuDemo.percorso()));
     }
 
-    Programma programma(percorsoApp, std::make_unique<PortaSeriale>(), std::make_unique<TemporizzatoreQt>(),
-                        std::make_unique<TemporizzatoreQt>());
+    // The language outlives the program that lends it to the windows.
+    Lingua lingua(percorsoApp);
+    Programma programma(percorsoApp, lingua, std::make_unique<PortaSeriale>(),
+                        std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
     programma.dispositivoForzato = ecuDemo.percorso();
     programma.lingua.impostaCartelleDistribuite(CartelleLingueDistribuite(cartellaEseguibile));
 
@@ -200,8 +202,7 @@ int main(int argc, char *argv[])
     if (inDemo)
         InstallaMenuOperatore(finestra, ecuDemo);
 
-    const Lingua &lingua = programma.lingua;
-    programma.lingua.LeggiImpLingua();
+    lingua.LeggiImpLingua();
     Avvio::esegui(programma,
                   [&lingua](const QString &s, const QString &k) { return lingua.LeggiTesto(s, k); });
     // Something to flash into the simulated ECU, when the home has no release of its own.

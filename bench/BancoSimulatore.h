@@ -6,6 +6,7 @@
 
 #include "Demo.h"
 #include "EcuSimulata.h"
+#include "base/Lingua.h"
 
 #include "link/PortaSeriale.h"
 #include "shell/Programma.h"
@@ -46,7 +47,8 @@ public:
         });
         if (!demo)
             return false;
-        programma = std::make_unique<Programma>(m_cartella.path(), std::make_unique<PortaSeriale>(),
+        lingua = Lingua(m_cartella.path());
+        programma = std::make_unique<Programma>(m_cartella.path(), lingua, std::make_unique<PortaSeriale>(),
                                                 std::make_unique<TemporizzatoreQt>(),
                                                 std::make_unique<TemporizzatoreQt>());
         programma->seriale.VelocitaCom = Baud;
@@ -107,6 +109,7 @@ public:
             programma->linea.porta().chiudi();
     }
 
+    Lingua lingua; // lent to the program below, so it outlives it
     std::unique_ptr<Programma> programma;
 
 private:

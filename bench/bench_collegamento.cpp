@@ -4,6 +4,7 @@
 // reads come to the time their bytes need on the wire.
 #include "EcuSimulata.h"
 #include "Sveglia.h"
+#include "base/Lingua.h"
 #include "link/PortaSeriale.h"
 #include "shell/Programma.h"
 
@@ -130,8 +131,9 @@ int main(int argc, char *argv[])
     });
 
     QTemporaryDir cartella;
-    Programma p(cartella.path(), std::make_unique<PortaSeriale>(), std::make_unique<TemporizzatoreQt>(),
-                std::make_unique<TemporizzatoreQt>());
+    Lingua lingua(cartella.path());
+    Programma p(cartella.path(), lingua, std::make_unique<PortaSeriale>(),
+                std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
     p.seriale.VelocitaCom = Baud;
     p.dispositivoForzato = ecu->percorsoDispositivo();
     if (!p.ApriPorta()) {

@@ -11,6 +11,7 @@
 #include "FileS19.h"
 #include "MappaMemoria.h"
 #include "Sveglia.h"
+#include "base/Lingua.h"
 
 #include "link/PortaSeriale.h"
 #include "programming/DialogoProgSW.h"
@@ -210,9 +211,10 @@ public:
     {
         auto porta = std::make_unique<PortaCronometrata>(std::move(interna), m_orologio);
         m_porta = porta.get();
-        m_programma =
-            std::make_unique<Programma>(m_home, std::move(porta), std::make_unique<TemporizzatoreQt>(),
-                                        std::make_unique<TemporizzatoreQt>());
+        m_lingua = Lingua(m_home);
+        m_programma = (std::make_unique<Programma>(m_home, m_lingua, std::move(porta),
+                                                   std::make_unique<TemporizzatoreQt>(),
+                                                   std::make_unique<TemporizzatoreQt>()));
         m_programma->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
         m_programma->seriale.VelocitaCom = m_baud;
         m_programma->dispositivoForzato = m_ecu->percorsoDispositivo();
@@ -358,6 +360,7 @@ private:
     bool m_diretto;
     EcuSimulata *m_ecu;
     QThread m_filo;
+    Lingua m_lingua; // lent to the program below, so it outlives it
     std::unique_ptr<Programma> m_programma;
     PortaCronometrata *m_porta = nullptr;
     QElapsedTimer m_orologio;

@@ -8,6 +8,7 @@
 // Usage: bench_grafici [seconds per window] [grafici|strumenti|link|all]
 //        (60 and all unless told; the platform from QT_QPA_PLATFORM)
 #include "EcuSimulata.h"
+#include "base/Lingua.h"
 #include "link/PortaSeriale.h"
 #include "monitoring/ui/BarraRegistrazione.h"
 #include "monitoring/ui/Grafici.h"
@@ -130,8 +131,9 @@ int main(int argc, char *argv[])
 
     QTemporaryDir cartella;
     QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), cartella.filePath("ENGLISH.LNG"));
-    Programma p(cartella.path(), std::make_unique<PortaSeriale>(), std::make_unique<TemporizzatoreQt>(),
-                std::make_unique<TemporizzatoreQt>());
+    Lingua lingua(cartella.path());
+    Programma p(cartella.path(), lingua, std::make_unique<PortaSeriale>(),
+                std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
     p.lingua.LinguaCorrente = QStringLiteral("ENGLISH");
     p.canali.InizializzaCanali(
         [&p](const QString &s, const QString &k) { return p.lingua.LeggiTesto(s, k); });

@@ -4,6 +4,7 @@
 // stream off, once with it running as in the workshop; and once with the simulator wired
 // straight to the port, no line at all, which leaves the program's own share of the time.
 #include "EcuSimulata.h"
+#include "base/Lingua.h"
 #include "link/Frame.h"
 #include "link/PortaSeriale.h"
 #include "programming/DialogoMappe.h"
@@ -113,7 +114,8 @@ int misura(Collegamento linea)
     }
 
     QTemporaryDir cartella;
-    Programma p(cartella.path(), std::move(porta), std::make_unique<TemporizzatoreQt>(),
+    Lingua lingua(cartella.path());
+    Programma p(cartella.path(), lingua, std::move(porta), std::make_unique<TemporizzatoreQt>(),
                 std::make_unique<TemporizzatoreQt>());
     p.seriale.VelocitaCom = Baud;
     p.dispositivoForzato = ecu->percorsoDispositivo();

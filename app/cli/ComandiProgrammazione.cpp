@@ -3,6 +3,7 @@
 
 #include "Comandi.h"
 #include "SessioneCli.h"
+#include "base/Lingua.h"
 
 #include "base/FileSystem.h"
 #include "programming/ControlloMappa.h"

@@ -1,4 +1,5 @@
 #include "SessioneCli.h"
+#include "base/Lingua.h"
 
 #include "Comandi.h"
 
@@ -142,12 +143,11 @@ bool SessioneCli::risolviPorta(const QCommandLineParser &p)
 Programma &SessioneCli::crea(bool nellaCasa)
 {
     m_programma = std::make_unique<Programma>(
-        nellaCasa ? m_casa : m_propria.path(), std::make_unique<PortaSeriale>(),
+        nellaCasa ? m_casa : m_propria.path(), m_lingua, std::make_unique<PortaSeriale>(),
         std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
     Programma &p = *m_programma;
     // MESSAGGI.TXT is the log of the program's own last run: a command leaves it alone.
     p.linea.registro().impostaPercorso({});
-    p.lingua = m_lingua;
     p.canali.InizializzaCanali(
         [&p](const QString &s, const QString &k) { return p.lingua.LeggiTesto(s, k); });
     QObject::connect(&p.linea.TimeOutReq(), &Temporizzatore::scaduto, [this] { m_senzaRisposta = true; });

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "base/Configurazione.h"
-#include "base/Lingua.h"
 #include "link/SessioneLinea.h"
 #include "monitoring/AnelloRegistrazione.h"
 #include "monitoring/Canali.h"
@@ -14,6 +13,8 @@
 
 namespace kv {
 
+class Lingua;
+
 // The composition root: it builds, once at start (tests build their own), the objects that
 // each own one piece of the program's state, and wires them. Each is handed on to those that
 // need it, and nothing else:
@@ -22,12 +23,14 @@ namespace kv {
 // - linea: the serial line, the dialogue engine, identification, the live stream and what is
 //   known of the ECU;
 // - menu: the function chosen and service mode;
-// - lingua, seriale: the language file and the serial settings.
+// - seriale: the serial settings.
+// The language is not the program's: whoever builds it (app/, a test) owns one and lends it
+// here for the windows; nothing below them looks anything up in it.
 class Programma : public QObject
 {
     Q_OBJECT
 public:
-    Programma(const QString &percorsoApp, std::unique_ptr<Porta> porta,
+    Programma(const QString &percorsoApp, Lingua &lingua, std::unique_ptr<Porta> porta,
               std::unique_ptr<Temporizzatore> timeOutReq, std::unique_ptr<Temporizzatore> timeOutDati,
               std::unique_ptr<Temporizzatore> riapertura = {}, std::unique_ptr<Temporizzatore> silenzio = {},
               QObject *parent = nullptr);
@@ -53,7 +56,7 @@ public:
     Catalogo catalogo;
     TabellaCanali canali;
     AnelloRegistrazione anello;
-    Lingua lingua;
+    Lingua &lingua;
     ImpSeriale seriale;
     SessioneLinea linea;
     StatoMenu menu;

@@ -1,6 +1,7 @@
 // The calibration's logic without widgets: the handshake of state 121, the status byte
 // moving the strip pages, and the ECU leaving calibration by itself. Frames come from a
 // scripted port; the main frame is a stand-in that keeps one page and answers boxes.
+#include "base/Lingua.h"
 #include "calibration/SequenzaTaratura.h"
 #include "calibration/TaraturaStriscia.h"
 #include "calibration/TelaioTaratura.h"
@@ -135,6 +136,7 @@ class TstSequenzaTaratura : public QObject
     QTemporaryDir cartella;
     PortaFinta *porta = nullptr;
     TemporizzatoreManuale *req = nullptr;
+    Lingua lingua; // lent to the program below, so it outlives it
     std::unique_ptr<Programma> p;
     std::unique_ptr<TelaioFinto> telaio;
     std::unique_ptr<SequenzaTaratura> sequenza;
@@ -179,8 +181,9 @@ private slots:
         auto r = std::make_unique<TemporizzatoreManuale>();
         porta = pf.get();
         req = r.get();
+        lingua = Lingua(cartella.path());
         p = std::make_unique<Programma>(
-            cartella.path(), std::move(pf), std::move(r), std::make_unique<TemporizzatoreManuale>(),
+            cartella.path(), lingua, std::move(pf), std::move(r), std::make_unique<TemporizzatoreManuale>(),
             std::make_unique<TemporizzatoreManuale>(), std::make_unique<TemporizzatoreManuale>());
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
         p->canali.InizializzaCanali(cercaIn(p->lingua));

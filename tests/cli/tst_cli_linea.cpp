@@ -4,6 +4,7 @@
 
 #include "EcuSimulata.h"
 #include "FileS19.h"
+#include "base/Lingua.h"
 
 #include "link/PortaSeriale.h"
 #include "programming/DialogoMappe.h"
@@ -120,7 +121,8 @@ class TstCliLinea : public QObject
     QByteArrayList programma(Lavoro lavoro)
     {
         Ecu e;
-        Programma p(d.filePath("programma"), std::make_unique<PortaSeriale>(),
+        Lingua lingua(d.filePath("programma"));
+        Programma p(d.filePath("programma"), lingua, std::make_unique<PortaSeriale>(),
                     std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
         p.lingua.PercorsoApp = home();
         p.lingua.LinguaCorrente = QStringLiteral("ENGLISH");

@@ -1,5 +1,6 @@
 // The program's real port code against the simulated ECU on a pseudo-terminal.
 #include "EcuSimulata.h"
+#include "base/Lingua.h"
 #include "link/PortaSeriale.h"
 #include "shell/Programma.h"
 #include "variables/Conversioni.h"
@@ -56,6 +57,7 @@ class TstCollegamento : public QObject
 
     QTemporaryDir cartella;
     std::unique_ptr<EcuSimulata> ecu;
+    Lingua lingua; // lent to the program below, so it outlives it
     std::unique_ptr<Programma> p;
     QList<Inviato> inviati;
     int richiesteVersione = 0;
@@ -78,7 +80,8 @@ class TstCollegamento : public QObject
                 ++richiesteVersione;
         });
 
-        p = std::make_unique<Programma>(cartella.path(), std::make_unique<PortaSeriale>(),
+        lingua = Lingua(cartella.path());
+        p = std::make_unique<Programma>(cartella.path(), lingua, std::make_unique<PortaSeriale>(),
                                         std::make_unique<TemporizzatoreQt>(),
                                         std::make_unique<TemporizzatoreQt>());
         p->seriale.VelocitaCom = 38400;
@@ -154,8 +157,9 @@ private slots:
         PortaSpia *porta = spia.get();
         auto ra = std::make_unique<TemporizzatoreManuale>();
         TemporizzatoreManuale *riapertura = ra.get();
+        lingua = Lingua(cartella.path());
         p = std::make_unique<Programma>(
-            cartella.path(), std::move(spia), std::make_unique<TemporizzatoreQt>(),
+            cartella.path(), lingua, std::move(spia), std::make_unique<TemporizzatoreQt>(),
             std::make_unique<TemporizzatoreQt>(), std::move(ra), std::make_unique<TemporizzatoreManuale>());
         p->dispositivoForzato = collegamento;
         QVERIFY(p->ApriPorta());

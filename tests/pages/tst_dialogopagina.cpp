@@ -2,6 +2,7 @@
 // opening reads of every plan, conversions, cross limits, TPS presence and lock, saves in
 // every page's order, refusals by the ECU and time-outs. Time-outs fire by hand.
 
+#include "base/Lingua.h"
 #include "support/FrameDiProva.h"
 #include "support/ProgrammaSimulato.h"
 

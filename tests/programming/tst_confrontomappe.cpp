@@ -3,6 +3,7 @@
 // show what B shows, and A is filed under a new name. The history of an ECU is kept beside
 // the map archive, apart from it.
 
+#include "base/Lingua.h"
 #include "support/FileDiProva.h"
 #include "support/ProgrammaSimulato.h"
 

@@ -3,6 +3,7 @@
 // MAPPATURE, damaged files, the read-back check, and the tree that merges folders and
 // catalogue. Time-outs fire by hand.
 
+#include "base/Lingua.h"
 #include "support/DiscoPieno.h"
 #include "support/FileDiProva.h"
 #include "support/ProgrammaSimulato.h"

@@ -1,6 +1,7 @@
 #include "EcuSimulata.h"
 #include "base/FileIni.h"
 #include "base/IstanzaUnica.h"
+#include "base/Lingua.h"
 #include "base/PercorsoApp.h"
 #include "link/PortaSeriale.h"
 #include "shell/Avvio.h"
@@ -22,9 +23,10 @@ using namespace kv::sim;
 
 namespace {
 
-std::unique_ptr<Programma> nuovoProgramma(const QString &cartella)
+std::unique_ptr<Programma> nuovoProgramma(const QString &cartella, Lingua &lingua)
 {
-    return std::make_unique<Programma>(cartella, std::make_unique<PortaSeriale>(),
+    lingua = Lingua(cartella);
+    return std::make_unique<Programma>(cartella, lingua, std::make_unique<PortaSeriale>(),
                                        std::make_unique<TemporizzatoreQt>(),
                                        std::make_unique<TemporizzatoreQt>());
 }
@@ -41,6 +43,7 @@ void esegui(Programma &p)
 class TstAvvio : public QObject
 {
     Q_OBJECT
+    Lingua lingua;
 
 private slots:
     void firstStartInAnEmptyFolderThenASecondRemovesTheLeftovers()
@@ -51,7 +54,7 @@ private slots:
         QCOMPARE(Avvio::preparaCartella(home, *istanza), Avvio::Esito::Prosegui);
         QCOMPARE(SeminaLingue(home, {QStringLiteral(KV_SOURCE_DIR "/lang")}), 2);
         FileIni::scrivi(PercorsoIni(home), "SERIALE", "Porta", "/dev/korvantine-no-such-port");
-        auto p = nuovoProgramma(home);
+        auto p = nuovoProgramma(home, lingua);
         QSignalSpy fallita(p.get(), &Programma::portaNonAperta);
         esegui(*p);
         for (const char *c : {"MAPPATURE/LPG", "MAPPATURE/CNG", "SOFTWARE", "DATI"})
@@ -72,7 +75,7 @@ private slots:
         scrivi(PercorsoIni(home), ini);
         istanza = std::make_unique<IstanzaUnica>(home);
         QCOMPARE(Avvio::preparaCartella(home, *istanza), Avvio::Esito::Prosegui);
-        p = nuovoProgramma(home);
+        p = nuovoProgramma(home, lingua);
         esegui(*p);
         QVERIFY(!QFile::exists(home + "/MESSAGGI.TXT"));
         QVERIFY(!QFile::exists(home + "/MAPPA.TMP"));
@@ -105,7 +108,7 @@ private slots:
         FileIni::scrivi(PercorsoIni(home), "SERIALE", "BaudRate", "38400");
         IstanzaUnica istanza(home);
         QCOMPARE(Avvio::preparaCartella(home, istanza), Avvio::Esito::Prosegui);
-        auto p = nuovoProgramma(home);
+        auto p = nuovoProgramma(home, lingua);
         QSignalSpy fallita(p.get(), &Programma::portaNonAperta);
         esegui(*p);
         QCOMPARE(fallita.size(), 0);
@@ -129,7 +132,7 @@ private slots:
         QCOMPARE(chown(QFile::encodeName(dispositivo).constData(), uid_t(-1), dialout->gr_gid), 0);
         QTemporaryDir dir;
         QVERIFY(SeminaLingue(dir.path(), {QStringLiteral(KV_SOURCE_DIR "/lang")}) > 0);
-        auto p = nuovoProgramma(dir.path());
+        auto p = nuovoProgramma(dir.path(), lingua);
         p->lingua.LeggiImpLingua();
         p->dispositivoForzato = dispositivo;
         QSignalSpy fallita(p.get(), &Programma::portaNonAperta);

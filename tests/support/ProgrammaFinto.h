@@ -3,6 +3,7 @@
 // A Programma on a scripted port with every timer fired by hand: the test plays the ECU's
 // part through arriva(), and identifica() runs the identification as an ECU would answer it.
 
+#include "base/Lingua.h"
 #include "support/FrameDiProva.h"
 #include "support/PortaFinta.h"
 
@@ -18,6 +19,7 @@ namespace kv {
 struct ProgrammaFinto
 {
     QTemporaryDir cartella;
+    Lingua lingua; // lent to the program below, so it outlives it
     std::unique_ptr<Programma> p;
     PortaFinta *porta = nullptr;
     TemporizzatoreManuale *req = nullptr;
@@ -38,7 +40,8 @@ struct ProgrammaFinto
         dati = d.get();
         riapertura = ra.get();
         silenzio = si.get();
-        p = std::make_unique<Programma>(cartella.path(), std::move(pf), std::move(r), std::move(d),
+        lingua = Lingua(cartella.path());
+        p = std::make_unique<Programma>(cartella.path(), lingua, std::move(pf), std::move(r), std::move(d),
                                         std::move(ra), std::move(si));
     }
 

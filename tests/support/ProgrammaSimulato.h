@@ -6,6 +6,7 @@
 // derives from it next to QObject and calls preparaCartella() in initTestCase(), one of the
 // two in init() and chiudi() in cleanup().
 
+#include "base/Lingua.h"
 #include "support/PortaEcu.h"
 #include "support/TestiDiProva.h"
 
@@ -27,6 +28,7 @@ class ProgrammaSimulato
 protected:
     QTemporaryDir cartella;
     std::unique_ptr<EcuSimulata> ecu;
+    Lingua lingua; // lent to the program below, so it outlives it
     std::unique_ptr<Programma> p;
     PortaEcu *porta = nullptr;                   // straight wiring only
     TemporizzatoreManuale *req = nullptr;        // straight wiring only
@@ -54,9 +56,10 @@ protected:
         porta = pe.get();
         req = r.get();
         riapertura = ra.get();
-        p = std::make_unique<Programma>(app.isEmpty() ? cartella.path() : app, std::move(pe), std::move(r),
-                                        std::make_unique<TemporizzatoreManuale>(), std::move(ra),
-                                        std::make_unique<TemporizzatoreManuale>());
+        lingua = Lingua(app.isEmpty() ? cartella.path() : app);
+        p = std::make_unique<Programma>(app.isEmpty() ? cartella.path() : app, lingua, std::move(pe),
+                                        std::move(r), std::make_unique<TemporizzatoreManuale>(),
+                                        std::move(ra), std::make_unique<TemporizzatoreManuale>());
         p->linea.ecuDiProva().EcuDaIdentificare = false;
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
         p->canali.InizializzaCanali(cercaIn(p->lingua));
@@ -73,7 +76,8 @@ protected:
             return false;
         porta = nullptr;
         req = nullptr;
-        p = std::make_unique<Programma>(cartella.path(), std::make_unique<PortaSeriale>(),
+        lingua = Lingua(cartella.path());
+        p = std::make_unique<Programma>(cartella.path(), lingua, std::make_unique<PortaSeriale>(),
                                         std::make_unique<TemporizzatoreQt>(),
                                         std::make_unique<TemporizzatoreQt>());
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");

@@ -1,4 +1,5 @@
 #include "calibration/ui/PagineStriscia.h"
+#include "base/Lingua.h"
 
 #include "calibration/SequenzaTaratura.h"
 #include "calibration/ui/StileTaratura.h"

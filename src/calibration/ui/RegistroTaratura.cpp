@@ -1,4 +1,5 @@
 #include "calibration/ui/RegistroTaratura.h"
+#include "base/Lingua.h"
 
 #include "calibration/SequenzaTaratura.h"
 #include "calibration/TelaioTaratura.h"

@@ -1,4 +1,5 @@
 #include "calibration/ui/T_Parametri.h"
+#include "base/Lingua.h"
 
 #include "calibration/SequenzaTaratura.h"
 #include "calibration/ui/StileTaratura.h"

@@ -1,4 +1,5 @@
 #include "monitoring/ui/BarraRegistrazione.h"
+#include "base/Lingua.h"
 
 #include "monitoring/AnelloRegistrazione.h"
 #include "monitoring/SchedaRegistrazione.h"

@@ -1,4 +1,5 @@
 #include "monitoring/ui/Grafici.h"
+#include "base/Lingua.h"
 
 #include "monitoring/ui/BarraRegistrazione.h"
 #include "monitoring/ui/GraficoStriscia.h"

@@ -1,4 +1,5 @@
 #include "monitoring/ui/Memorf.h"
+#include "base/Lingua.h"
 
 #include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"

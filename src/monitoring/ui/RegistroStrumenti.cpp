@@ -1,4 +1,5 @@
 #include "monitoring/ui/RegistroStrumenti.h"
+#include "base/Lingua.h"
 
 #include "monitoring/ui/Grafici.h"
 #include "monitoring/ui/Memorf.h"

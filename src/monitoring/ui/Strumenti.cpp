@@ -1,4 +1,5 @@
 #include "monitoring/ui/Strumenti.h"
+#include "base/Lingua.h"
 
 #include "monitoring/ModelloStrumenti.h"
 #include "monitoring/ui/BarraRegistrazione.h"

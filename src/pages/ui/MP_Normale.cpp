@@ -1,4 +1,5 @@
 #include "pages/ui/MP_Normale.h"
+#include "base/Lingua.h"
 
 #include "pages/GriglieMessaPunto.h"
 #include "pages/ui/GrigliaMessaPunto.h"

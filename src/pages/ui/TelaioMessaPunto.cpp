@@ -1,4 +1,5 @@
 #include "pages/ui/TelaioMessaPunto.h"
+#include "base/Lingua.h"
 
 #include "pages/DialogoPagina.h"
 #include "pages/ModelloGriglia.h"

@@ -1,4 +1,5 @@
 #include "programming/ui/PaginaElenchiMappe.h"
+#include "base/Lingua.h"
 
 #include "archives/Cartelle.h"
 #include "programming/CancellazioneMappe.h"

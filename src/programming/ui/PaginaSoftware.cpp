@@ -1,4 +1,5 @@
 #include "programming/ui/PaginaSoftware.h"
+#include "base/Lingua.h"
 
 #include "archives/CancellazioneSoftware.h"
 #include "programming/ui/SceltaCartella.h"

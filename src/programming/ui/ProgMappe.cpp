@@ -1,4 +1,5 @@
 #include "programming/ui/ProgMappe.h"
+#include "base/Lingua.h"
 
 #include "programming/ui/ModelloAlberoMappe.h"
 #include "shell/Programma.h"

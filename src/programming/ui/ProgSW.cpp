@@ -1,4 +1,5 @@
 #include "programming/ui/ProgSW.h"
+#include "base/Lingua.h"
 
 #include "programming/DialogoMappe.h"
 #include "programming/ImmagineS19.h"

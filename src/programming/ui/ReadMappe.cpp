@@ -1,4 +1,5 @@
 #include "programming/ui/ReadMappe.h"
+#include "base/Lingua.h"
 
 #include "base/FileSystem.h"
 #include "programming/ui/ModelloAlberoMappe.h"

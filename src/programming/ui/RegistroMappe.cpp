@@ -1,4 +1,5 @@
 #include "programming/ui/RegistroMappe.h"
+#include "base/Lingua.h"
 
 #include "programming/ui/ConfrontoMappe.h"
 #include "programming/ui/ProgMappe.h"

@@ -1,4 +1,5 @@
 #include "programming/ui/TelaioMappe.h"
+#include "base/Lingua.h"
 
 #include "archives/Cartelle.h"
 #include "programming/ui/ModelloAlberoMappe.h"

@@ -1,4 +1,5 @@
 #include "programming/ui/TelaioScambio.h"
+#include "base/Lingua.h"
 
 #include "programming/DialogoMappe.h"
 #include "programming/ui/SceltaCartella.h"

@@ -1,4 +1,5 @@
 #include "shell/ui/Comunicazione.h"
+#include "base/Lingua.h"
 
 #include "base/Configurazione.h"
 #include "shell/Programma.h"

@@ -1,4 +1,5 @@
 #include "shell/ui/Infor.h"
+#include "base/Lingua.h"
 
 #include "shell/InfoProgramma.h"
 #include "shell/Programma.h"

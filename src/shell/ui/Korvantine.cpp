@@ -1,4 +1,5 @@
 #include "shell/ui/Korvantine.h"
+#include "base/Lingua.h"
 
 #include "shell/Programma.h"
 #include "shell/ui/Comunicazione.h"

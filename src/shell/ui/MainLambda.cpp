@@ -1,4 +1,5 @@
 #include "shell/ui/MainLambda.h"
+#include "base/Lingua.h"
 
 #include "shell/InfoProgramma.h"
 #include "shell/Programma.h"

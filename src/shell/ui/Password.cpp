@@ -1,4 +1,5 @@
 #include "shell/ui/Password.h"
+#include "base/Lingua.h"
 
 #include "shell/Menu.h"
 #include "shell/Programma.h"

@@ -1,4 +1,5 @@
 #include "shell/ui/SceltaLingua.h"
+#include "base/Lingua.h"
 
 #include "base/FileIni.h"
 #include "shell/Programma.h"

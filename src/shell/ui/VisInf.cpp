@@ -1,4 +1,5 @@
 #include "shell/ui/VisInf.h"
+#include "base/Lingua.h"
 
 #include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"

@@ -3,6 +3,7 @@
 // pedal worked through the simulator's commands.
 #include "EcuSimulata.h"
 #include "RicevitoreComandi.h"
+#include "base/Lingua.h"
 
 #include "calibration/SequenzaTaratura.h"
 #include "calibration/ui/IniTaratura.h"
@@ -64,6 +65,7 @@ class TstTaratura : public QObject
     std::unique_ptr<EcuSimulata> ecu;
     TemporizzatoreManuale *req = nullptr;
     PortaEcu *porta = nullptr;
+    Lingua lingua; // lent to the program below, so it outlives it
     std::unique_ptr<Programma> p;
     std::unique_ptr<Korvantine> frame;
     SequenzaTaratura *sequenza = nullptr;
@@ -117,8 +119,9 @@ private slots:
         req = r.get();
         auto pe = std::make_unique<PortaEcu>(*ecu);
         porta = pe.get();
+        lingua = Lingua(cartella.path());
         p = std::make_unique<Programma>(
-            cartella.path(), std::move(pe), std::move(r), std::make_unique<TemporizzatoreManuale>(),
+            cartella.path(), lingua, std::move(pe), std::move(r), std::make_unique<TemporizzatoreManuale>(),
             std::make_unique<TemporizzatoreManuale>(), std::make_unique<TemporizzatoreManuale>());
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
         p->canali.InizializzaCanali(cercaIn(p->lingua));

@@ -3,6 +3,7 @@
 // end to end through the card from the chart window of the main window, against the
 // simulated ECU.
 
+#include "base/Lingua.h"
 #include "support/FileDiProva.h"
 #include "support/ProgrammaSimulato.h"
 

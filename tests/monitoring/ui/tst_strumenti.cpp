@@ -1,6 +1,7 @@
 // The instruments panel: its 13 set-point reads against the simulated ECU wired straight
 // to the port, the display tick on records put in by hand, and the panel on screen.
 
+#include "base/Lingua.h"
 #include "support/FileDiProva.h"
 #include "support/ProgrammaSimulato.h"
 

@@ -1,6 +1,7 @@
 // The idle page end to end: the program's serial port on a pseudo-terminal, the simulated
 // ECU at the far end with its own live stream, real timers.
 
+#include "base/Lingua.h"
 #include "support/ProgrammaSimulato.h"
 
 #include "pages/ui/CampoDato.h"

@@ -2,6 +2,7 @@
 // it reads and shows, what Applica and Esci write, in its order; then the lambda map by
 // keyboard and the pages as the main window's menu opens them.
 
+#include "base/Lingua.h"
 #include "support/ProgrammaSimulato.h"
 
 #include "link/Frame.h"

@@ -3,6 +3,7 @@
 // window's menu opens them. What the page's dialogue does with the values is met in the
 // variables tests.
 
+#include "base/Lingua.h"
 #include "support/ProgrammaSimulato.h"
 
 #include "monitoring/ui/RegistroStrumenti.h"

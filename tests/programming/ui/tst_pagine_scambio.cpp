@@ -2,6 +2,7 @@
 // tree and copied to a medium folder, restored from it into an emptied archive, deleted;
 // software copied, deleted and restored; each page reached from the Utilities menu.
 
+#include "base/Lingua.h"
 #include "support/FileDiProva.h"
 #include "support/PortaFinta.h"
 
@@ -30,6 +31,7 @@ class TstPagineScambio : public QObject
 
     QTemporaryDir dir;
     QTemporaryDir mezzo; // the medium, outside the program's folder
+    Lingua lingua;       // lent to the program below, so it outlives it
     std::unique_ptr<Programma> p;
     std::unique_ptr<Korvantine> frame;
     QStringList domande;
@@ -75,7 +77,8 @@ private slots:
     void initTestCase()
     {
         QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), d("ENGLISH.LNG")));
-        p = std::make_unique<Programma>(dir.path(), std::make_unique<PortaFinta>(),
+        lingua = Lingua(dir.path());
+        p = std::make_unique<Programma>(dir.path(), lingua, std::make_unique<PortaFinta>(),
                                         std::make_unique<TemporizzatoreQt>(),
                                         std::make_unique<TemporizzatoreQt>());
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");

@@ -2,6 +2,7 @@
 // loader: the menu opens it, the list shows the releases, the arrows show the archive card,
 // F2 programs, Esc goes back.
 
+#include "base/Lingua.h"
 #include "support/FileDiProva.h"
 #include "support/ProgrammaSimulato.h"
 #include "support/S19DiProva.h"

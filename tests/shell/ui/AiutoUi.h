@@ -3,6 +3,7 @@
 // What the shell's widget tests share: a program on a scripted port with the shipped language
 // files, its main frame on the offscreen screen, and an automatic answer to message boxes.
 
+#include "base/Lingua.h"
 #include "support/ProgrammaFinto.h"
 
 #include "shell/ui/Korvantine.h"

@@ -1,6 +1,7 @@
 // The dialogues: the port page and what it writes, the language page and the next page load,
 // the ECU version page and the service-mode access word.
 #include "AiutoUi.h"
+#include "base/Lingua.h"
 
 #include "base/FileIni.h"
 #include "shell/ui/Comunicazione.h"
