@@ -267,7 +267,15 @@ void ScritturaMappe::ProgrammaMappa(const ChiaveMappa &mappa, bool verifica)
                       + QLatin1Char(' ') + TestoEsitoMappa(l, esito));
         return;
     }
-    m_nomeMappa = TestoChiaveMappa(percorso.chiave);
+    ProgrammaImmagine(esito.immagine, TestoChiaveMappa(percorso.chiave), verifica);
+}
+
+void ScritturaMappe::ProgrammaImmagine(const QByteArray &immagine, const QString &nome, bool verifica)
+{
+    const Lingua &l = m_programma.lingua;
+    if (immagine.size() != FileMappa::Dimensione)
+        return;
+    m_nomeMappa = nome;
     if (m_vista.domanda(
             l.LeggiTesto("ProgMappe", "DOMANDA").trimmed().replace(QLatin1String("XXX"), m_nomeMappa),
             FlagDomandaMappe | SecondoPredefinito, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"))
@@ -275,7 +283,7 @@ void ScritturaMappe::ProgrammaMappa(const ChiaveMappa &mappa, bool verifica)
         m_vista.mostraSegnalazione(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_19"));
         return;
     }
-    m_immagine = esito.immagine;
+    m_immagine = immagine;
     m_verifica = verifica;
     invia();
 }

@@ -5,6 +5,7 @@
 #include "link/SessioneLinea.h"
 #include "monitoring/AnelloRegistrazione.h"
 #include "monitoring/Canali.h"
+#include "shell/CatturaStorico.h"
 #include "shell/StatoMenu.h"
 #include "variables/Catalogo.h"
 
@@ -22,6 +23,7 @@ namespace kv {
 // - linea: the serial line, the dialogue engine, identification, the live stream and what is
 //   known of the ECU;
 // - menu: the function chosen and service mode;
+// - storico: the ECUs' map areas kept in their history before the run first changes them;
 // - lingua, seriale: the language file and the serial settings.
 class Programma : public QObject
 {
@@ -57,6 +59,7 @@ public:
     ImpSeriale seriale;
     SessioneLinea linea;
     StatoMenu menu;
+    CatturaStorico storico;
 
 signals:
     // The port could not be opened; gruppo names the group to join when permission was lacking.

@@ -229,7 +229,7 @@ private slots:
         prova(QStringLiteral("tOrBa"));
         QCOMPARE(a.statoMenu().ModoAssistenza(), true);
         // The list on view is the old one until the function is chosen again.
-        QVERIFY(m->opzione(3)->isHidden());
+        QVERIFY(m->opzione(4)->isHidden());
         QTest::keyClick(m, Qt::Key_F3);
         QVERIFY(!m->opzione(8)->isHidden());
         QCOMPARE(m->opzione(0)->text(), a.testo("MainLambda", "MESSAPUNTO1.0"));
