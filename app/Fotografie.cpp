@@ -162,6 +162,7 @@ int main(int argc, char *argv[])
     Programma programma(home.path(), std::make_unique<PortaSeriale>(), std::make_unique<TemporizzatoreQt>(),
                         std::make_unique<TemporizzatoreQt>());
     programma.dispositivoForzato = demo.percorso();
+    programma.storico.attiva(true);
     Korvantine finestra(programma);
     RegistraPagineMessaPunto(finestra);
     RegistraStrumenti(finestra);

@@ -141,6 +141,7 @@ bool misuraStorico()
         return false;
     }
     Programma &p = *banco.programma;
+    p.storico.attiva(true);
     SequenzaRichieste sequenza(p.linea.motore(), 241);
     // One sequence to its end; its milliseconds, or -1 when it failed.
     const auto esegui = [&](bool scrittura, const QList<QByteArray> &richieste,

@@ -36,8 +36,11 @@ CatturaStorico::CatturaStorico(QString percorsoApp, SessioneLinea &linea, const 
     , m_linea(linea)
     , m_catalogo(catalogo)
     , m_lettura(linea.motore(), Stato)
+{}
+
+void CatturaStorico::attiva(bool si)
 {
-    m_linea.motore().impostaGuardia(this);
+    m_linea.motore().impostaGuardia(si ? this : nullptr);
 }
 
 CatturaStorico::~CatturaStorico()

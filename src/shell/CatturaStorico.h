@@ -16,7 +16,8 @@ class SessioneLinea;
 // would change an ECU's EEPROM (a 'W' to 0xC000 or above, an 'I'), whoever starts it, the map
 // area is read and filed as an entry of that ECU, with what was about to happen; then that
 // dialogue runs as it was asked. At most one read per run and ECU: an ECU not yet identified
-// is passed over, and one that would not give its map is not asked again.
+// is passed over, and one that would not give its map is not asked again. It watches only once
+// switched on: the program does at start, a test of some other part of the line need not.
 class CatturaStorico : public QObject, public GuardiaDialogo
 {
     Q_OBJECT
@@ -27,6 +28,7 @@ public:
                    QObject *parent = nullptr);
     ~CatturaStorico() override;
 
+    void attiva(bool si);
     bool prima(int stato, const QByteArray &coda) override;
 
     // What a history entry's event names: the form that owns a dialogue state (its section of

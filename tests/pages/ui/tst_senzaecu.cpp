@@ -65,6 +65,7 @@ private slots:
     void anEditWithNoEcuWritesWhatTheSameEditOnTheEcuDoes()
     {
         avvia();
+        p->storico.attiva(true);
         const IdentitaEcu id{QStringLiteral("KV2SIM0001"), QStringLiteral("LPG-SEQ-01"),
                              QStringLiteral("R1.0")};
         StatoEcu &s = p->linea.ecuDiProva();
