@@ -85,6 +85,8 @@ ModificaSenzaEcu::ModificaSenzaEcu(QString percorsoApp, const Lingua &lingua, bo
     m_albero->setUniformRowHeights(true);
     m_albero->setMinimumWidth(28 * u);
     m_labAlbero->setBuddy(m_albero);
+    // The frame gives the page the focus: the keys start in the tree.
+    setFocusProxy(m_albero);
     connect(m_albero, &QTreeWidget::itemActivated, m_apri, &QPushButton::click);
 
     m_labMappa = new QLabel(m_banco);

@@ -68,6 +68,7 @@ PaginaStorico::PaginaStorico(Programma &programma, QWidget *parent)
         m_voci->header()->setSectionResizeMode(c, QHeaderView::ResizeToContents);
     m_voci->header()->setSectionResizeMode(2, QHeaderView::Stretch);
     m_labVoci->setBuddy(m_voci);
+    setFocusProxy(m_voci);
     connect(m_voci, &QTreeWidget::itemActivated, m_confronta, &QPushButton::click);
     m_verifica = new QCheckBox(this);
     m_verifica->setObjectName(QStringLiteral("Verifica"));
