@@ -436,6 +436,8 @@ void ModificaSenzaEcu::Esci()
             return;
         }
     }
+    // The frame takes the page away without hiding it first: the strip's mark goes now.
+    emit segnalazione1({});
     emit chiusa();
 }
 

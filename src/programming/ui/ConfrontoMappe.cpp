@@ -117,10 +117,9 @@ ConfrontoMappe::ConfrontoMappe(QString percorsoApp, const Catalogo &catalogo, co
     prendi->addWidget(m_prendi[A]);
     prendi->addWidget(m_prendi[B]);
     sinistra->addLayout(prendi);
-    auto *prendiEcu = new QHBoxLayout;
-    prendiEcu->addWidget(m_prendiEcu[A]);
-    prendiEcu->addWidget(m_prendiEcu[B]);
-    sinistra->addLayout(prendiEcu);
+    // One above the other: side by side their captions do not fit the tree's width.
+    sinistra->addWidget(m_prendiEcu[A]);
+    sinistra->addWidget(m_prendiEcu[B]);
 
     auto *lati = new QGridLayout;
     for (int l : {A, B}) {
