@@ -291,7 +291,8 @@ int main(int argc, char *argv[])
             ok &= salva(finestra, cartella, QStringLiteral("modificasenzaecu-pagina.png"));
             pagina->Esci();
         }
-        finestra.ChiudiPagina(banco);
+        // As the fitter leaves it, so that its mark leaves the strip with it.
+        banco->Esci();
     }
     // The map write above was the run's first change: the ECU's map before it is in its history.
     if (auto *storico = qobject_cast<PaginaStorico *>(finestra.apriPagina(IdPagina::StoricoEcu))) {
