@@ -26,11 +26,13 @@
 #include "pages/GriglieMessaPunto.h"
 #include "pages/ui/GrigliaMessaPunto.h"
 #include "pages/ui/MP_Normale.h"
+#include "pages/ui/ModificaSenzaEcu.h"
 #include "pages/ui/RegistroMessaPunto.h"
 #include "programming/MappaArchiviata.h"
 #include "programming/ui/ConfrontoMappe.h"
 #include "programming/ui/PaginaElenchiMappe.h"
 #include "programming/ui/PaginaSoftware.h"
+#include "programming/ui/PaginaStorico.h"
 #include "programming/ui/ProgMappe.h"
 #include "programming/ui/ProgSW.h"
 #include "programming/ui/ReadMappe.h"
@@ -162,6 +164,7 @@ int main(int argc, char *argv[])
     Programma programma(home.path(), lingua, std::make_unique<PortaSeriale>(),
                         std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
     programma.dispositivoForzato = demo.percorso();
+    programma.storico.attiva(true);
     Korvantine finestra(programma);
     RegistraPagineMessaPunto(finestra);
     RegistraStrumenti(finestra);
@@ -276,7 +279,30 @@ int main(int argc, char *argv[])
         ok &= salva(finestra, cartella, QStringLiteral("confrontomappe.png"));
         confronto->Schede()->setCurrentIndex(1);
         ok &= salva(finestra, cartella, QStringLiteral("confrontomappe-mappa.png"));
+        // The ECU now as A against the richer map.
+        confronto->Schede()->setCurrentIndex(0);
+        if (confronto->leggiEcu(ConfrontoMappe::A))
+            attendi([&] { return confronto->isEnabled(); }, 5000);
+        ok &= salva(finestra, cartella, QStringLiteral("confrontomappe-ecu.png"));
         finestra.ChiudiPagina(confronto);
+    }
+    // The richer map opened with no ECU, then its normal page on it.
+    if (auto *banco = qobject_cast<ModificaSenzaEcu *>(finestra.apriPagina(IdPagina::ModificaSenzaEcu))) {
+        banco->apriMappa(ricca);
+        ok &= salva(finestra, cartella, QStringLiteral("modificasenzaecu.png"));
+        if (TelaioMessaPunto *pagina = banco->apriPagina(IdPagina::MP_Normale)) {
+            attendi([&] { return pagina->isEnabled(); }, 5000);
+            pausa(600);
+            ok &= salva(finestra, cartella, QStringLiteral("modificasenzaecu-pagina.png"));
+            pagina->Esci();
+        }
+        // As the fitter leaves it, so that its mark leaves the strip with it.
+        banco->Esci();
+    }
+    // The map write above was the run's first change: the ECU's map before it is in its history.
+    if (auto *storico = qobject_cast<PaginaStorico *>(finestra.apriPagina(IdPagina::StoricoEcu))) {
+        ok &= salva(finestra, cartella, QStringLiteral("storicoecu.png"));
+        finestra.ChiudiPagina(storico);
     }
     programma.menu.impostaAssistenza(false);
     // Some way into the engine's cycle, where every instrument has something to say.

@@ -179,6 +179,7 @@ int main(int argc, char *argv[])
     Programma programma(percorsoApp, lingua, std::make_unique<PortaSeriale>(),
                         std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
     programma.dispositivoForzato = ecuDemo.percorso();
+    programma.storico.attiva(true);
     programma.lingua.impostaCartelleDistribuite(CartelleLingueDistribuite(cartellaEseguibile));
 
     // The frame exists before the port is opened, so that a failure reaches its message box,

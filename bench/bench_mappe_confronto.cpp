@@ -1,13 +1,18 @@
 // How long looking into maps takes: two maps decoded and compared; the compare page opened on
 // two archived maps (the page made, the archive tree built, both files read, checked,
 // decoded, compared and put on screen); and the tree of a map archive of 20,000 maps, made
-// here, built from its folders and catalogue and put in a view. Medians of repeated runs,
-// with the offscreen platform when no other is set.
+// here, built from its folders and catalogue and put in a view; and what the ECU's history
+// costs a run: its map area read over a paced line to the simulated ECU, the entry filed, and
+// the first store of a run against a later one. Medians of repeated runs, with the offscreen
+// platform when no other is set.
+#include "BancoSimulatore.h"
 #include "ImmagineIniziale.h"
 #include "MemoriaEcu.h"
 #include "archives/Archivio.h"
+#include "archives/StoricoEcu.h"
 #include "base/Lingua.h"
 #include "calibration/TaraturaParametri.h"
+#include "link/SequenzaRichieste.h"
 #include "pages/ConfrontoMappe.h"
 #include "programming/AlberoMappe.h"
 #include "programming/FileBlocchi.h"
@@ -125,6 +130,81 @@ bool creaArchivio(const QString &app, const QByteArray &file)
     return ok && ApriArchivioMappe(mappe, FileArchivi::FileMappe, db);
 }
 
+// The ECU's history on a line at BancoSimulatore::Baud: the read of its map area, filing the
+// entry, and the first store of the run (the history read before it) against a later one.
+bool misuraStorico()
+{
+    BancoSimulatore banco;
+    QString errore;
+    if (!banco.avvia(errore)) {
+        std::fprintf(stderr, "%s\n", qPrintable(errore));
+        return false;
+    }
+    Programma &p = *banco.programma;
+    p.storico.attiva(true);
+    SequenzaRichieste sequenza(p.linea.motore(), 241);
+    // One sequence to its end; its milliseconds, or -1 when it failed.
+    const auto esegui = [&](bool scrittura, const QList<QByteArray> &richieste,
+                            SequenzaRichieste::Esito *esito) {
+        QEventLoop ciclo;
+        bool ok = false;
+        QElapsedTimer t;
+        t.start();
+        const auto fine = [&](const SequenzaRichieste::Esito &e) {
+            ok = e.ok;
+            if (esito)
+                *esito = e;
+            ciclo.quit();
+        };
+        if (!(scrittura ? sequenza.scrivi(richieste, fine) : sequenza.leggi(richieste, fine)))
+            return -1.0;
+        QTimer::singleShot(10000, &ciclo, &QEventLoop::quit);
+        ciclo.exec();
+        return ok ? double(t.nsecsElapsed()) / 1e6 : -1.0;
+    };
+    const QList<QByteArray> area = RichiesteAreaMappa(p.catalogo);
+    std::vector<double> letture;
+    SequenzaRichieste::Esito esito;
+    for (int i = 0; i < 10; ++i)
+        letture.push_back(esegui(false, area, &esito));
+    int filo = 0; // bytes on the line both ways
+    for (const QByteArray &r : area)
+        filo += r.size() + BancoSimulatore::InvolucroFrame;
+    for (const QByteArray &r : esito.risposte)
+        filo += r.size() + BancoSimulatore::InvolucroFrame;
+    const double mediana = BancoSimulatore::mediana(letture);
+    std::printf("  history read, map area and ScalaLambda at %d baud: median %.1f ms over 10 runs; %.1f ms "
+                "of it on the wire (%d bytes), ratio %.2f\n",
+                BancoSimulatore::Baud, mediana, BancoSimulatore::millisecondiSulFilo(filo), filo,
+                mediana / BancoSimulatore::millisecondiSulFilo(filo));
+
+    const StatoEcu &ecu = p.linea.ecu();
+    VoceStorico voce{{ecu.InfCodice, ecu.InfDatoA, ecu.InfDatoB},
+                     QDateTime::currentDateTime(),
+                     "MP_Minimo",
+                     0,
+                     AreaDaRisposte(esito.risposte, p.catalogo).immagine};
+    misura(
+        "history entry filed", 20,
+        [&] {
+            voce.quando = voce.quando.addSecs(1);
+            AggiungiStorico(p.PercorsoApp, voce);
+        },
+        100);
+
+    // A tuning value to RAM and EEPROM, as a page's store sends it, twice: the first of the run
+    // reads the map area for the history before it.
+    const Parametro &par = p.catalogo.Parametri[Par::PassiControlloMinimo];
+    const QByteArray dati = char(par.Dimensione) + QByteArray(1, '\x07');
+    const QList<QByteArray> memorizza = {'W' + ParolaInByte(quint32(par.IndirizzoRAM)) + dati,
+                                         'W' + ParolaInByte(quint32(par.IndirizzoEE)) + dati};
+    const double prima = esegui(true, memorizza, nullptr);
+    const double dopo = esegui(true, memorizza, nullptr);
+    std::printf("  first store of the run, history read included: %.1f ms; a later store: %.1f ms\n", prima,
+                dopo);
+    return mediana > 0 && prima > 0 && dopo > 0;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
@@ -217,5 +297,6 @@ int main(int argc, char *argv[])
         },
         300);
     std::printf("    (%d nodes)\n", nodi);
-    return presa && nodi == 1 + 2 + 40 + 1000 + 20000 ? 0 : 1;
+    const bool storico = misuraStorico();
+    return presa && storico && nodi == 1 + 2 + 40 + 1000 + 20000 ? 0 : 1;
 }

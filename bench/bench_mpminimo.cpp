@@ -46,7 +46,7 @@ int main(int argc, char *argv[])
     std::vector<double> flussi;
     int scadute = 0;
     for (int i = 0; i < Aperture; ++i) {
-        MP_Minimo pagina(p);
+        MP_Minimo pagina(ContestoDi(p));
         double flusso = 0;
         tempi.push_back(banco.cronometra([&pagina] { pagina.carica(); }, flusso));
         flussi.push_back(flusso);

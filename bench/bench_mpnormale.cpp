@@ -80,7 +80,7 @@ int main(int argc, char *argv[])
 
     int fallite = 0;
     for (int i = 0; i < Giri; ++i) {
-        MP_Normale pagina(p);
+        MP_Normale pagina(ContestoDi(p));
         pagina.impostaDomanda(
             [](const QString &, int, const QString &) { return DialogoPagina::RispostaSi; });
         bool chiusa = false;

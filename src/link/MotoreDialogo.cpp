@@ -7,6 +7,7 @@
 #include <QDebug>
 
 #include <exception>
+#include <utility>
 
 namespace kv {
 
@@ -54,6 +55,7 @@ void MotoreDialogo::IniDialogo()
     m_passoDialogo = 0;
     m_codaTx.clear();
     m_ultimoFrame = {};
+    m_trattenuto.reset();
     m_timeOutReq.setEnabled(false);
 }
 
@@ -66,6 +68,13 @@ bool MotoreDialogo::avvia(int stato, int intervallo)
 {
     if (!m_porta.PortOpen())
         return false;
+    if (m_guardia && !m_trattenuto) {
+        // Held first: the guard's own dialogue starts through here and must pass.
+        m_trattenuto = Trattenuto{stato, intervallo, m_codaTx};
+        if (m_guardia->prima(stato, m_trattenuto->coda))
+            return true;
+        m_codaTx = std::exchange(m_trattenuto, std::nullopt)->coda;
+    }
     m_passoDialogo = 0;
     emit cursoreAttesa(true);
     m_statoDialogo = static_cast<qint16>(stato);
@@ -111,6 +120,18 @@ MotoreDialogo::Seguito MotoreDialogo::passaA(int stato)
     else if (seguito == Seguito::Concluso)
         termina();
     return seguito;
+}
+
+void MotoreDialogo::riprendi()
+{
+    if (!m_trattenuto)
+        return;
+    const Trattenuto t = *std::exchange(m_trattenuto, std::nullopt);
+    m_codaTx = t.coda;
+    if (avvia(t.stato, t.intervallo))
+        return;
+    m_statoDialogo = static_cast<qint16>(t.stato);
+    armaTrappola();
 }
 
 void MotoreDialogo::termina()

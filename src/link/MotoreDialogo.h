@@ -6,6 +6,7 @@
 
 #include <array>
 #include <functional>
+#include <optional>
 
 namespace kv {
 
@@ -34,6 +35,19 @@ public:
         (void)stato;
         return false;
     }
+};
+
+// Something to be done on the line before some dialogues begin: it is shown each dialogue as
+// it starts and may run one of its own first, the one asked for being held, queue and all,
+// until MotoreDialogo::riprendi(). The owner of the held dialogue notices nothing but the wait.
+class GuardiaDialogo
+{
+public:
+    virtual ~GuardiaDialogo() = default;
+    // The dialogue of stato is about to send coda. True when the guard has started a
+    // dialogue of its own instead; it then calls riprendi() once that one is over, and lets
+    // the held one pass when it is shown it again.
+    virtual bool prima(int stato, const QByteArray &coda) = 0;
 };
 
 // Strict stop-and-wait: one request on the line, then its reply or a time-out. An owner
@@ -75,6 +89,12 @@ public:
     // the dialogue, which the trap then ends as a time-out.
     [[nodiscard]] bool avvia(int stato, int intervallo);
 
+    // One guard at most; nullptr takes it away.
+    void impostaGuardia(GuardiaDialogo *guardia) { m_guardia = guardia; }
+    // The dialogue the guard held, started as it was asked for. With the port gone meanwhile
+    // it ends as its time-out would end it, so its owner hears of it.
+    void riprendi();
+
     // The continuation of a reply handler: timer stopped, then the next frame as the next
     // step, or, with the queue empty, termina(). The handler finishes its own work only on
     // Concluso.
@@ -103,8 +123,13 @@ public:
     // A dialogue holds the line during which the ECU sends no live stream by design.
     [[nodiscard]] bool flussoSospeso() const;
 
-    // The dialogue in progress, -1 when the link is free.
-    [[nodiscard]] qint16 StatoDialogo() const { return m_statoDialogo; }
+    // The dialogue in progress, -1 when the link is free. A held dialogue counts as in
+    // progress once the guard's own has ended, so nobody takes the link before it resumes.
+    [[nodiscard]] qint16 StatoDialogo() const
+    {
+        return m_statoDialogo == -1 && m_trattenuto ? static_cast<qint16>(m_trattenuto->stato)
+                                                    : m_statoDialogo;
+    }
     // The frame in flight inside the dialogue, 0 for the first, -1 after a normal end.
     [[nodiscard]] qint16 PassoDialogo() const { return m_passoDialogo; }
     // Whole frames still to send.
@@ -124,8 +149,17 @@ private:
     void scadenzaTimeOutReq();
     GestoreStati *gestore(int stato) const;
 
+    struct Trattenuto
+    {
+        int stato;
+        int intervallo;
+        QByteArray coda;
+    };
+
     Porta &m_porta;
     Temporizzatore &m_timeOutReq;
+    GuardiaDialogo *m_guardia = nullptr;
+    std::optional<Trattenuto> m_trattenuto;
     RegistroFrame *m_registro;
     std::array<GestoreStati *, 40> m_gestori{};
     std::function<void(const QByteArray &)> m_gestoreDati;

@@ -55,6 +55,8 @@ public:
     void ecuRiprogrammata() { m_ecu.ecuPersa(); }
     // A page has read the throttle sensor's calibration again.
     void tpsRiletto(bool presente) { m_ecu.TpsPresente = presente; }
+    // An ECU known without asking it: a map's image standing in for one.
+    void impostaEcu(const StatoEcu &ecu) { m_ecu = ecu; }
     // A known ECU to start from, for a test or a picture.
     StatoEcu &ecuDiProva() { return m_ecu; }
 

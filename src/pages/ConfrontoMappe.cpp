@@ -1,5 +1,6 @@
 #include "pages/ConfrontoMappe.h"
 
+#include "link/Frame.h"
 #include "pages/GriglieMessaPunto.h"
 #include "variables/Conversioni.h"
 #include "variables/Formato.h"
@@ -202,6 +203,35 @@ const std::vector<GrigliaMappa> &GriglieMappa()
 {
     static const std::vector<GrigliaMappa> griglie = {mappaLambda(), grigliaRTS(), grigliaPompata()};
     return griglie;
+}
+
+std::vector<int> VociCambiate(const QByteArray &prima, const QByteArray &dopo, const Catalogo &catalogo)
+{
+    std::vector<int> voci;
+    for (int p = 0; p < Par::Numero; ++p) {
+        const Parametro &par = catalogo.Parametri[size_t(p)];
+        const qint32 da = par.IndirizzoEE - AreaMappa::Inizio;
+        if (par.IndirizzoEE >= AreaMappa::Inizio && par.IndirizzoEE + par.Dimensione - 1 <= AreaMappa::Fine
+            && prima.mid(da, par.Dimensione) != dopo.mid(da, par.Dimensione))
+            voci.push_back(p);
+    }
+    return voci;
+}
+
+QList<QByteArray> ScrittureVoci(const QByteArray &immagine, const std::vector<int> &voci, bool ram,
+                                bool eeprom, const Catalogo &catalogo)
+{
+    QList<QByteArray> richieste;
+    for (int p : voci) {
+        const Parametro &par = catalogo.Parametri[size_t(p)];
+        const QByteArray dati =
+            char(par.Dimensione) + immagine.mid(par.IndirizzoEE - AreaMappa::Inizio, par.Dimensione);
+        if (ram && par.IndirizzoRAM != -1)
+            richieste.append('W' + ParolaInByte(quint32(par.IndirizzoRAM)) + dati);
+        if (eeprom && par.IndirizzoEE != -1)
+            richieste.append('W' + ParolaInByte(quint32(par.IndirizzoEE)) + dati);
+    }
+    return richieste;
 }
 
 } // namespace kv

@@ -3,6 +3,7 @@
 #include "pages/DecodificaMappa.h"
 
 #include <QByteArray>
+#include <QList>
 #include <QString>
 
 #include <vector>
@@ -66,6 +67,15 @@ Confronto ConfrontaMappe(MappaDecodificata a, MappaDecodificata b);
 // written back by A's rule, so that A then shows what B shows. Other bytes stay as A has them.
 QByteArray CopiaValori(const QByteArray &immagineA, ScalaLambdaMappa scalaA, const QByteArray &immagineB,
                        ScalaLambdaMappa scalaB, const std::vector<int> &parametri, const Catalogo &catalogo);
+
+// The entries whose bytes differ between two images of the map area, in catalogue order.
+std::vector<int> VociCambiate(const QByteArray &prima, const QByteArray &dopo, const Catalogo &catalogo);
+
+// The write requests that put the image's value of those entries into the ECU as a tuning page
+// does: to the entry's RAM copy, to its EEPROM home or both, RAM first for each entry; an
+// entry without the one asked is passed over.
+QList<QByteArray> ScrittureVoci(const QByteArray &immagine, const std::vector<int> &voci, bool ram,
+                                bool eeprom, const Catalogo &catalogo);
 
 // ---- grids
 

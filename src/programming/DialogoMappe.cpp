@@ -280,14 +280,21 @@ void ScritturaMappe::ProgrammaMappa(const ChiaveMappa &mappa, bool verifica)
                                              .poi(MessaggioEsitoMappa(esito), QStringLiteral(" ")));
         return;
     }
-    m_nomeMappa = TestoChiaveMappa(percorso.chiave);
+    ProgrammaImmagine(esito.immagine, TestoChiaveMappa(percorso.chiave), verifica);
+}
+
+void ScritturaMappe::ProgrammaImmagine(const QByteArray &immagine, const QString &nome, bool verifica)
+{
+    if (immagine.size() != FileMappa::Dimensione)
+        return;
+    m_nomeMappa = nome;
     if (m_vista.domanda(Messaggio("ProgMappe", "DOMANDA").ritaglia().con(QStringLiteral("XXX"), m_nomeMappa),
                         FlagDomandaMappe | SecondoPredefinito, titolo())
         != RispostaSiMappe) {
         m_vista.mostraSegnalazione(Segnalazione(QStringLiteral("SEGNALAZIONE_19")));
         return;
     }
-    m_immagine = esito.immagine;
+    m_immagine = immagine;
     m_verifica = verifica;
     invia();
 }

@@ -122,6 +122,9 @@ public:
     // Programma: mappa holds plant, make and model of the selected model (empty when none
     // is selected) and the name of the selected map; verifica asks for the read-back.
     void ProgrammaMappa(const ChiaveMappa &mappa, bool verifica);
+    // The same for 512 bytes from elsewhere (a history entry), named nome in the question and
+    // the messages; refused unless they are the map area's size.
+    void ProgrammaImmagine(const QByteArray &immagine, const QString &nome, bool verifica);
     // The map of the last write sent again, without a question: the yes to the offer after
     // a write cut off half-way.
     void Riscrivi();

@@ -56,6 +56,10 @@ enum class IdPagina {
     // The viewer of recordings, which needs no ECU
     Visore,
 
+    // A map of the archive edited with no ECU (Tuning), the ECU's history (Programming)
+    ModificaSenzaEcu,
+    StoricoEcu,
+
     // The about box, opened by the logo
     Infor,
 };

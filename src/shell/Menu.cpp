@@ -25,15 +25,18 @@ struct Riga
 using C = Condizione;
 using P = IdPagina;
 
-const std::vector<Riga> Programmazione = {{P::ProgSW, C::Testo}, {P::ProgMappe, C::EcuNormale}};
+const std::vector<Riga> Programmazione = {
+    {P::ProgSW, C::Testo}, {P::ProgMappe, C::EcuNormale}, {P::StoricoEcu, C::EcuNormale}};
 const std::vector<Riga> VisualizzaDati = {{P::Strumenti, C::Testo}, {P::Grafici, C::Testo}};
-const std::vector<Riga> MessaPuntoNormale = {
-    {P::MP_Lavoro, C::Testo}, {P::MP_Pompata, C::TpsPresente}, {P::ConfrontoMappe, C::Testo}};
+const std::vector<Riga> MessaPuntoNormale = {{P::MP_Lavoro, C::Testo},
+                                             {P::MP_Pompata, C::TpsPresente},
+                                             {P::ConfrontoMappe, C::Testo},
+                                             {P::ModificaSenzaEcu, C::Testo}};
 const std::vector<Riga> MessaPuntoAssistenza = {
-    {P::MP_Minimo, C::Testo},     {P::MP_Normale, C::Testo},       {P::MP_PienoCarico, C::Testo},
-    {P::MP_CutOff, C::Testo},     {P::MP_Pompata, C::TpsPresente}, {P::MP_Stechio, C::Testo},
-    {P::MP_InibizPC, C::Testo},   {P::MP_RientroCO, C::Testo},     {P::MP_TPS, C::Testo},
-    {P::ConfrontoMappe, C::Testo}};
+    {P::MP_Minimo, C::Testo},      {P::MP_Normale, C::Testo},       {P::MP_PienoCarico, C::Testo},
+    {P::MP_CutOff, C::Testo},      {P::MP_Pompata, C::TpsPresente}, {P::MP_Stechio, C::Testo},
+    {P::MP_InibizPC, C::Testo},    {P::MP_RientroCO, C::Testo},     {P::MP_TPS, C::Testo},
+    {P::ConfrontoMappe, C::Testo}, {P::ModificaSenzaEcu, C::Testo}};
 const std::vector<Riga> Taratura = {{P::T_Giri_Single, C::EcuInMarcia},
                                     {P::T_TPS_Single, C::EcuInMarcia},
                                     {P::T_Lambda_Single, C::EcuInMarcia},

@@ -11,6 +11,7 @@ Programma::Programma(const QString &percorsoApp, Lingua &lingua, std::unique_ptr
     , lingua(lingua)
     , linea(percorsoApp + QStringLiteral("/MESSAGGI.TXT"), catalogo, std::move(porta), std::move(timeOutReq),
             std::move(timeOutDati), std::move(riapertura), std::move(silenzio))
+    , storico(percorsoApp, linea, catalogo)
 {
     anello.collega(&canali, percorsoApp);
     // While a monitor window records, every live record goes into the ring first.

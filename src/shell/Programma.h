@@ -4,6 +4,7 @@
 #include "link/SessioneLinea.h"
 #include "monitoring/AnelloRegistrazione.h"
 #include "monitoring/Canali.h"
+#include "shell/CatturaStorico.h"
 #include "shell/StatoMenu.h"
 #include "variables/Catalogo.h"
 
@@ -23,6 +24,7 @@ class Lingua;
 // - linea: the serial line, the dialogue engine, identification, the live stream and what is
 //   known of the ECU;
 // - menu: the function chosen and service mode;
+// - storico: the ECUs' map areas kept in their history before the run first changes them;
 // - seriale: the serial settings.
 // The language is not the program's: whoever builds it (app/, a test) owns one and lends it
 // here for the windows; nothing below them looks anything up in it.
@@ -60,6 +62,7 @@ public:
     ImpSeriale seriale;
     SessioneLinea linea;
     StatoMenu menu;
+    CatturaStorico storico;
 
 signals:
     // The port could not be opened; gruppo names the group to join when permission was lacking.

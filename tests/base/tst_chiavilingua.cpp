@@ -138,8 +138,8 @@ private slots:
         // The menu: an entry without text vanishes, so every one the program opens must be there.
         QTest::newRow("MainLambda") << "MainLambda"
                                     << indici("FUNZIONE.", 0, 4) + QStringList{"USCITA", "VERSIONE"}
-                                           + indici("PROGRAMMAZIONE.", 0, 1) + indici("VISDATI.", 0, 1)
-                                           + indici("MESSAPUNTO0.", 0, 1) + indici("MESSAPUNTO1.", 0, 8)
+                                           + indici("PROGRAMMAZIONE.", 0, 2) + indici("VISDATI.", 0, 1)
+                                           + indici("MESSAPUNTO0.", 0, 3) + indici("MESSAPUNTO1.", 0, 10)
                                            + indici("TARATURA.", 0, 4) + indici("UTILITA.", 0, 11);
         QTest::newRow("VisInf") << "VisInf" << QStringList{"CAPTION"} + indici("LABINFC.", 0, 3);
         // The monitor windows look their menus up in their own section.

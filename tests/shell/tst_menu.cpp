@@ -58,16 +58,16 @@ private slots:
         QTest::addColumn<QList<int>>("flag"); // EcuNormale, EcuInMarcia, TpsPresente, ModoAssistenza
         QTest::addColumn<int>("sceltaDopo");
         QTest::addColumn<QString>("atteso"); // entries of each function, '-' for a function off
-        QTest::newRow("normal ECU") << QList<int>{-1, 1, -1, 0} << 3 << "11 11 111 11111 111111111111";
+        QTest::newRow("normal ECU") << QList<int>{-1, 1, -1, 0} << 3 << "111 11 1111 11111 111111111111";
         QTest::newRow("service mode")
-            << QList<int>{-1, 1, -1, 1} << 3 << "11 11 1111111111 11111 111111111111";
+            << QList<int>{-1, 1, -1, 1} << 3 << "111 11 11111111111 11111 111111111111";
         // After a 'g' frame: programming and utilities only, and the selection goes.
-        QTest::newRow("no application") << QList<int>{0, 1, -1, 0} << -1 << "10 - - - 011011000001";
+        QTest::newRow("no application") << QList<int>{0, 1, -1, 0} << -1 << "100 - - - 011011000001";
         // A status other than 0: no tuning, and only the sequence of the calibration entries.
-        QTest::newRow("calibration status") << QList<int>{-1, 0, -1, 0} << 3 << "11 11 - 00001 111111111111";
-        QTest::newRow("no TPS") << QList<int>{-1, 1, 0, 0} << 3 << "11 11 101 11111 111111111111";
+        QTest::newRow("calibration status") << QList<int>{-1, 0, -1, 0} << 3 << "111 11 - 00001 111111111111";
+        QTest::newRow("no TPS") << QList<int>{-1, 1, 0, 0} << 3 << "111 11 1011 11111 111111111111";
         QTest::newRow("no TPS, service")
-            << QList<int>{-1, 1, 0, 1} << 3 << "11 11 1111011111 11111 111111111111";
+            << QList<int>{-1, 1, 0, 1} << 3 << "111 11 11110111111 11111 111111111111";
     }
 
     void enabledFunctionsAndEntriesByEcuState()
@@ -100,7 +100,7 @@ private slots:
         QFile f(altra.filePath("PROVA.LNG"));
         QVERIFY(f.open(QIODevice::WriteOnly));
         f.write("[MainLambda]\r\nUTILITA.0=Version\r\nUTILITA.1=\r\nUTILITA.2=   \r\nUTILITA.3=Delete\r\n"
-                "PROGRAMMAZIONE.0=Software\r\nPROGRAMMAZIONE.1=Maps\r\nPROGRAMMAZIONE.2=Extra\r\n");
+                "PROGRAMMAZIONE.0=Software\r\nPROGRAMMAZIONE.1=Maps\r\nPROGRAMMAZIONE.3=Extra\r\n");
         f.close();
         Lingua prova(altra.path());
         prova.LeggiImpLingua();
@@ -110,8 +110,8 @@ private slots:
         QVERIFY(utilita[3].visibile && !utilita[1].visibile && !utilita[2].visibile && !utilita[11].visibile);
         // Text past the table's rows shows, but opens nothing.
         const auto prog = opzioni(0, stato, false, prova);
-        QVERIFY(prog[2].visibile && !prog[2].abilitata);
-        QCOMPARE(prog[2].pagina, IdPagina::Nessuna);
+        QVERIFY(prog[3].visibile && !prog[3].abilitata);
+        QCOMPARE(prog[3].pagina, IdPagina::Nessuna);
         QVERIFY(opzioni(5, stato, false, prova).empty());
 
         Lingua nessuna(altra.filePath("manca"));

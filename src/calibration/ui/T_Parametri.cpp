@@ -17,7 +17,7 @@
 namespace kv {
 
 T_Parametri::T_Parametri(SequenzaTaratura &sequenza, Programma &programma, QWidget *parent)
-    : TelaioMessaPunto(programma, DescrizioneParametri(), parent)
+    : TelaioMessaPunto(ContestoDi(programma), DescrizioneParametri(), parent)
     , m_logica(std::make_unique<TaraturaParametri>(sequenza, dialogo()))
     , m_istruzione(CreaIstruzione(this))
     , m_esciTar(new QPushButton(this))
@@ -52,8 +52,8 @@ T_Parametri::T_Parametri(SequenzaTaratura &sequenza, Programma &programma, QWidg
 
 void T_Parametri::caricaTestiAltrove()
 {
-    setWindowTitle(programma().lingua.testo(m_logica->titolo()));
-    const Lingua &l = programma().lingua;
+    setWindowTitle(contesto().lingua.testo(m_logica->titolo()));
+    const Lingua &l = contesto().lingua;
     const bool sequenza = m_logica->inSequenza();
     const QString uscita = l.LeggiTesto("TASTI", sequenza ? "ESCI" : "FINE");
     const QString fine = l.LeggiTesto("TASTI", sequenza ? "FINE" : "ESCI");

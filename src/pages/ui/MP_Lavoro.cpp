@@ -14,8 +14,8 @@ constexpr std::array<int, 2> Righe = {MP_Lavoro::RigaTipoCO, MP_Lavoro::RigaTipo
 
 } // namespace
 
-MP_Lavoro::MP_Lavoro(Programma &programma, QWidget *parent)
-    : TelaioMessaPunto(programma, *DescrizioneDi(IdPagina::MP_Lavoro), parent)
+MP_Lavoro::MP_Lavoro(const ContestoPagina &contesto, QWidget *parent)
+    : TelaioMessaPunto(contesto, *DescrizioneDi(IdPagina::MP_Lavoro), parent)
 {
     for (int riga : Righe) {
         lista(riga)->installEventFilter(this);

@@ -15,7 +15,7 @@ public:
     static constexpr int RigaTipoCO = 11;
     static constexpr int RigaTipoPC = 15;
 
-    explicit MP_Lavoro(Programma &programma, QWidget *parent = nullptr);
+    explicit MP_Lavoro(const ContestoPagina &contesto, QWidget *parent = nullptr);
 
 protected:
     void mostraValore(int parametro, double valore) override;

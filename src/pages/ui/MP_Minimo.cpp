@@ -2,8 +2,8 @@
 
 namespace kv {
 
-MP_Minimo::MP_Minimo(Programma &programma, QWidget *parent)
-    : TelaioMessaPunto(programma, *DescrizioneDi(IdPagina::MP_Minimo), parent)
+MP_Minimo::MP_Minimo(const ContestoPagina &contesto, QWidget *parent)
+    : TelaioMessaPunto(contesto, *DescrizioneDi(IdPagina::MP_Minimo), parent)
 {}
 
 } // namespace kv

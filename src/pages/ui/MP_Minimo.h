@@ -10,7 +10,7 @@ class MP_Minimo : public TelaioMessaPunto
 {
     Q_OBJECT
 public:
-    explicit MP_Minimo(Programma &programma, QWidget *parent = nullptr);
+    explicit MP_Minimo(const ContestoPagina &contesto, QWidget *parent = nullptr);
 
     QString FormatoMinimo(int indice) const { return formato(indice); }
     CampoDato *DatoMinimo(int indice) const { return campo(indice); }

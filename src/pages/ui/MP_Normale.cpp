@@ -1,9 +1,9 @@
 #include "pages/ui/MP_Normale.h"
 #include "base/Lingua.h"
 
+#include "base/Lingua.h"
 #include "pages/GriglieMessaPunto.h"
 #include "pages/ui/GrigliaMessaPunto.h"
-#include "shell/Programma.h"
 #include "shell/ui/Stile.h"
 
 #include <QComboBox>
@@ -23,9 +23,9 @@ QString voceLegenda(const QColor &colore, const QString &testo)
 
 } // namespace
 
-MP_Normale::MP_Normale(Programma &programma, QWidget *parent)
-    : TelaioMessaPunto(programma, *DescrizioneDi(IdPagina::MP_Normale), parent)
-    , m_modello(new ModelloMappaLambda(dialogo(), programma.catalogo, this))
+MP_Normale::MP_Normale(const ContestoPagina &contesto, QWidget *parent)
+    : TelaioMessaPunto(contesto, *DescrizioneDi(IdPagina::MP_Normale), parent)
+    , m_modello(new ModelloMappaLambda(dialogo(), contesto.catalogo, this))
     , m_mappa(new GrigliaMessaPunto(m_modello, this))
     , m_legenda(new QLabel(this))
 {
@@ -37,9 +37,8 @@ MP_Normale::MP_Normale(Programma &programma, QWidget *parent)
     aggiungiGriglia(m_mappa);
     connect(lista(RigaTipoNOR), &QComboBox::currentIndexChanged, this, &MP_Normale::TipoNOR_Click);
     connect(m_modello, &ModelloGriglia::modificata, this, [this](const ModelloGriglia::Esito &esito) {
-        mostraMessaggio(esito.valido
-                            ? QString()
-                            : this->programma().lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_59"));
+        mostraMessaggio(esito.valido ? QString()
+                                     : this->contesto().lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_59"));
     });
 }
 

@@ -18,7 +18,7 @@ class MP_Normale : public TelaioMessaPunto
 public:
     static constexpr int RigaTipoNOR = 7;
 
-    explicit MP_Normale(Programma &programma, QWidget *parent = nullptr);
+    explicit MP_Normale(const ContestoPagina &contesto, QWidget *parent = nullptr);
 
     QString FormatoNormale(int indice) const { return formato(indice); }
     CampoDato *DatoNormale(int indice) const { return campo(indice); }

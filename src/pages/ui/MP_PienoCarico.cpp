@@ -1,17 +1,17 @@
 #include "pages/ui/MP_PienoCarico.h"
 
+#include "link/SessioneLinea.h"
 #include "pages/GriglieMessaPunto.h"
 #include "pages/ui/GrigliaMessaPunto.h"
-#include "shell/Programma.h"
 
 #include <QComboBox>
 #include <QVBoxLayout>
 
 namespace kv {
 
-MP_PienoCarico::MP_PienoCarico(Programma &programma, QWidget *parent)
-    : TelaioMessaPunto(programma, *DescrizioneDi(IdPagina::MP_PienoCarico), parent)
-    , m_modello(new ModelloGrigliaRTS(dialogo(), programma.catalogo, this))
+MP_PienoCarico::MP_PienoCarico(const ContestoPagina &contesto, QWidget *parent)
+    : TelaioMessaPunto(contesto, *DescrizioneDi(IdPagina::MP_PienoCarico), parent)
+    , m_modello(new ModelloGrigliaRTS(dialogo(), contesto.catalogo, this))
     , m_griglia(new GrigliaMessaPunto(m_modello, this))
 {
     m_griglia->setObjectName(QStringLiteral("GrigliaRTS"));
@@ -44,7 +44,7 @@ void MP_PienoCarico::mostraRigheTps()
 void MP_PienoCarico::Liste_Click()
 {
     const auto aspetto = AspettoPerListe(lista(RigaTipoPC)->currentIndex(), lista(RigaPcConf)->currentIndex(),
-                                         programma().linea.ecu().TpsPresente);
+                                         contesto().linea.ecu().TpsPresente);
     if (!aspetto)
         return;
     for (int riga : {2, 3})

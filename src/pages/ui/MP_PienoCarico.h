@@ -17,7 +17,7 @@ public:
     static constexpr int RigaTipoPC = 7;
     static constexpr int RigaPcConf = 8;
 
-    explicit MP_PienoCarico(Programma &programma, QWidget *parent = nullptr);
+    explicit MP_PienoCarico(const ContestoPagina &contesto, QWidget *parent = nullptr);
 
     CampoDato *DatoPC(int indice) const { return campo(indice); }
     GrigliaMessaPunto *GrigliaRTS() const { return m_griglia; }

@@ -2,15 +2,14 @@
 
 #include "pages/GriglieMessaPunto.h"
 #include "pages/ui/GrigliaMessaPunto.h"
-#include "shell/Programma.h"
 
 #include <QVBoxLayout>
 
 namespace kv {
 
-MP_Pompata::MP_Pompata(Programma &programma, QWidget *parent)
-    : TelaioMessaPunto(programma, *DescrizioneDi(IdPagina::MP_Pompata), parent)
-    , m_modello(new ModelloGrigliaPompata(dialogo(), programma.catalogo, this))
+MP_Pompata::MP_Pompata(const ContestoPagina &contesto, QWidget *parent)
+    : TelaioMessaPunto(contesto, *DescrizioneDi(IdPagina::MP_Pompata), parent)
+    , m_modello(new ModelloGrigliaPompata(dialogo(), contesto.catalogo, this))
     , m_griglia(new GrigliaMessaPunto(m_modello, this))
 {
     m_griglia->setObjectName(QStringLiteral("GrigliaPompata"));

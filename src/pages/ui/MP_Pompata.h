@@ -14,7 +14,7 @@ class MP_Pompata : public TelaioMessaPunto
 {
     Q_OBJECT
 public:
-    explicit MP_Pompata(Programma &programma, QWidget *parent = nullptr);
+    explicit MP_Pompata(const ContestoPagina &contesto, QWidget *parent = nullptr);
 
     CampoDato *DatoPomp(int indice) const { return campo(indice); }
     GrigliaMessaPunto *GrigliaPompata() const { return m_griglia; }

@@ -5,29 +5,31 @@
 #include "pages/ui/MP_Normale.h"
 #include "pages/ui/MP_PienoCarico.h"
 #include "pages/ui/MP_Pompata.h"
+#include "pages/ui/ModificaSenzaEcu.h"
+#include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 
 namespace kv {
 
-TelaioMessaPunto *CreaPaginaMessaPunto(Programma &programma, IdPagina id, QWidget *parent)
+TelaioMessaPunto *CreaPaginaMessaPunto(const ContestoPagina &contesto, IdPagina id, QWidget *parent)
 {
     // The pages with widgets of their own; any other is its description on the frame.
     switch (id) {
     case IdPagina::MP_Minimo:
-        return new MP_Minimo(programma, parent);
+        return new MP_Minimo(contesto, parent);
     case IdPagina::MP_Normale:
-        return new MP_Normale(programma, parent);
+        return new MP_Normale(contesto, parent);
     case IdPagina::MP_PienoCarico:
-        return new MP_PienoCarico(programma, parent);
+        return new MP_PienoCarico(contesto, parent);
     case IdPagina::MP_Pompata:
-        return new MP_Pompata(programma, parent);
+        return new MP_Pompata(contesto, parent);
     case IdPagina::MP_Lavoro:
-        return new MP_Lavoro(programma, parent);
+        return new MP_Lavoro(contesto, parent);
     default:
         break;
     }
     const DescrizionePagina *d = DescrizioneDi(id);
-    return d ? new TelaioMessaPunto(programma, *d, parent) : nullptr;
+    return d ? new TelaioMessaPunto(contesto, *d, parent) : nullptr;
 }
 
 void RegistraPagineMessaPunto(Korvantine &frame)
@@ -37,7 +39,7 @@ void RegistraPagineMessaPunto(Korvantine &frame)
         if (!PaginaMessaPunto(d.id))
             continue;
         frame.registraPagina(d.id, [id = d.id](Korvantine &f) -> QWidget * {
-            TelaioMessaPunto *pagina = CreaPaginaMessaPunto(f.programma(), id);
+            TelaioMessaPunto *pagina = CreaPaginaMessaPunto(ContestoDi(f.programma()), id);
             // The frame asks the page's questions and takes it away when it ends.
             pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
                 return f.MostraMsg(testo, flags, titolo);
@@ -48,6 +50,18 @@ void RegistraPagineMessaPunto(Korvantine &frame)
             return pagina;
         });
     }
+    // The same pages on a map with no ECU: what they need is handed to them there.
+    frame.registraPagina(IdPagina::ModificaSenzaEcu, [](Korvantine &f) -> QWidget * {
+        Programma &p = f.programma();
+        auto *pagina = new ModificaSenzaEcu(p.PercorsoApp, p.lingua, p.menu.ModoAssistenza());
+        pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
+            return f.MostraMsg(testo, flags, titolo);
+        });
+        QObject::connect(pagina, &ModificaSenzaEcu::chiusa, &f, [&f, pagina] { f.ChiudiPagina(pagina); });
+        QObject::connect(pagina, &ModificaSenzaEcu::segnalazione1, &f, &Korvantine::impostaSegnalazione1);
+        pagina->carica();
+        return pagina;
+    });
 }
 
 } // namespace kv

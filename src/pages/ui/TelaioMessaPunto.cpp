@@ -1,14 +1,16 @@
 #include "pages/ui/TelaioMessaPunto.h"
 #include "base/Lingua.h"
 
+#include "base/Lingua.h"
+#include "link/SessioneLinea.h"
 #include "pages/DialogoPagina.h"
 #include "pages/ModelloGriglia.h"
 #include "pages/PannelloLive.h"
 #include "pages/ui/CampoDato.h"
 #include "pages/ui/GrigliaMessaPunto.h"
-#include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
 #include "shell/ui/Stile.h"
+#include "variables/Catalogo.h"
 #include "variables/Formato.h"
 
 #include <QApplication>
@@ -38,16 +40,15 @@ constexpr int DomandaSiNo = 0x24;
 
 } // namespace
 
-TelaioMessaPunto::TelaioMessaPunto(Programma &programma, const DescrizionePagina &descrizione,
+TelaioMessaPunto::TelaioMessaPunto(const ContestoPagina &contesto, const DescrizionePagina &descrizione,
                                    QWidget *parent)
     : QWidget(parent)
-    , m_programma(programma)
+    , m_contesto(contesto)
     , m_sezione(descrizione.sezione)
     , m_righeTps(descrizione.righeTps)
 {
-    m_dialogo =
-        std::make_unique<DialogoPagina>(descrizione, programma.catalogo, programma.linea,
-                                        programma.menu.ModoAssistenza(), static_cast<VistaPagina &>(*this));
+    m_dialogo = std::make_unique<DialogoPagina>(descrizione, contesto.catalogo, contesto.linea,
+                                                contesto.assistenza, static_cast<VistaPagina &>(*this));
     setObjectName(m_sezione);
 
     auto *principale = new QVBoxLayout(this);
@@ -93,7 +94,7 @@ TelaioMessaPunto::TelaioMessaPunto(Programma &programma, const DescrizionePagina
     m_zonaLavoro->setFixedHeight(2 * m_zonaLavoro->fontMetrics().height() + 4);
     int parolaPiuLunga = 0;
     for (int z = 0; z <= 5; ++z) {
-        const QStringList parole = m_programma.lingua.testo(NomeZona(z)).split(u' ', Qt::SkipEmptyParts);
+        const QStringList parole = m_contesto.lingua.testo(NomeZona(z)).split(u' ', Qt::SkipEmptyParts);
         for (const QString &parola : parole)
             parolaPiuLunga = std::max(parolaPiuLunga, m_zonaLavoro->fontMetrics().horizontalAdvance(parola));
     }
@@ -121,7 +122,7 @@ TelaioMessaPunto::TelaioMessaPunto(Programma &programma, const DescrizionePagina
     principale->addLayout(m_comandi);
 
     m_domanda = [this](const QString &testo, int flags, const QString &titolo) {
-        return kv::MostraMsg(m_programma.lingua, testo, flags, titolo, 0, this);
+        return kv::MostraMsg(m_contesto.lingua, testo, flags, titolo, 0, this);
     };
 }
 
@@ -135,7 +136,7 @@ TelaioMessaPunto::~TelaioMessaPunto()
     for (GrigliaMessaPunto *g : m_griglie)
         g->setModel(nullptr);
     if (m_ascolta)
-        m_programma.linea.datiLive().rimuoviAscoltatore(this);
+        m_contesto.linea.datiLive().rimuoviAscoltatore(this);
 }
 
 void TelaioMessaPunto::costruisciComandi()
@@ -226,7 +227,7 @@ void TelaioMessaPunto::costruisciBox(const BoxParametri &descrizione, QGridLayou
     // Label, colon, field, unit and range close together; the spare width goes after them.
     griglia->setColumnStretch(5, 1);
     // The service entries of a page in normal mode: read, and nothing more.
-    const bool inUso = !descrizione.soloAssistenza || m_programma.menu.ModoAssistenza();
+    const bool inUso = !descrizione.soloAssistenza || m_contesto.assistenza;
     box->setVisible(inUso);
     box->setEnabled(inUso);
     for (const RigaPagina &r : descrizione.righe)
@@ -265,7 +266,7 @@ TelaioMessaPunto::Riga &TelaioMessaPunto::nuovaRiga(QGroupBox *box, QGridLayout 
         r.intervallo->setPalette(p);
         r.campo = new CampoDato(box);
         r.campo->setObjectName(QStringLiteral("Dato_%1").arg(r.indice));
-        r.campo->impostaMaschera(m_programma.catalogo.Valori[static_cast<size_t>(r.parametro)].Formato);
+        r.campo->impostaMaschera(m_contesto.catalogo.Valori[static_cast<size_t>(r.parametro)].Formato);
         QFont grande = r.campo->font();
         grande.setPointSizeF(grande.pointSizeF() * 1.15);
         r.campo->setFont(grande);
@@ -284,7 +285,7 @@ TelaioMessaPunto::Riga &TelaioMessaPunto::nuovaRiga(QGroupBox *box, QGridLayout 
         connect(r.lista, &QComboBox::activated, this, [l = r.lista] { l->setPalette(QPalette()); });
         for (int n = 0;; ++n) {
             const QString voce =
-                m_programma.lingua.LeggiTesto(sezione, sezione + QLatin1Char('.') + numero(n)).trimmed();
+                m_contesto.lingua.LeggiTesto(sezione, sezione + QLatin1Char('.') + numero(n)).trimmed();
             if (voce.isEmpty())
                 break;
             r.lista->addItem(voce);
@@ -346,7 +347,7 @@ QString TelaioMessaPunto::formato(int indice) const
     const Riga *r = rigaIndice(indice);
     if (!r)
         return {};
-    return m_programma.catalogo.Valori[static_cast<size_t>(r->parametro)].Formato;
+    return m_contesto.catalogo.Valori[static_cast<size_t>(r->parametro)].Formato;
 }
 
 QString TelaioMessaPunto::testoMostrato(int parametro) const
@@ -361,7 +362,7 @@ QString TelaioMessaPunto::testoMostrato(int parametro) const
 
 QString TelaioMessaPunto::testo(const QString &chiave) const
 {
-    return m_programma.lingua.LeggiTesto(m_sezione, chiave);
+    return m_contesto.lingua.LeggiTesto(m_sezione, chiave);
 }
 
 QString TelaioMessaPunto::testoComando(const QString &caption, const QString &tasto)
@@ -417,7 +418,7 @@ void TelaioMessaPunto::caricaTesti()
     for (size_t i = 0; i < m_labDati.size(); ++i)
         m_labDati[i]->setText(testo(QStringLiteral("LABDATI.") + numero(static_cast<int>(i))));
 
-    const Lingua &l = m_programma.lingua;
+    const Lingua &l = m_contesto.lingua;
     m_applica->setText(testoComando(l.LeggiTesto("TASTI", "APPLICA"), QStringLiteral("F2")));
     m_memorizza->setText(testoComando(l.LeggiTesto("TASTI", "MEMORIZZA"), QStringLiteral("F5")));
     m_ripristina->setText(testoComando(l.LeggiTesto("TASTI", "RIPRISTINA"), QStringLiteral("F8")));
@@ -430,14 +431,14 @@ void TelaioMessaPunto::carica()
 {
     caricaTesti();
     // The main frame's message line, until a save is acknowledged.
-    emit segnalazione1(m_programma.lingua.LeggiTesto("TASTI", "ESCI"));
+    emit segnalazione1(m_contesto.lingua.LeggiTesto("TASTI", "ESCI"));
     // Without a line there is nothing to edit: only Esci stays useful.
-    const bool aperta = m_programma.linea.motore().PortOpen();
+    const bool aperta = m_contesto.linea.motore().PortOpen();
     for (const Box &b : m_box)
         b.widget->setVisible(aperta && b.widget->isEnabled());
     for (GrigliaMessaPunto *g : m_griglie)
         g->setVisible(aperta);
-    m_programma.linea.datiLive().aggiungiAscoltatore(this);
+    m_contesto.linea.datiLive().aggiungiAscoltatore(this);
     m_ascolta = true;
 
     // Rows first, top to bottom, then the grids, then the commands; the fitter starts on
@@ -521,12 +522,12 @@ void TelaioMessaPunto::mostraMessaggio(const QString &testo)
 
 void TelaioMessaPunto::mostraSegnalazione(const Messaggio &testo)
 {
-    mostraMessaggio(m_programma.lingua.testo(testo));
+    mostraMessaggio(m_contesto.lingua.testo(testo));
 }
 
 void TelaioMessaPunto::mostraZonaLavoro(const Messaggio &zona)
 {
-    m_zonaLavoro->setText(m_programma.lingua.testo(zona));
+    m_zonaLavoro->setText(m_contesto.lingua.testo(zona));
 }
 
 void TelaioMessaPunto::abilitaPagina(bool abilitata)
@@ -583,7 +584,7 @@ void TelaioMessaPunto::frameNormale(const RecordDati &record)
     for (size_t i = 0; i < m_dato.size(); ++i)
         m_dato[i]->setText(t.dato[i]);
     if (m_dialogo->descrizione().zonaLavoro)
-        m_zonaLavoro->setText(m_programma.lingua.testo(t.zona));
+        m_zonaLavoro->setText(m_contesto.lingua.testo(t.zona));
     for (GrigliaMessaPunto *g : m_griglie)
         g->modello()->impostaPuntoVivo(record.Valore[Canale::Giri], record.Valore[Canale::Tps]);
 }
@@ -652,7 +653,7 @@ QString TelaioMessaPunto::primoRespinto(bool modificati, QWidget **dove)
             continue;
         if (modificati && !r.campo->cambiato())
             continue;
-        const QString motivo = m_programma.lingua.testo(
+        const QString motivo = m_contesto.lingua.testo(
             m_dialogo->motivoRespinto(r.parametro, r.etichetta->text(), r.campo->text()));
         if (motivo.isEmpty())
             continue;
@@ -671,8 +672,8 @@ QString TelaioMessaPunto::primoRespinto(bool modificati, QWidget **dove)
         if (dove)
             *dove = g;
         const int p = cella.data(ModelloGriglia::RuoloParametro).toInt();
-        return m_programma.lingua.testo(m_dialogo->motivoRespinto(
-            p, m_programma.lingua.LeggiTesto("MESSAPUNTO", "CELLA"), m->testoDi(p)));
+        return m_contesto.lingua.testo(
+            m_dialogo->motivoRespinto(p, m_contesto.lingua.LeggiTesto("MESSAPUNTO", "CELLA"), m->testoDi(p)));
     }
     return {};
 }
@@ -697,7 +698,7 @@ bool TelaioMessaPunto::lasciaRespinti()
         return true;
     if (dove && dove->isVisible())
         dove->setFocus(Qt::OtherFocusReason);
-    const Lingua &l = m_programma.lingua;
+    const Lingua &l = m_contesto.lingua;
     QPointer<TelaioMessaPunto> pagina(this);
     const int risposta = m_domanda(motivo + QLatin1Char(' ') + l.LeggiTesto("MESSAPUNTO", "NON_INVIATO"),
                                    DomandaSiNo, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
@@ -756,7 +757,7 @@ void TelaioMessaPunto::Esci()
     QPointer<TelaioMessaPunto> pagina(this);
     if (!m_dialogo->Esci())
         return;
-    const Lingua &l = m_programma.lingua;
+    const Lingua &l = m_contesto.lingua;
     const int risposta = m_domanda(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_6"),
                                    DialogoPagina::FlagDomandaEsci, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
     // The watchdog may have closed the page while the question was open.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/DatiLive.h"
+#include "pages/ContestoPagina.h"
 #include "pages/DescrizioniPagine.h"
 #include "pages/VistaPagina.h"
 
@@ -25,7 +26,6 @@ namespace kv {
 class CampoDato;
 class DialogoPagina;
 class GrigliaMessaPunto;
-class Programma;
 
 // The frame every tuning page is built on: the boxes of numbered rows of its description
 // (label, field or list, unit and range), the key filter and colours of the fields, the
@@ -45,7 +45,8 @@ public:
     // The question at Esci; returns the code of the key (6 Yes, 7 No, 2 Cancel, 99 none).
     using Domanda = std::function<int(const QString &testo, int flags, const QString &titolo)>;
 
-    TelaioMessaPunto(Programma &programma, const DescrizionePagina &descrizione, QWidget *parent = nullptr);
+    TelaioMessaPunto(const ContestoPagina &contesto, const DescrizionePagina &descrizione,
+                     QWidget *parent = nullptr);
     ~TelaioMessaPunto() override;
 
     // Who asks at Esci; without one, the program's message box over this page.
@@ -87,7 +88,7 @@ public:
 
     DialogoPagina &dialogo() { return *m_dialogo; }
     const QString &sezione() const { return m_sezione; }
-    Programma &programma() { return m_programma; }
+    const ContestoPagina &contesto() const { return m_contesto; }
 
 signals:
     // The page has ended (Esci, Esci_Out, or the last reply of a save on leaving).
@@ -177,7 +178,7 @@ private:
     // mend it unless he leaves without it. False when he stays.
     bool lasciaRespinti();
 
-    Programma &m_programma;
+    ContestoPagina m_contesto;
     QString m_sezione;
     std::unique_ptr<DialogoPagina> m_dialogo;
     Domanda m_domanda;

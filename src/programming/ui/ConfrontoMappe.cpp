@@ -3,6 +3,8 @@
 #include "archives/Cartelle.h"
 #include "base/Lingua.h"
 #include "calibration/TaraturaParametri.h"
+#include "link/SequenzaRichieste.h"
+#include "link/SessioneLinea.h"
 #include "programming/MappaArchiviata.h"
 #include "programming/ui/ModelloAlberoMappe.h"
 #include "programming/ui/TestiMappa.h"
@@ -31,7 +33,11 @@ namespace {
 
 constexpr int RuoloVoce = Qt::UserRole + 1;
 constexpr int RispostaSi = 6;
+constexpr int RispostaNo = 7;
 constexpr int FlagDomanda = 0x24;
+constexpr int FlagDomandaAnnulla = 0x23;
+// The states of its reads and writes of the ECU.
+constexpr int StatoLetturaEcu = 231;
 const QColor Diversa(255, 214, 153);
 
 const std::vector<const DescrizionePagina *> &altrePagine()
@@ -78,7 +84,7 @@ ConfrontoMappe::ConfrontoMappe(QString percorsoApp, const Catalogo &catalogo, co
     m_albero->setMinimumWidth(26 * u);
     m_labAlbero->setBuddy(m_albero);
 
-    const auto tasto = [this, u](const char *nome, Qt::Key chiave, auto azione) {
+    const auto tasto = [this, u](const char *nome, const QKeySequence &chiave, auto azione) {
         auto *b = new QPushButton(this);
         b->setObjectName(QString::fromLatin1(nome));
         b->setAutoDefault(false);
@@ -94,6 +100,11 @@ ConfrontoMappe::ConfrontoMappe(QString percorsoApp, const Catalogo &catalogo, co
     };
     m_prendi[A] = tasto("PrendiA", Qt::Key_F3, [this] { prendi(A); });
     m_prendi[B] = tasto("PrendiB", Qt::Key_F4, [this] { prendi(B); });
+    m_prendiEcu[A] = tasto("EcuA", Qt::SHIFT | Qt::Key_F3, [this] { leggiEcu(A); });
+    m_prendiEcu[B] = tasto("EcuB", Qt::SHIFT | Qt::Key_F4, [this] { leggiEcu(B); });
+    m_memorizza = tasto("MemorizzaEcu", Qt::Key_F9, [this] { memorizzaEcu(); });
+    for (QPushButton *b : {m_prendiEcu[A], m_prendiEcu[B], m_memorizza})
+        b->hide();
     m_copie[0] = tasto("CopiaValore", Qt::Key_F5, [this] { copiaValore(); });
     m_copie[1] = tasto("CopiaGriglia", Qt::Key_F6, [this] { copiaGriglia(); });
     m_copie[2] = tasto("CopiaDifferenze", Qt::Key_F7, [this] { copiaDifferenze(); });
@@ -107,6 +118,9 @@ ConfrontoMappe::ConfrontoMappe(QString percorsoApp, const Catalogo &catalogo, co
     prendi->addWidget(m_prendi[A]);
     prendi->addWidget(m_prendi[B]);
     sinistra->addLayout(prendi);
+    // One above the other: side by side their captions do not fit the tree's width.
+    sinistra->addWidget(m_prendiEcu[A]);
+    sinistra->addWidget(m_prendiEcu[B]);
 
     auto *lati = new QGridLayout;
     for (int l : {A, B}) {
@@ -171,6 +185,7 @@ ConfrontoMappe::ConfrontoMappe(QString percorsoApp, const Catalogo &catalogo, co
     auto *copie = new QHBoxLayout;
     for (QPushButton *b : m_copie)
         copie->addWidget(b);
+    copie->addWidget(m_memorizza);
 
     auto *destra = new QVBoxLayout;
     destra->addLayout(lati);
@@ -230,6 +245,16 @@ ConfrontoMappe::ConfrontoMappe(QString percorsoApp, const Catalogo &catalogo, co
     };
 }
 
+ConfrontoMappe::~ConfrontoMappe() = default;
+
+void ConfrontoMappe::impostaEcu(SessioneLinea &linea)
+{
+    m_linea = &linea;
+    m_ecu = std::make_unique<SequenzaRichieste>(linea.motore(), StatoLetturaEcu);
+    for (QPushButton *b : {m_prendiEcu[A], m_prendiEcu[B], m_memorizza})
+        b->show();
+}
+
 QString ConfrontoMappe::testo(const QString &chiave) const
 {
     return m_lingua.LeggiTesto(QString::fromLatin1(SezioneMappe), chiave).trimmed();
@@ -257,7 +282,9 @@ void ConfrontoMappe::carica()
     for (int l : {A, B}) {
         m_titoli[size_t(l)]->setText(testo(QStringLiteral("SCEGLI.%1").arg(l)));
         m_prendi[size_t(l)]->setText(testo(QStringLiteral("PRENDI.%1").arg(l)));
+        m_prendiEcu[size_t(l)]->setText(testo(QStringLiteral("ECU.%1").arg(l)));
     }
+    m_memorizza->setText(testo(QStringLiteral("MEMORIZZA")));
     m_schede->setTabText(0, testo(QStringLiteral("SCHEDA.0")));
     for (int g = 0; g < int(m_griglie.size()); ++g)
         m_schede->setTabText(g + 1, testo(QStringLiteral("GRIGLIA.%1").arg(g)));
@@ -325,6 +352,10 @@ bool ConfrontoMappe::scegliArchiviata(Lato lato, const ChiaveMappa &chiave)
                                .replace(QLatin1String("ZZZ"), QString::number(m.mappa.colonna)));
         return false;
     }
+    if (lato == A && m_modificata && m_sorgenti[A].tipo == SorgenteMappa::Tipo::Ecu) {
+        memorizzaEcu([this, chiave] { scegliArchiviata(A, chiave); });
+        return false;
+    }
     if (lato == A && m_modificata && domanda(testo(QStringLiteral("SOSTITUISCI")), FlagDomanda) != RispostaSi)
         return false;
     if (const QModelIndex i = m_modello->indice(m_modello->albero().trova(m.percorso.chiave)); i.isValid()) {
@@ -364,7 +395,9 @@ void ConfrontoMappe::mostraLato(Lato lato)
     }
     QString nome = s.nome;
     if (lato == A && m_modificata)
-        nome += QLatin1Char(' ') + testo(QStringLiteral("MODIFICATA"));
+        nome += QLatin1Char(' ')
+                + testo(s.tipo == SorgenteMappa::Tipo::Ecu ? QStringLiteral("ECUMODIFICATA")
+                                                           : QStringLiteral("MODIFICATA"));
     m_nomi[size_t(lato)]->setText(nome);
     // Which ScalaLambda the lambda thresholds of this side are shown by, and why.
     m_scale[size_t(lato)]->setText(testo(QStringLiteral("SCALA.%1").arg(int(s.scala.origine)))
@@ -537,13 +570,30 @@ void ConfrontoMappe::copia(const std::vector<int> &parametri)
         mostraSegnalazione(testo(QStringLiteral("DUE")));
         return;
     }
-    if (a.tipo != SorgenteMappa::Tipo::Archivio) {
+    if (a.tipo != SorgenteMappa::Tipo::Archivio && a.tipo != SorgenteMappa::Tipo::Ecu) {
         mostraSegnalazione(testo(QStringLiteral("SOLOARCHIVIO")));
         return;
     }
     const std::vector<int> diversi = m_confronto.parametriDiversi(parametri);
     if (diversi.empty()) {
         mostraSegnalazione(testo(QStringLiteral("NIENTE")));
+        return;
+    }
+    if (a.tipo == SorgenteMappa::Tipo::Ecu) {
+        // Into its RAM, as Apply does: it runs on them now, and keeps them only once stored.
+        const QByteArray nuova = CopiaValori(a.immagine, a.scala, b.immagine, b.scala, diversi, m_catalogo);
+        const auto voci = VociCambiate(a.immagine, nuova, m_catalogo);
+        scriviEcu(
+            ScrittureVoci(nuova, voci, true, false, m_catalogo), [this, nuova, n = diversi.size()](bool ok) {
+                if (!ok)
+                    return;
+                m_sorgenti[A].immagine = nuova;
+                m_modificata = true;
+                mostraLato(A);
+                aggiorna();
+                mostraSegnalazione(
+                    testo(QStringLiteral("COPIATOECU")).replace(QLatin1String("XXX"), QString::number(n)));
+            });
         return;
     }
     a.immagine = CopiaValori(a.immagine, a.scala, b.immagine, b.scala, diversi, m_catalogo);
@@ -633,10 +683,12 @@ void ConfrontoMappe::Salva()
         return;
     }
     const QString nome = e.percorso.chiave.elenco().join(u'\\');
-    m_sorgenti[A].tipo = SorgenteMappa::Tipo::Archivio;
-    m_sorgenti[A].nome = nome;
-    m_sorgenti[A].scala = ScalaDa(scala, OrigineScala::Archivio);
-    m_modificata = false;
+    // The ECU stays the ECU: only a map of the archive becomes the one just saved.
+    if (m_sorgenti[A].tipo == SorgenteMappa::Tipo::Archivio) {
+        m_sorgenti[A].nome = nome;
+        m_sorgenti[A].scala = ScalaDa(scala, OrigineScala::Archivio);
+        m_modificata = false;
+    }
     m_modello->imposta(AlberoMappe::Carica(m_percorsoApp), AlberoMappe::Livello::Mappa);
     m_albero->expand(m_modello->indice(AlberoMappe::Radice));
     const QModelIndex nuova = m_modello->indice(m_modello->albero().trova(e.percorso.chiave));
@@ -655,9 +707,116 @@ void ConfrontoMappe::Salva()
 
 void ConfrontoMappe::Esci()
 {
+    if (m_modificata && m_sorgenti[A].tipo == SorgenteMappa::Tipo::Ecu) {
+        memorizzaEcu([this] { emit chiusa(); });
+        return;
+    }
     if (m_modificata && domanda(testo(QStringLiteral("USCITA")), FlagDomanda) != RispostaSi)
         return;
     emit chiusa();
+}
+
+void ConfrontoMappe::abilita(bool abilitata)
+{
+    // The keys come back where they were once the ECU has answered.
+    if (!abilitata)
+        m_fuoco = focusWidget();
+    setEnabled(abilitata);
+    if (abilitata && m_fuoco && isAncestorOf(m_fuoco))
+        m_fuoco->setFocus(Qt::OtherFocusReason);
+}
+
+bool ConfrontoMappe::leggiEcu(Lato lato)
+{
+    const bool conosciuta =
+        m_linea && m_linea->PortOpen() && !m_linea->ecu().EcuDaIdentificare && m_linea->ecu().EcuNormale;
+    if (!conosciuta || m_ecu->inCorso()) {
+        mostraSegnalazione(testo(QStringLiteral("NOECU")));
+        return false;
+    }
+    if (lato == A && m_modificata) {
+        if (m_sorgenti[A].tipo == SorgenteMappa::Tipo::Ecu) {
+            memorizzaEcu([this] { leggiEcu(A); });
+            return false;
+        }
+        if (domanda(testo(QStringLiteral("SOSTITUISCI")), FlagDomanda) != RispostaSi)
+            return false;
+    }
+    const bool avviata =
+        m_ecu->leggi(RichiesteAreaMappa(m_catalogo), [this, lato](const SequenzaRichieste::Esito &e) {
+            abilita(true);
+            const AreaLetta area = AreaDaRisposte(e.risposte, m_catalogo);
+            if (!area.ok()) {
+                mostraSegnalazione(e.rifiuto.vuoto() ? m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_14")
+                                                     : m_lingua.testo(e.rifiuto));
+                return;
+            }
+            const StatoEcu &ecu = m_linea->ecu();
+            const QString nome =
+                testo(QStringLiteral("NOMEECU"))
+                    .replace(QLatin1String("XXX"),
+                             (ecu.InfVeicolo + QLatin1Char(' ') + ecu.InfCodice).simplified());
+            if (lato == A)
+                m_ecuLetta = area.immagine;
+            impostaSorgente(lato, {SorgenteMappa::Tipo::Ecu, nome, area.immagine,
+                                   ScalaDa(area.scalaLambda, OrigineScala::Ecu)});
+            mostraSegnalazione({});
+        });
+    if (avviata) {
+        mostraSegnalazione(testo(QStringLiteral("LETTURA")));
+        abilita(false);
+    }
+    return avviata;
+}
+
+void ConfrontoMappe::scriviEcu(const QList<QByteArray> &richieste, std::function<void(bool)> fine)
+{
+    if (richieste.isEmpty()) {
+        fine(true);
+        return;
+    }
+    const bool avviata = m_ecu && m_ecu->scrivi(richieste, [this, fine](const SequenzaRichieste::Esito &e) {
+        abilita(true);
+        if (!e.ok)
+            mostraSegnalazione(e.rifiuto.vuoto() ? m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_5")
+                                                 : m_lingua.testo(e.rifiuto));
+        fine(e.ok);
+    });
+    if (!avviata) {
+        mostraSegnalazione(testo(QStringLiteral("NOECU")));
+        return;
+    }
+    mostraSegnalazione(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_4"));
+    abilita(false);
+}
+
+void ConfrontoMappe::memorizzaEcu(std::function<void()> poi)
+{
+    const SorgenteMappa &a = m_sorgenti[A];
+    if (a.tipo != SorgenteMappa::Tipo::Ecu || !m_modificata) {
+        mostraSegnalazione(testo(QStringLiteral("NIENTEECU")));
+        return;
+    }
+    // The tuning pages' question on leaving: Yes stores, No puts back what was read.
+    const int risposta = domanda(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_6"), FlagDomandaAnnulla);
+    if (risposta != RispostaSi && risposta != RispostaNo)
+        return;
+    const bool memorizza = risposta == RispostaSi;
+    const QByteArray immagine = memorizza ? a.immagine : m_ecuLetta;
+    const auto voci = VociCambiate(m_ecuLetta, a.immagine, m_catalogo);
+    scriviEcu(ScrittureVoci(immagine, voci, true, memorizza, m_catalogo), [this, immagine, memorizza,
+                                                                           poi = std::move(poi)](bool ok) {
+        if (!ok)
+            return;
+        m_ecuLetta = immagine;
+        m_sorgenti[A].immagine = immagine;
+        m_modificata = false;
+        mostraLato(A);
+        aggiorna();
+        mostraSegnalazione(testo(memorizza ? QStringLiteral("MEMORIZZATO") : QStringLiteral("RIPRISTINATO")));
+        if (poi)
+            poi();
+    });
 }
 
 } // namespace kv

@@ -1,7 +1,9 @@
 #include "programming/ui/RegistroMappe.h"
 #include "base/Lingua.h"
 
+#include "base/Lingua.h"
 #include "programming/ui/ConfrontoMappe.h"
+#include "programming/ui/PaginaStorico.h"
 #include "programming/ui/ProgMappe.h"
 #include "programming/ui/ReadMappe.h"
 #include "shell/Programma.h"
@@ -30,14 +32,40 @@ void RegistraPagineMappe(Korvantine &frame)
 {
     frame.registraPagina(IdPagina::ReadMappe, apri<ReadMappe>);
     frame.registraPagina(IdPagina::ProgMappe, apri<ProgMappe>);
-    // Archived maps need no ECU: the page gets the folder, the catalogue and the texts only.
+    // Archived maps need no ECU: the page gets the folder, the catalogue and the texts, and
+    // the line only for the ECU as one side.
     frame.registraPagina(IdPagina::ConfrontoMappe, [](Korvantine &f) -> QWidget * {
         Programma &p = f.programma();
         auto *pagina = new ConfrontoMappe(p.PercorsoApp, p.catalogo, p.lingua);
+        pagina->impostaEcu(p.linea);
         pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
             return f.MostraMsg(testo, flags, titolo);
         });
         QObject::connect(pagina, &ConfrontoMappe::chiusa, &f, [&f, pagina] { f.ChiudiPagina(pagina); });
+        pagina->carica();
+        return pagina;
+    });
+    frame.registraPagina(IdPagina::StoricoEcu, [](Korvantine &f) -> QWidget * {
+        auto *pagina = new PaginaStorico(f.programma());
+        pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
+            return f.MostraMsg(testo, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0);
+        });
+        QObject::connect(pagina, &PaginaStorico::chiusa, &f, [&f, pagina] { f.ChiudiPagina(pagina); });
+        // An entry against the ECU now: the compare page takes the frame, the entry as B.
+        QObject::connect(pagina, &PaginaStorico::confronta, &f, [&f](const VoceStorico &v) {
+            auto *c = qobject_cast<ConfrontoMappe *>(f.apriPagina(IdPagina::ConfrontoMappe));
+            if (!c)
+                return;
+            const Lingua &l = f.programma().lingua;
+            c->impostaSorgente(
+                ConfrontoMappe::B,
+                {SorgenteMappa::Tipo::Storico,
+                 l.LeggiTesto("StoricoEcu", "NOME")
+                     .trimmed()
+                     .replace(QLatin1String("XXX"), QLocale().toString(v.quando, QLocale::ShortFormat)),
+                 v.immagine, ScalaDa(v.scalaLambda, OrigineScala::Storico)});
+            c->leggiEcu(ConfrontoMappe::A);
+        });
         pagina->carica();
         return pagina;
     });

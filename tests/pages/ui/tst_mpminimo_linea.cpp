@@ -31,7 +31,7 @@ class TstMpMinimoLinea : public QObject, ProgrammaSimulato
     // The page opened as from the menu, its opening read done.
     void apri()
     {
-        pagina = std::make_unique<MP_Minimo>(*p);
+        pagina = std::make_unique<MP_Minimo>(ContestoDi(*p));
         pagina->impostaDomanda([this](const QString &, int, const QString &) { return rispostaEsci; });
         pagina->show();
         QVERIFY(QTest::qWaitForWindowExposed(pagina.get()));

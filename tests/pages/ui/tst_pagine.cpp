@@ -48,7 +48,7 @@ class TstPagine : public QObject, ProgrammaSimulato
 
     void apri(IdPagina id)
     {
-        pagina.reset(CreaPaginaMessaPunto(*p, id));
+        pagina.reset(CreaPaginaMessaPunto(ContestoDi(*p), id));
         QVERIFY(pagina);
         pagina->impostaDomanda([this](const QString &, int, const QString &) { return risposta; });
         pagina->resize(1000, 700);

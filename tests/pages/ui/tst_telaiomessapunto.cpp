@@ -58,7 +58,7 @@ class TstTelaioMessaPunto : public QObject, ProgrammaSimulato
 
     void apri(bool attendiLettura = true)
     {
-        pagina = std::make_unique<MP_Minimo>(*p);
+        pagina = std::make_unique<MP_Minimo>(ContestoDi(*p));
         pagina->impostaDomanda([this](const QString &, int flags, const QString &) {
             ++domande;
             return flags == DialogoPagina::FlagDomandaEsci ? risposta : -1;

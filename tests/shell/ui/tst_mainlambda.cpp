@@ -62,7 +62,7 @@ private slots:
         QCOMPARE(a.statoMenu().FunzioneScelta(), Funzione::MessaPunto);
         QVERIFY(boxVisibile(m) && m->funzione(2)->isChecked());
         QCOMPARE(QApplication::focusWidget(), m->opzione(0)); // the keys go into the box
-        QCOMPARE(abilitate(m), QStringLiteral("111"));
+        QCOMPARE(abilitate(m), QStringLiteral("1111"));
         QCOMPARE(m->opzione(1)->text(), a.testo("MainLambda", "MESSAPUNTO0.1"));
         QTest::keyClick(m, Qt::Key_F5);
         QVERIFY(!m->funzione(2)->isChecked());
