@@ -89,9 +89,10 @@ SequenzaTaratura &RegistraPagineTaratura(Korvantine &frame)
     frame.registraPagina(
         IdPagina::IniTaratura, [sequenza](Korvantine &) { return new IniTaratura(*sequenza); },
         Korvantine::Apertura::SopraIlMenu);
-    for (const auto &[id, singola] :
-         {std::pair{IdPagina::T_Giri, false}, std::pair{IdPagina::T_Giri_Single, true}}) {
-        frame.registraPagina(id, [sequenza, singola](Korvantine &) {
+    // A pair, not a structured binding: clang 14 cannot capture one in a lambda.
+    for (const auto &voce : {std::pair{IdPagina::T_Giri, false}, std::pair{IdPagina::T_Giri_Single, true}}) {
+        const bool singola = voce.second;
+        frame.registraPagina(voce.first, [sequenza, singola](Korvantine &) {
             auto *pagina = new T_Giri(*sequenza, singola);
             pagina->carica();
             return pagina;
