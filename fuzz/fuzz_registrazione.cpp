@@ -38,10 +38,10 @@ void controllaVista(const ModelloVisore &v)
     const RegistrazioneAcq &r = v.registrazione();
     const auto [da, a] = v.visibili();
     // A recording shorter than the narrowest view is shown in a view that runs past its end.
-    const double fine = std::max(v.fineAsse(), v.inizioAsse() + ModelloVisore::FinestraMinima);
+    const double fineVista = std::max(v.fineAsse(), v.inizioAsse() + ModelloVisore::FinestraMinima);
     if (v.cursore() < 0 || v.cursore() >= r.campioni() || da < 0 || a > r.campioni() || da > a
         || (a > da && (v.cursore() < da || v.cursore() >= a)) || v.xMin() < v.inizioAsse()
-        || v.xMax() > fine + 1e-9 * std::abs(fine) || v.xMin() >= v.xMax())
+        || v.xMax() > fineVista + 1e-9 * std::abs(fineVista) || v.xMin() >= v.xMax())
         std::abort();
     std::vector<RegistrazioneAcq::ColonnaPixel> colonne;
     for (const int canale : ModelloVisore::Canali) {
