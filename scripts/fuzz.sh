@@ -47,7 +47,7 @@ for b in "${bersagli[@]}"; do
   (cd "$lavoro/$b" && "$eseguibile" corpus -max_total_time="$secondi" -jobs=1 -timeout=10 \
      -print_final_stats=1 -artifact_prefix="$lavoro/$b/trovati/" >/dev/null 2>&1) || true
   registro=$lavoro/$b/fuzz-0.log
-  esecuzioni=$(sed -n 's/^stat::number_executed_units: *//p' "$registro" | tail -1)
+  esecuzioni=$(sed -n 's/^stat::number_of_executed_units: *//p' "$registro" | tail -1)
   al_secondo=$(sed -n 's/.* exec\/s: \([0-9]*\).*/\1/p' "$registro" | tail -1)
   n=$(find "$lavoro/$b/trovati" -type f | wc -l)
   trovati=$((trovati + n))
