@@ -2,7 +2,7 @@
 // 220 records of 128 characters and CR LF whatever the text. The characters of S1 data are
 // copied as they stand, as the tool has always done, so the records are upper-case
 // hexadecimal exactly when the data of every S1 line is: that is checked too.
-#include "link/StatoProgramma.h"
+#include "link/StatoEcu.h"
 #include "programming/FileBlocchi.h"
 #include "programming/ImmagineS19.h"
 
@@ -41,7 +41,7 @@ bool datiS1Esadecimali(QByteArrayView testo)
 
 TestiIdentificazione testi()
 {
-    StatoProgramma stato;
+    StatoEcu stato;
     stato.InfCodice = QStringLiteral("KV2\u00C0BC12345678");
     stato.InfDatoA = QStringLiteral("LPG-SEQ-02");
     stato.InfDatoB = QStringLiteral("R2");

@@ -124,6 +124,30 @@ Messaggio MessaggioArchivio(const EsitoArchivio &esito)
     return m.con(QStringLiteral("XXX"), QDir::toNativeSeparators(esito.file));
 }
 
+bool SoloArchivio(const QSqlDatabase &db, const SchemaArchivio &schema, QString *estraneo)
+{
+    QSqlQuery q(db);
+    q.setForwardOnly(true);
+    if (!q.exec(QStringLiteral("SELECT type, name, tbl_name, sql FROM sqlite_master"))) {
+        estraneo->clear();
+        return false;
+    }
+    while (q.next()) {
+        const QString tipo = q.value(0).toString();
+        const QString nomeOggetto = q.value(1).toString();
+        const bool nostra = q.value(2).toString().compare(schema.tabella, Qt::CaseInsensitive) == 0;
+        // The engine keeps its own tables under names no one else may take.
+        const bool tabella = tipo == u"table"
+                             && q.value(3).toString().startsWith(u"CREATE TABLE", Qt::CaseInsensitive)
+                             && (nostra || nomeOggetto.startsWith(u"sqlite_", Qt::CaseInsensitive));
+        if (!tabella && !(tipo == u"index" && nostra)) {
+            *estraneo = tipo + u' ' + nomeOggetto;
+            return false;
+        }
+    }
+    return true;
+}
+
 // ---- open and close --------------------------------------------------------------------
 
 Archivio::Archivio() : m_connessione(QStringLiteral("kv-archivio-%1").arg(quintptr(this), 0, 16)) {}
@@ -227,7 +251,7 @@ bool Archivio::Apri(const QString &cartella, const QString &nomeFile, const Sche
                                .arg(AttesaBloccoMs)
                                .arg(m_soloLettura ? QStringLiteral(";QSQLITE_OPEN_READONLY") : QString()));
     bool ok = m_db.open() || erroreMotore(m_db.lastError(), ErroreArchivio::NonApribile);
-    ok = ok && pronto();
+    ok = ok && pronto(schema);
     if (ok && m_soloLettura) {
         ok = schemaPresente(schema);
     } else if (ok) {
@@ -254,8 +278,9 @@ bool Archivio::Apri(const QString &cartella, const QString &nomeFile, const Sche
     return true;
 }
 
-// The file is held from the first read to the close, and must pass the engine's check.
-bool Archivio::pronto()
+// The file is held from the first read to the close, must pass the engine's check, and must
+// be ours: a table of our name without the fields of its key is someone else's.
+bool Archivio::pronto(const SchemaArchivio &schema)
 {
     QSqlQuery q(m_db);
     if (!q.exec(QStringLiteral("PRAGMA locking_mode = EXCLUSIVE")))
@@ -266,6 +291,18 @@ bool Archivio::pronto()
         imposta(ErroreArchivio::Danneggiato, q.value(0).toString());
         return false;
     }
+    QString estraneo;
+    if (!SoloArchivio(m_db, schema, &estraneo)) {
+        imposta(estraneo.isEmpty() ? ErroreArchivio::Danneggiato : ErroreArchivio::FileEstraneo, estraneo);
+        return false;
+    }
+    const QStringList presenti = colonnePresenti(schema);
+    if (const IndiceArchivio *primario = schema.primario(); primario && !presenti.isEmpty())
+        for (const QString &c : primario->campi)
+            if (!presenti.contains(c.toUpper())) {
+                imposta(ErroreArchivio::FileEstraneo, c);
+                return false;
+            }
     return true;
 }
 

@@ -99,7 +99,7 @@ private:
     std::optional<qint64> trovaRowid(QStringView indice, const QStringList &chiave);
     bool scrivi(const RigaArchivio &riga, std::optional<qint64> rowid);
     bool controllaRiga(const RigaArchivio &riga);
-    bool pronto();
+    bool pronto(const SchemaArchivio &schema);
     QStringList colonnePresenti(const SchemaArchivio &schema);
     bool schemaPresente(const SchemaArchivio &schema);
     bool creaSchema(const SchemaArchivio &schema);
@@ -114,6 +114,12 @@ private:
     bool m_soloLettura = false;
     EsitoArchivio m_esito;
 };
+
+// Whether an open file holds nothing but the engine's own tables, the schema's table and
+// indexes on it. Another program's tables make it someone else's file, and views and triggers
+// would run code of whoever made it on our queries and writes (a view can be endless): false,
+// with what was found in *estraneo, or with *estraneo empty when the list could not be read.
+bool SoloArchivio(const QSqlDatabase &db, const SchemaArchivio &schema, QString *estraneo);
 
 // The three open procedures of the program: -1 with db open, 0 when it could not be opened
 // (the reason in db.Esito()).

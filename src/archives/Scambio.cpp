@@ -197,9 +197,13 @@ CatalogoScambio LeggiCatalogoScambio(const QString &percorso, const SchemaArchiv
         } else {
             QSqlQuery q(db);
             q.setForwardOnly(true);
+            QString estraneo;
             if (!q.exec(QStringLiteral("PRAGMA quick_check")) || !q.next()
                 || q.value(0).toString() != u"ok") {
                 errore(ErroreArchivio::Danneggiato, q.lastError().text());
+            } else if (!SoloArchivio(db, schema, &estraneo)) {
+                errore(estraneo.isEmpty() ? ErroreArchivio::Danneggiato : ErroreArchivio::FileEstraneo,
+                       estraneo);
             } else if (!q.exec(QStringLiteral("SELECT * FROM \"%1\"").arg(schema.tabella))) {
                 errore(ErroreArchivio::FileEstraneo, q.lastError().text());
             } else {

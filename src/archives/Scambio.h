@@ -84,8 +84,8 @@ void RimettiFile(const QString &destinazione, const QString &radice, const std::
 
 // Every row of the table of a catalogue brought on a medium, read without writing a byte to
 // the file: fields are matched by name without regard to case, missing ones are NULL. A file
-// that is not an SQLite database, is damaged, is too large or lacks the table gives an
-// error in esito and no rows.
+// that is not an SQLite database, is damaged, is too large, lacks the table or holds anything
+// else (SoloArchivio) gives an error in esito and no rows.
 struct CatalogoScambio
 {
     EsitoArchivio esito;

@@ -239,6 +239,10 @@ private slots:
         QTest::newRow("link to a file elsewhere") << QByteArray() << true << ErroreArchivio::FileEstraneo;
         QByteArray rovinato = QByteArray("SQLite format 3\x00", 16) + QByteArray(4096 - 16, '\xEE');
         QTest::newRow("SQLite header, garbage behind") << rovinato << false << ErroreArchivio::Danneggiato;
+        // Another program's database, and a view in place of the table that never ends.
+        for (const char *f : {"altrui.sqlite", "viste_infinite.sqlite"})
+            QTest::newRow(f) << leggi(QStringLiteral(KV_SOURCE_DIR "/fuzz/corpus/fuzz_archivi/") + f) << false
+                             << ErroreArchivio::FileEstraneo;
     }
 
     void fileAltruiLasciatiComeSono()

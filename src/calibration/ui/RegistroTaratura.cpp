@@ -92,9 +92,10 @@ SequenzaTaratura &RegistraPagineTaratura(Korvantine &frame)
         IdPagina::IniTaratura,
         [sequenza](Korvantine &f) { return new IniTaratura(*sequenza, f.programma().lingua); },
         Korvantine::Apertura::SopraIlMenu);
-    for (const auto &[id, singola] :
-         {std::pair{IdPagina::T_Giri, false}, std::pair{IdPagina::T_Giri_Single, true}}) {
-        frame.registraPagina(id, [sequenza, singola](Korvantine &f) {
+    // A pair, not a structured binding: clang 14 cannot capture one in a lambda.
+    for (const auto &voce : {std::pair{IdPagina::T_Giri, false}, std::pair{IdPagina::T_Giri_Single, true}}) {
+        const bool singola = voce.second;
+        frame.registraPagina(voce.first, [sequenza, singola](Korvantine &f) {
             auto *pagina = new T_Giri(*sequenza, f.programma().lingua, singola);
             pagina->carica();
             return pagina;

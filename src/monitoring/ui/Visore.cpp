@@ -550,9 +550,10 @@ void Visore::esportaPng()
 
 bool Visore::esportaCsvIn(const QString &percorso)
 {
-    const auto [da, a] = m_modello.tratto();
-    return esporta(percorso, [this, da, a](QIODevice &d) {
-        return ScriviCsv(m_modello.registrazione(), m_canali, da, a, d);
+    // Not a structured binding: clang 14 cannot capture one in a lambda.
+    const std::pair<qsizetype, qsizetype> tratto = m_modello.tratto();
+    return esporta(percorso, [this, tratto](QIODevice &d) {
+        return ScriviCsv(m_modello.registrazione(), m_canali, tratto.first, tratto.second, d);
     });
 }
 
