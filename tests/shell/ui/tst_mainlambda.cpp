@@ -101,24 +101,6 @@ private slots:
         QTest::keyClick(m, Qt::Key_F2);
         QCOMPARE(a.statoMenu().FunzioneScelta(), Funzione::Nessuna);
     }
-
-    void calibrationStatusTurnsTuningOffAtOnce()
-    {
-        Ambiente a;
-        MainLambda *m = a.menu();
-        QTest::keyClick(m, Qt::Key_F3);
-        a.arriva(datiLive(219));
-        QCOMPARE(abilitate(m, false), QStringLiteral("11011"));
-        QVERIFY(!boxVisibile(m));
-        QTest::keyClick(m, Qt::Key_F4);
-        QCOMPARE(abilitate(m), QStringLiteral("00001"));
-        a.arriva(datiLive(0));
-        QCOMPARE(abilitate(m, false), QStringLiteral("11111"));
-        // The calibration function stays chosen, now with all its entries.
-        QCOMPARE(a.statoMenu().FunzioneScelta(), Funzione::Taratura);
-        QCOMPARE(abilitate(m), QStringLiteral("11111"));
-    }
-
     void identificationHoldsTheFrameAndTheStripFollows()
     {
         Ambiente a(false);
