@@ -9,7 +9,6 @@
 #include "archives/ScambioSoftware.h"
 #include "archives/SchemaArchivi.h"
 #include "archives/StoricoEcu.h"
-#include "base/Lingua.h"
 #include "monitoring/AnelloRegistrazione.h"
 #include "monitoring/SchedaRegistrazione.h"
 #include "programming/AlberoMappe.h"
@@ -84,7 +83,7 @@ QList<Caso> casi()
         EsitoArchivio esito;
         const QList<VoceSoftware> voci = ElencoSoftware(a, &esito);
         if (esito.ok() && !voci.isEmpty())
-            LeggiSchedaSoftware(a, voci.first().nome, Lingua());
+            LeggiSchedaSoftware(a, voci.first().nome);
         return esito;
     };
     const auto schede = [a] {
@@ -106,11 +105,11 @@ QList<Caso> casi()
     };
     const QString m = medium();
     const auto discoMappe = [a, m] {
-        const SorgenteMappe s = LeggiDiscoMappe(a, Lingua(), m);
+        const SorgenteMappe s = LeggiDiscoMappe(a, m);
         return EsitoArchivio{s.esito.fatto ? ErroreArchivio::Nessuno : ErroreArchivio::FileEstraneo, {}, {}};
     };
     const auto discoSoftware = [a, m] {
-        const SorgenteSoftware s = LeggiDiscoSoftware(a, Lingua(), m);
+        const SorgenteSoftware s = LeggiDiscoSoftware(a, m);
         return EsitoArchivio{s.esito.fatto ? ErroreArchivio::Nessuno : ErroreArchivio::FileEstraneo, {}, {}};
     };
     const auto in = [](const QString &radice, QLatin1String sotto, QLatin1String file) {

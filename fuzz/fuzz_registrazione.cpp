@@ -2,7 +2,6 @@
 // moved, statistics and chart columns taken over the view, the stretch between the cursors
 // exported. The axis must rise, the cursor stay on a sample in view, and the summaries the
 // charts and statistics use must give the same range as the samples themselves.
-#include "base/Lingua.h"
 #include "monitoring/Canali.h"
 #include "monitoring/EsportaCsv.h"
 #include "monitoring/ModelloVisore.h"
@@ -78,7 +77,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *dati, size_t dimensione)
 {
     static const TabellaCanali canali = [] {
         TabellaCanali t;
-        t.InizializzaCanali(Lingua());
+        t.InizializzaCanali([](const QString &, const QString &) { return QString(); });
         return t;
     }();
     QByteArray byte(reinterpret_cast<const char *>(dati), static_cast<qsizetype>(dimensione));
