@@ -60,14 +60,7 @@ int soloVisore(const QString &file, const QString &home)
 {
     const QString cartellaEseguibile = QCoreApplication::applicationDirPath();
     const QString percorsoApp = RisolviPercorsoApp(home, cartellaEseguibile, CartellaDatiUtente());
-    // A folder never started in has no language files yet: the shipped ones serve unseeded.
-    Lingua lingua(percorsoApp);
-    const QStringList distribuite = CartelleLingueDistribuite(cartellaEseguibile);
-    lingua.impostaCartelleDistribuite(distribuite);
-    for (const QString &cartella : distribuite)
-        if (!ContieneLingue(lingua.PercorsoApp) && ContieneLingue(cartella))
-            lingua.PercorsoApp = cartella;
-    lingua.LeggiImpLingua();
+    const Lingua lingua = Lingua::DellaCartella(percorsoApp, cartellaEseguibile);
     TabellaCanali canali;
     canali.InizializzaCanali(
         [&lingua](const QString &s, const QString &k) { return lingua.LeggiTesto(s, k); });

@@ -167,16 +167,16 @@ bool misuraStorico()
     SequenzaRichieste::Esito esito;
     for (int i = 0; i < 10; ++i)
         letture.push_back(esegui(false, area, &esito));
-    int filo = 0; // bytes on the line both ways
+    qsizetype filo = 0; // bytes on the line both ways
     for (const QByteArray &r : area)
         filo += r.size() + BancoSimulatore::InvolucroFrame;
     for (const QByteArray &r : esito.risposte)
         filo += r.size() + BancoSimulatore::InvolucroFrame;
     const double mediana = BancoSimulatore::mediana(letture);
     std::printf("  history read, map area and ScalaLambda at %d baud: median %.1f ms over 10 runs; %.1f ms "
-                "of it on the wire (%d bytes), ratio %.2f\n",
-                BancoSimulatore::Baud, mediana, BancoSimulatore::millisecondiSulFilo(filo), filo,
-                mediana / BancoSimulatore::millisecondiSulFilo(filo));
+                "of it on the wire (%lld bytes), ratio %.2f\n",
+                BancoSimulatore::Baud, mediana, BancoSimulatore::millisecondiSulFilo(filo),
+                static_cast<long long>(filo), mediana / BancoSimulatore::millisecondiSulFilo(filo));
 
     const StatoEcu &ecu = p.linea.ecu();
     VoceStorico voce{{ecu.InfCodice, ecu.InfDatoA, ecu.InfDatoB},

@@ -13,17 +13,8 @@ shift || true
 
 # clang and its fuzzer runtime; setup.sh below installs the rest.
 pacchetti=(clang libclang-rt-14-dev)
-mancanti=()
-for p in "${pacchetti[@]}"; do
-  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || mancanti+=("$p")
-done
-if [ ${#mancanti[@]} -gt 0 ]; then
-  echo "Installing: ${mancanti[*]}"
-  sudo_cmd=()
-  [ "$(id -u)" -eq 0 ] || sudo_cmd=(sudo)
-  "${sudo_cmd[@]}" apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq "${mancanti[@]}" >/dev/null
-fi
+. scripts/pacchetti.sh
+installa_mancanti "${pacchetti[@]}"
 
 scripts/setup.sh build-fuzz -DCMAKE_CXX_COMPILER=clang++ -DKORVANTINE_FUZZ=ON -DKORVANTINE_TESTS=OFF
 

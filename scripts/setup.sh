@@ -6,17 +6,8 @@ cd "$(dirname "$0")/.."
 
 pacchetti=(cmake ninja-build g++ ccache pkg-config clang-format qt6-base-dev qt6-serialport-dev qt6-charts-dev
          libqt6opengl6-dev libqt6sql6-sqlite libgl-dev)
-mancanti=()
-for p in "${pacchetti[@]}"; do
-  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || mancanti+=("$p")
-done
-if [ ${#mancanti[@]} -gt 0 ]; then
-  echo "Installing: ${mancanti[*]}"
-  sudo_cmd=()
-  [ "$(id -u)" -eq 0 ] || sudo_cmd=(sudo)
-  "${sudo_cmd[@]}" apt-get update -qq
-  DEBIAN_FRONTEND=noninteractive "${sudo_cmd[@]}" apt-get install -y -qq "${mancanti[@]}" >/dev/null
-fi
+. scripts/pacchetti.sh
+installa_mancanti "${pacchetti[@]}"
 
 # Paths relative to the checkout, so that another clone of the same tree hits the cache.
 export CCACHE_BASEDIR="$PWD" CCACHE_NOHASHDIR=1

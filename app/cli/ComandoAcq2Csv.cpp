@@ -54,13 +54,8 @@ int acq2csv(const QStringList &argomenti)
     // A file that lost its heading lines gets the program's names, in its language; nothing
     // is written to the program's folder for that.
     const QString eseguibile = QCoreApplication::applicationDirPath();
-    Lingua lingua(RisolviPercorsoApp({}, eseguibile, CartellaDatiUtente()));
-    const QStringList distribuite = CartelleLingueDistribuite(eseguibile);
-    lingua.impostaCartelleDistribuite(distribuite);
-    for (const QString &cartella : distribuite)
-        if (!ContieneLingue(lingua.PercorsoApp) && ContieneLingue(cartella))
-            lingua.PercorsoApp = cartella;
-    lingua.LeggiImpLingua();
+    const Lingua lingua =
+        Lingua::DellaCartella(RisolviPercorsoApp({}, eseguibile, CartellaDatiUtente()), eseguibile);
     TabellaCanali canali;
     canali.InizializzaCanali(
         [&lingua](const QString &s, const QString &k) { return lingua.LeggiTesto(s, k); });

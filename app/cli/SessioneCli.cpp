@@ -75,15 +75,7 @@ bool SessioneCli::prepara(const QCommandLineParser &p, bool conPorta)
     m_avanzamento.imposta(!m_quiet, ::isatty(STDERR_FILENO) == 1);
     const QString eseguibile = QCoreApplication::applicationDirPath();
     m_casa = RisolviPercorsoApp(p.value(OpzioneCasa), eseguibile, CartellaDatiUtente());
-    // A folder the program never started in has no language files yet: the shipped ones
-    // serve, and nothing is written there for that.
-    m_lingua = Lingua(m_casa);
-    const QStringList distribuite = CartelleLingueDistribuite(eseguibile);
-    m_lingua.impostaCartelleDistribuite(distribuite);
-    for (const QString &cartella : distribuite)
-        if (!ContieneLingue(m_lingua.PercorsoApp) && ContieneLingue(cartella))
-            m_lingua.PercorsoApp = cartella;
-    m_lingua.LeggiImpLingua();
+    m_lingua = Lingua::DellaCartella(m_casa, eseguibile);
     if (!m_propria.isValid()) {
         fallisci(FileNonScritto,
                  QStringLiteral("no temporary folder can be made: ") + m_propria.errorString());

@@ -1,6 +1,7 @@
 #include "base/Lingua.h"
 
 #include "base/FileSystem.h"
+#include "base/PercorsoApp.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -121,6 +122,18 @@ QString Lingua::testo(const Messaggio &m) const
             t += (t.isEmpty() ? QString() : altro.giunta) + poi;
     }
     return t;
+}
+
+Lingua Lingua::DellaCartella(const QString &percorsoApp, const QString &cartellaEseguibile)
+{
+    Lingua lingua(percorsoApp);
+    const QStringList distribuite = CartelleLingueDistribuite(cartellaEseguibile);
+    lingua.impostaCartelleDistribuite(distribuite);
+    for (const QString &cartella : distribuite)
+        if (!ContieneLingue(lingua.PercorsoApp) && ContieneLingue(cartella))
+            lingua.PercorsoApp = cartella;
+    lingua.LeggiImpLingua();
+    return lingua;
 }
 
 } // namespace kv

@@ -35,6 +35,10 @@ public:
     QString LinguaCorrente;
     QString PercorsoApp;
 
+    // The language of a folder the program may never have started in: it has no language
+    // files yet, so the shipped ones serve, and nothing is written there for that.
+    static Lingua DellaCartella(const QString &percorsoApp, const QString &cartellaEseguibile);
+
 private:
     // The file last parsed; a different path, size or time of change reads it again, so a
     // change of LinguaCorrente or of the file on disk reaches the next look-up.

@@ -26,18 +26,6 @@ QByteArray richiestaLettura(quint32 indirizzo)
     return 'R' + ParolaInByte(indirizzo) + char(LunBlocco);
 }
 
-// Why a name or place is refused, with the field at fault.
-Messaggio messaggioPercorso(const PercorsoMappa &p)
-{
-    if (p.errore == PercorsoMappa::Errore::Nome)
-        return Messaggio("ReadMappe", "LABCAMPO." + QString::number(p.nomi.campo))
-            .ritaglia()
-            .poi(Messaggio("ReadMappe", "NOME." + QString::number(int(p.nomi.errore)))
-                     .con(QStringLiteral("XXX"), QString::number(LunghezzaMassimaNome(p.nomi.campo))),
-                 QStringLiteral(": "));
-    return Messaggio("ReadMappe", "NOME.9");
-}
-
 // "Writing block n".
 Messaggio messaggioBlocco(int n)
 {
@@ -97,7 +85,7 @@ void LetturaMappe::Leggi(const ChiaveMappa &campi, const QString &nota)
     const PercorsoMappa percorso = PercorsoFileMappa(m_percorsoApp, chiave);
     if (!percorso.ok()) {
         m_vista.beep();
-        m_vista.mostraSegnalazione(messaggioPercorso(percorso));
+        m_vista.mostraSegnalazione(MessaggioPercorso(percorso));
         return;
     }
     m_nomeFileMappa = percorso.file;
@@ -215,7 +203,7 @@ void LetturaMappe::fine()
         QFile::remove(tmp);
         m_vista.beep();
         m_vista.mostraSegnalazione(percorso.ok() ? Messaggio("ReadMappe", "SEGNALAZIONE1.2")
-                                                 : messaggioPercorso(percorso));
+                                                 : MessaggioPercorso(percorso));
         return;
     }
     QFile::remove(tmp);

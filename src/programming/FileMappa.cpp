@@ -175,6 +175,17 @@ PercorsoMappa PercorsoFileMappa(const QString &percorsoApp, const ChiaveMappa &c
     return r;
 }
 
+Messaggio MessaggioPercorso(const PercorsoMappa &percorso)
+{
+    if (percorso.errore == PercorsoMappa::Errore::Nome)
+        return Messaggio("ReadMappe", "LABCAMPO." + QString::number(percorso.nomi.campo))
+            .ritaglia()
+            .poi(Messaggio("ReadMappe", "NOME." + QString::number(int(percorso.nomi.errore)))
+                     .con(QStringLiteral("XXX"), QString::number(LunghezzaMassimaNome(percorso.nomi.campo))),
+                 QStringLiteral(": "));
+    return Messaggio("ReadMappe", "NOME.9");
+}
+
 bool EsisteMappa(const PercorsoMappa &percorso)
 {
     const QFileInfo info(percorso.file);
@@ -211,7 +222,7 @@ EsitoArchivio RegistraMappa(const QString &percorsoApp, const ChiaveMappa &chiav
 {
     Archivio db;
     if (!DentroRadice(CartellaMappe(percorsoApp), percorsoApp))
-        return {ErroreArchivio::FileEstraneo, CartellaMappe(percorsoApp)};
+        return {ErroreArchivio::FileEstraneo, CartellaMappe(percorsoApp), {}};
     if (!ApriArchivioMappe(CartellaMappe(percorsoApp), FileArchivi::FileMappe, db))
         return db.Esito();
     const ChiaveMappa k = chiave.pulita();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "archives/Archivio.h"
+#include "base/Messaggio.h"
 
 #include <QLatin1String>
 #include <QString>
@@ -122,6 +123,9 @@ enum class NomiMappa {
 // passes no symbolic link on the way, or it is refused.
 PercorsoMappa PercorsoFileMappa(const QString &percorsoApp, const ChiaveMappa &chiave,
                                 NomiMappa nomi = NomiMappa::Nuovi);
+
+// Why a place was refused, naming the field at fault when it is a name.
+Messaggio MessaggioPercorso(const PercorsoMappa &percorso);
 
 // True when a map file is at the place (a plain file, not a link).
 bool EsisteMappa(const PercorsoMappa &percorso);

@@ -5,6 +5,7 @@
 #include "EcuSimulata.h"
 #include "FileS19.h"
 #include "base/Lingua.h"
+#include "support/VistaMappeMuta.h"
 
 #include "link/PortaSeriale.h"
 #include "programming/DialogoMappe.h"
@@ -43,17 +44,6 @@ struct Ecu
             ecu.avvia();
     }
     QString porta() const { return ecu.percorsoDispositivo(); }
-};
-
-struct VistaMappeProva : VistaMappe
-{
-    void mostraSegnalazione(const Messaggio &) override {}
-    void abilitaPagina(bool) override {}
-    void mostraAvanzamento(int, int) override {}
-    void nascondiAvanzamento() override {}
-    void beep() override {}
-    int domanda(const Messaggio &, int, const Messaggio &) override { return RispostaSiMappe; }
-    void chiudiPagina() override {}
 };
 
 struct VistaProgSWProva : VistaProgSW
@@ -132,7 +122,7 @@ class TstCliLinea : public QObject
         if (!p.ApriPorta()
             || !QTest::qWaitFor([&] { return !p.linea.ecu().EcuDaIdentificare && libero(); }, 5000))
             return {};
-        VistaMappeProva vm;
+        VistaMappeMuta vm;
         VistaProgSWProva vs;
         LetturaMappe lettura(p.linea, p.PercorsoApp, p.catalogo, vm);
         ScritturaMappe scrittura(p.linea, p.PercorsoApp, vm);

@@ -21,10 +21,10 @@ public:
                         .arg(r.Valore[2])
                         .arg(m_s.EcuInMarcia);
     }
-    void statoTaratura(int stato, bool sequenza, const RecordDati &r) override
+    void statoTaratura(int stato, bool inSequenza, const RecordDati &r) override
     {
         chiamate << QStringLiteral("%1 %2 rpm %3 running %4")
-                        .arg(sequenza ? "sequence" : "single")
+                        .arg(inSequenza ? "sequence" : "single")
                         .arg(stato)
                         .arg(r.Valore[2])
                         .arg(m_s.EcuInMarcia);

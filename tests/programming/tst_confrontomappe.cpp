@@ -6,6 +6,7 @@
 #include "base/Lingua.h"
 #include "support/FileDiProva.h"
 #include "support/ProgrammaSimulato.h"
+#include "support/VistaMappeMuta.h"
 
 #include "archives/StoricoEcu.h"
 #include "calibration/TaraturaParametri.h"
@@ -21,17 +22,6 @@ using namespace kv;
 using namespace kv::Par;
 
 namespace {
-
-struct VistaMuta : VistaMappe
-{
-    void mostraSegnalazione(const Messaggio &) override {}
-    void abilitaPagina(bool) override {}
-    void mostraAvanzamento(int, int) override {}
-    void nascondiAvanzamento() override {}
-    void beep() override {}
-    int domanda(const Messaggio &, int, const Messaggio &) override { return RispostaSiMappe; }
-    void chiudiPagina() override {}
-};
 
 MappaDecodificata decodifica(const QByteArray &immagine, ScalaLambdaMappa scala = {})
 {
@@ -88,7 +78,7 @@ private slots:
         for (const Caso &c : casi)
             QVERIFY(ecu->scriviMemoria(c.dove, QByteArray::fromHex(c.byte)));
         QVERIFY(ecu->scriviMemoria(0x015B, QByteArray(1, '\x07'))); // ScalaLambda, in RAM only
-        VistaMuta vista;
+        VistaMappeMuta vista;
         LetturaMappe lettura(p->linea, p->PercorsoApp, p->catalogo, vista);
         const ChiaveMappa chiave{"LPG", "Fiat", "Punto", "base"};
         lettura.Leggi(chiave, {});

@@ -1,5 +1,7 @@
 #include "monitoring/ui/GraficoStriscia.h"
 
+#include "monitoring/ui/ColoriGrafico.h"
+
 #include "variables/Formato.h"
 
 #include <QEvent>
@@ -15,11 +17,7 @@ namespace kv {
 
 namespace {
 
-const QColor Fondo(0x12, 0x17, 0x1C);
-const QColor FondoTracciato(0x0A, 0x0E, 0x11);
-const QColor Griglia(0x3C, 0x47, 0x52);
-const QColor Cifre(0xE8, 0xEC, 0xEF);
-const QColor TitoloX(0xB8, 0xC2, 0xCA);
+using namespace ColoriGrafico;
 
 constexpr double SpessoreTraccia = 3.0;
 constexpr double SpessoreCursore = 2.5;

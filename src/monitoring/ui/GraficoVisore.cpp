@@ -1,5 +1,7 @@
 #include "monitoring/ui/GraficoVisore.h"
 
+#include "monitoring/ui/ColoriGrafico.h"
+
 #include "monitoring/Canali.h"
 #include "monitoring/ModelloVisore.h"
 #include "monitoring/ScalaGrafici.h"
@@ -17,12 +19,7 @@ namespace kv {
 
 namespace {
 
-// The live strip chart's ground and grid, so that both read alike.
-const QColor Fondo(0x12, 0x17, 0x1C);
-const QColor FondoTracciato(0x0A, 0x0E, 0x11);
-const QColor Griglia(0x3C, 0x47, 0x52);
-const QColor Cifre(0xE8, 0xEC, 0xEF);
-const QColor TitoloX(0xB8, 0xC2, 0xCA);
+using namespace ColoriGrafico;
 const QColor ColoreCursore(0x66, 0xDD, 0x6A);
 const QColor ColoreSecondo(0xFF, 0x60, 0x5C);
 

@@ -11,13 +11,9 @@
 #include "shell/StatoMenu.h"
 #include "shell/ui/MsgBox1.h"
 
-#include <QComboBox>
-#include <QGridLayout>
-#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHideEvent>
 #include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QShortcut>
@@ -106,34 +102,7 @@ ModificaSenzaEcu::ModificaSenzaEcu(QString percorsoApp, const Lingua &lingua, bo
             apriPagina(IdPagina(item->data(RuoloChiave).toInt()));
     });
 
-    m_boxSalva = new QGroupBox(m_banco);
-    m_boxSalva->setObjectName(QStringLiteral("BoxSalva"));
-    auto *salva = new QGridLayout(m_boxSalva);
-    m_impianto = new QComboBox(m_boxSalva);
-    m_impianto->setObjectName(QStringLiteral("Impianto"));
-    for (const QLatin1String i : FileMappa::Impianti)
-        m_impianto->addItem(i);
-    const char *nomi[] = {"NomeMarca", "NomeModello", "NomeFlyMod", "Note"};
-    for (QLabel *&e : m_etichette)
-        e = new QLabel(m_boxSalva);
-    m_etichette[0]->setBuddy(m_impianto);
-    salva->addWidget(m_etichette[0], 0, 0);
-    salva->addWidget(m_impianto, 1, 0);
-    for (size_t i = 0; i < m_campi.size(); ++i) {
-        m_campi[i] = new QLineEdit(m_boxSalva);
-        m_campi[i]->setObjectName(QString::fromLatin1(nomi[i]));
-        if (i < 3)
-            connect(m_campi[i], &QLineEdit::textEdited, m_campi[i], [e = m_campi[i]](const QString &t) {
-                // What a name may not hold never gets in, typed or pasted.
-                if (FiltraNome(t) != t)
-                    e->setText(FiltraNome(t));
-            });
-        m_etichette[i + 1]->setBuddy(m_campi[i]);
-        salva->addWidget(m_etichette[i + 1], 0, int(i) + 1);
-        salva->addWidget(m_campi[i], 1, int(i) + 1);
-    }
-    salva->setColumnStretch(4, 1);
-    salva->addWidget(m_salva, 1, 5);
+    m_boxSalva = new BoxSalvaMappa(m_salva, m_banco);
 
     m_segnalazione = new QLabel(m_banco);
     m_segnalazione->setObjectName(QStringLiteral("Segnalazione1"));
@@ -213,11 +182,7 @@ void ModificaSenzaEcu::carica()
     m_apri->setText(testo(QStringLiteral("APRI")));
     m_labMappa->setText(testo(QStringLiteral("LABMAPPA")));
     m_labPagine->setText(testo(QStringLiteral("LABPAGINE")));
-    m_boxSalva->setTitle(testo(QStringLiteral("BOXSALVA.CAPTION")));
-    for (int i = 0; i < int(m_etichette.size()); ++i)
-        m_etichette[size_t(i)]->setText(
-            m_lingua.LeggiTesto(QStringLiteral("ReadMappe"), QStringLiteral("LABCAMPO.") + QString::number(i))
-                .trimmed());
+    m_boxSalva->caricaTesti(m_lingua, testo(QStringLiteral("BOXSALVA.CAPTION")));
     m_salva->setText(testo(QStringLiteral("SALVA")));
     m_esci->setText(QLatin1Char('&') + m_lingua.LeggiTesto("TASTI", "ESCI").trimmed()
                     + QStringLiteral("  (Esc)"));
@@ -325,11 +290,7 @@ bool ModificaSenzaEcu::apriMappa(const ChiaveMappa &chiave)
         return false;
     m_mappa = std::make_unique<MappaSenzaEcu>(m);
     const ChiaveMappa &k = m_mappa->chiave();
-    m_impianto->setCurrentIndex(qMax(0, m_impianto->findText(k.impianto, Qt::MatchFixedString)));
-    m_campi[0]->setText(k.marca);
-    m_campi[1]->setText(k.modello);
-    m_campi[2]->clear();
-    m_campi[3]->setText(m.nota.value_or(QString()));
+    m_boxSalva->imposta(k, m.nota.value_or(QString()));
     riempiPagine();
     mostraMappa();
     mostraSegnalazione(testo(QStringLiteral("APERTA")).replace(QLatin1String("XXX"), nome));
@@ -385,29 +346,18 @@ void ModificaSenzaEcu::Salva()
         mostraSegnalazione(testo(QStringLiteral("SCEGLIMAPPA")));
         return;
     }
-    const ChiaveMappa chiave{m_impianto->currentText(), m_campi[0]->text(), m_campi[1]->text(),
-                             m_campi[2]->text()};
-    const PercorsoMappa percorso = PercorsoFileMappa(m_percorsoApp, chiave);
-    const QString sezione = QStringLiteral("ReadMappe");
-    if (percorso.errore == PercorsoMappa::Errore::Nome) {
-        const int campo = percorso.nomi.campo;
-        mostraSegnalazione(
-            m_lingua.LeggiTesto(sezione, QStringLiteral("LABCAMPO.%1").arg(campo)).trimmed()
-            + QStringLiteral(": ")
-            + m_lingua.LeggiTesto(sezione, QStringLiteral("NOME.%1").arg(int(percorso.nomi.errore)))
-                  .replace(QLatin1String("XXX"), QString::number(LunghezzaMassimaNome(campo))));
-        m_campi[size_t(qBound(1, campo, 3) - 1)]->setFocus();
-        return;
-    }
+    const ChiaveMappa chiave = m_boxSalva->chiave();
+    Messaggio motivo;
+    const PercorsoMappa percorso = m_boxSalva->percorso(m_percorsoApp, motivo);
     if (!percorso.ok()) {
-        mostraSegnalazione(m_lingua.LeggiTesto(sezione, QStringLiteral("NOME.9")));
+        mostraSegnalazione(m_lingua.testo(motivo));
         return;
     }
     // Over the opened map, or any other, only when the fitter says so.
     if (EsisteMappa(percorso)
         && domanda(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_8"), FlagDomanda) != RispostaSi)
         return;
-    const EsitoSalvataggio e = m_mappa->salva(m_percorsoApp, chiave, m_campi[3]->text());
+    const EsitoSalvataggio e = m_mappa->salva(m_percorsoApp, chiave, m_boxSalva->nota());
     if (!e.ok()) {
         mostraSegnalazione(m_lingua.LeggiTesto(QStringLiteral("ConfrontoMappe"),
                                                e.errore == EsitoSalvataggio::Errore::Verifica

@@ -3,7 +3,10 @@
 #include "programming/FileMappa.h"
 #include "shell/IdPagina.h"
 
+#include "shell/ui/BoxSalvaMappa.h"
+
 #include <QPointer>
+
 #include <QWidget>
 
 #include <array>
@@ -11,7 +14,6 @@
 #include <memory>
 
 class QComboBox;
-class QGroupBox;
 class QLabel;
 class QLineEdit;
 class QListWidget;
@@ -57,9 +59,9 @@ public:
     TelaioMessaPunto *pagina() const { return m_pagina; }
     QTreeWidget *LMappe() const { return m_albero; }
     QListWidget *Pagine() const { return m_pagine; }
-    QComboBox *Impianto() const { return m_impianto; }
+    QComboBox *Impianto() const { return m_boxSalva->impianto(); }
     // Make, model, map name and note of the map it is filed as.
-    QLineEdit *campo(int n) const { return m_campi[size_t(n)]; }
+    QLineEdit *campo(int n) const { return m_boxSalva->campo(n); }
     QString segnalazione() const;
 
 signals:
@@ -98,10 +100,7 @@ private:
     QLabel *m_labPagine;
     QListWidget *m_pagine;
     QPushButton *m_apri;
-    QGroupBox *m_boxSalva;
-    QComboBox *m_impianto;
-    std::array<QLabel *, 5> m_etichette{};
-    std::array<QLineEdit *, 4> m_campi{};
+    BoxSalvaMappa *m_boxSalva;
     QPushButton *m_salva;
     QPushButton *m_esci;
     QLabel *m_segnalazione;

@@ -13,7 +13,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
-#include <QGroupBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
@@ -193,34 +192,7 @@ ConfrontoMappe::ConfrontoMappe(QString percorsoApp, const Catalogo &catalogo, co
     destra->addLayout(filtro);
     destra->addLayout(copie);
 
-    m_boxSalva = new QGroupBox(this);
-    m_boxSalva->setObjectName(QStringLiteral("BoxSalva"));
-    auto *salva = new QGridLayout(m_boxSalva);
-    m_impianto = new QComboBox(m_boxSalva);
-    m_impianto->setObjectName(QStringLiteral("Impianto"));
-    for (const QLatin1String i : FileMappa::Impianti)
-        m_impianto->addItem(i);
-    const char *nomi[] = {"NomeMarca", "NomeModello", "NomeFlyMod", "Note"};
-    for (size_t i = 0; i < m_etichette.size(); ++i)
-        m_etichette[i] = new QLabel(m_boxSalva);
-    m_etichette[0]->setBuddy(m_impianto);
-    salva->addWidget(m_etichette[0], 0, 0);
-    salva->addWidget(m_impianto, 1, 0);
-    for (size_t i = 0; i < m_campi.size(); ++i) {
-        m_campi[i] = new QLineEdit(m_boxSalva);
-        m_campi[i]->setObjectName(QString::fromLatin1(nomi[i]));
-        if (i < 3)
-            connect(m_campi[i], &QLineEdit::textEdited, m_campi[i], [e = m_campi[i]](const QString &t) {
-                // What a name may not hold never gets in, typed or pasted.
-                if (FiltraNome(t) != t)
-                    e->setText(FiltraNome(t));
-            });
-        m_etichette[i + 1]->setBuddy(m_campi[i]);
-        salva->addWidget(m_etichette[i + 1], 0, int(i) + 1);
-        salva->addWidget(m_campi[i], 1, int(i) + 1);
-    }
-    salva->setColumnStretch(4, 1);
-    salva->addWidget(m_salva, 1, 5);
+    m_boxSalva = new BoxSalvaMappa(m_salva, this);
 
     m_segnalazione = new QLabel(this);
     m_segnalazione->setObjectName(QStringLiteral("Segnalazione1"));
@@ -295,11 +267,7 @@ void ConfrontoMappe::carica()
     m_soloDifferenze->setText(testo(QStringLiteral("SOLODIFFERENZE")));
     for (int c = 0; c < int(m_copie.size()); ++c)
         m_copie[size_t(c)]->setText(testo(QStringLiteral("COPIA.%1").arg(c)));
-    m_boxSalva->setTitle(testo(QStringLiteral("BOXSALVA.CAPTION")));
-    for (int i = 0; i < int(m_etichette.size()); ++i)
-        m_etichette[size_t(i)]->setText(
-            m_lingua.LeggiTesto(QStringLiteral("ReadMappe"), QStringLiteral("LABCAMPO.") + QString::number(i))
-                .trimmed());
+    m_boxSalva->caricaTesti(m_lingua, testo(QStringLiteral("BOXSALVA.CAPTION")));
     m_salva->setText(testo(QStringLiteral("SALVA")));
     m_esci->setText(QLatin1Char('&') + m_lingua.LeggiTesto("TASTI", "ESCI").trimmed()
                     + QStringLiteral("  (Esc)"));
@@ -319,9 +287,9 @@ void ConfrontoMappe::carica()
     QList<QWidget *> ordine = {m_albero, m_prendi[A], m_prendi[B], m_schede->tabBar(), m_parametri};
     for (const auto &coppia : m_griglie)
         ordine << coppia[A] << coppia[B];
-    ordine << m_soloDifferenze << m_copie[0] << m_copie[1] << m_copie[2] << m_impianto;
-    for (QLineEdit *c : m_campi)
-        ordine << c;
+    ordine << m_soloDifferenze << m_copie[0] << m_copie[1] << m_copie[2] << m_boxSalva->impianto();
+    for (int i = 0; i < 4; ++i)
+        ordine << m_boxSalva->campo(i);
     ordine << m_salva << m_esci;
     for (qsizetype i = 1; i < ordine.size(); ++i)
         setTabOrder(ordine.at(i - 1), ordine.at(i));
@@ -363,12 +331,7 @@ bool ConfrontoMappe::scegliArchiviata(Lato lato, const ChiaveMappa &chiave)
         m_albero->scrollTo(i);
     }
     if (lato == A) {
-        m_impianto->setCurrentIndex(
-            qMax(0, m_impianto->findText(m.percorso.chiave.impianto, Qt::MatchFixedString)));
-        m_campi[0]->setText(m.percorso.chiave.marca);
-        m_campi[1]->setText(m.percorso.chiave.modello);
-        m_campi[2]->clear();
-        m_campi[3]->clear();
+        m_boxSalva->imposta(m.percorso.chiave, {});
     }
     impostaSorgente(lato, {SorgenteMappa::Tipo::Archivio, nome, m.mappa.immagine,
                            ScalaDa(m.scalaLambda, OrigineScala::Archivio)});
@@ -646,22 +609,11 @@ void ConfrontoMappe::Salva()
         mostraSegnalazione(testo(QStringLiteral("NESSUNA")));
         return;
     }
-    const ChiaveMappa chiave{m_impianto->currentText(), m_campi[0]->text(), m_campi[1]->text(),
-                             m_campi[2]->text()};
-    const PercorsoMappa percorso = PercorsoFileMappa(m_percorsoApp, chiave);
-    const QString sezione = QStringLiteral("ReadMappe");
-    if (percorso.errore == PercorsoMappa::Errore::Nome) {
-        const int campo = percorso.nomi.campo;
-        mostraSegnalazione(
-            m_lingua.LeggiTesto(sezione, QStringLiteral("LABCAMPO.%1").arg(campo)).trimmed()
-            + QStringLiteral(": ")
-            + m_lingua.LeggiTesto(sezione, QStringLiteral("NOME.%1").arg(int(percorso.nomi.errore)))
-                  .replace(QLatin1String("XXX"), QString::number(LunghezzaMassimaNome(campo))));
-        m_campi[size_t(qBound(1, campo, 3) - 1)]->setFocus();
-        return;
-    }
+    const ChiaveMappa chiave = m_boxSalva->chiave();
+    Messaggio motivo;
+    const PercorsoMappa percorso = m_boxSalva->percorso(m_percorsoApp, motivo);
     if (!percorso.ok()) {
-        mostraSegnalazione(m_lingua.LeggiTesto(sezione, QStringLiteral("NOME.9")));
+        mostraSegnalazione(m_lingua.testo(motivo));
         return;
     }
     if (EsisteMappa(percorso)
@@ -671,7 +623,7 @@ void ConfrontoMappe::Salva()
     const std::optional<double> scala =
         a.scala.origine == OrigineScala::Presunta ? std::nullopt : std::optional(a.scala.valore);
     const EsitoSalvataggio e =
-        SalvaImmagineMappa(m_percorsoApp, chiave, a.immagine, m_campi[3]->text(), scala);
+        SalvaImmagineMappa(m_percorsoApp, chiave, a.immagine, m_boxSalva->nota(), scala);
     switch (e.errore) {
     case EsitoSalvataggio::Errore::Nessuno:
         break;

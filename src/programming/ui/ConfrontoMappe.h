@@ -3,6 +3,8 @@
 #include "pages/ConfrontoMappe.h"
 #include "programming/FileMappa.h"
 
+#include "shell/ui/BoxSalvaMappa.h"
+
 #include <QWidget>
 
 #include <array>
@@ -11,7 +13,6 @@
 
 class QCheckBox;
 class QComboBox;
-class QGroupBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -94,8 +95,8 @@ public:
     QTabWidget *Schede() const { return m_schede; }
     QTableWidget *griglia(int indice, Lato lato) const { return m_griglie[size_t(indice)][size_t(lato)]; }
     // Kit, make, model, map name and note of the map A is saved as.
-    QComboBox *Impianto() const { return m_impianto; }
-    QLineEdit *campo(int n) const { return m_campi[size_t(n)]; }
+    QComboBox *Impianto() const { return m_boxSalva->impianto(); }
+    QLineEdit *campo(int n) const { return m_boxSalva->campo(n); }
     QString segnalazione() const;
 
 signals:
@@ -146,10 +147,7 @@ private:
     QLabel *m_conteggio;
     std::array<std::array<QTableWidget *, 2>, 3> m_griglie{};
     std::array<QPushButton *, 3> m_copie{};
-    QGroupBox *m_boxSalva;
-    QComboBox *m_impianto;
-    std::array<QLabel *, 5> m_etichette{};
-    std::array<QLineEdit *, 4> m_campi{};
+    BoxSalvaMappa *m_boxSalva;
     QPushButton *m_salva;
     QPushButton *m_esci;
     QLabel *m_segnalazione;

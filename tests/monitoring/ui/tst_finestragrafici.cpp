@@ -125,17 +125,17 @@ private slots:
     // The working zones are the longest texts a row shows.
     void everyZoneReadsWholeInItsRow_data()
     {
-        QTest::addColumn<QString>("lingua");
+        QTest::addColumn<QString>("nomeLingua");
         QTest::newRow("English") << "ENGLISH";
         QTest::newRow("Italian") << "ITALIANO";
     }
 
     void everyZoneReadsWholeInItsRow()
     {
-        QFETCH(QString, lingua);
+        QFETCH(QString, nomeLingua);
         apri();
         Lingua distribuita(QStringLiteral(KV_SOURCE_DIR "/lang"));
-        distribuita.LinguaCorrente = lingua;
+        distribuita.LinguaCorrente = nomeLingua;
         RigaDatoGrafico *riga = g->riga(0);
         for (const char *zona : {"ZONA.1", "ZONA.2", "ZONA.3", "ZONA.4", "ZONA.5", "ZONA.99"}) {
             const QString t = distribuita.LeggiTesto("ZONE", zona);

@@ -3,6 +3,7 @@
 // was; and the ECU now, taken as a side of the compare page, is the simulator's memory.
 
 #include "support/ProgrammaSimulato.h"
+#include "support/VistaMappeMuta.h"
 
 #include "pages/ui/CampoDato.h"
 #include "pages/ui/MP_Minimo.h"
@@ -16,17 +17,6 @@
 using namespace kv;
 
 namespace {
-
-struct VistaMuta : VistaMappe
-{
-    void mostraSegnalazione(const Messaggio &) override {}
-    void abilitaPagina(bool) override {}
-    void mostraAvanzamento(int, int) override {}
-    void nascondiAvanzamento() override {}
-    void beep() override {}
-    int domanda(const Messaggio &, int, const Messaggio &) override { return RispostaSiMappe; }
-    void chiudiPagina() override {}
-};
 
 bool libera(SessioneLinea &linea)
 {
@@ -91,7 +81,7 @@ private slots:
         QCOMPARE(ecu->leggiMemoria(0xC100, 512), prima); // no ECU was behind the page
         QVERIFY(mappa.salva(cartella.path(), nuova, {}).ok());
 
-        VistaMuta vista;
+        VistaMappeMuta vista;
         ScritturaMappe scrittura(p->linea, p->PercorsoApp, vista);
         scrittura.ProgrammaMappa(nuova, false);
         QVERIFY(libera(p->linea));
