@@ -22,35 +22,10 @@
 
 using namespace kv;
 
-class TestScambio : public QObject
+class TestScambio : public QObject, BancoScambio
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> m_dir;
-    QString app;
-    Lingua lingua;
-    QStringList domande;
-
-    QString p(const QString &relativo) const { return m_dir->filePath(relativo); }
-    QString testo(const char *sezione, const char *chiave, const QString &al = {}) const
-    {
-        return lingua.testo(MessaggioScambio(Messaggio(sezione, chiave), al));
-    }
-    QString testo(const Messaggio &m) const { return lingua.testo(m); }
-    QStringList avvisi(const EsitoScambio &esito) const
-    {
-        QStringList t;
-        for (const Messaggio &m : esito.avvisi)
-            t << lingua.testo(m);
-        return t;
-    }
-    DomandaScambio rispondi(QList<bool> risposte)
-    {
-        return [this, risposte](const Messaggio &t) mutable {
-            domande << lingua.testo(t);
-            return risposte.isEmpty() || risposte.takeFirst();
-        };
-    }
     void software(const QString &nome, const QString &versione, const QByteArray &file)
     {
         Archivio db;
@@ -74,17 +49,9 @@ class TestScambio : public QObject
 private slots:
     void init()
     {
-        m_dir = std::make_unique<QTemporaryDir>();
-        QVERIFY(m_dir->isValid());
-        app = p("app");
-        QVERIFY(QDir().mkpath(p("app/MAPPATURE/LPG/Fiat/Punto")) && QDir().mkpath(p("app/SOFTWARE/FILES19")));
-        QVERIFY(QDir().mkpath(p("fuori/cartella")));
+        prepara({"app/MAPPATURE/LPG/Fiat/Punto", "app/SOFTWARE/FILES19", "fuori/cartella"});
         scrivi(p("app/MAPPATURE/LPG/Fiat/Punto/base.LKV"), "a map");
         scrivi(p("fuori/segreto.txt"), "outside");
-        QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), p("app/ENGLISH.LNG")));
-        lingua = Lingua(app);
-        lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        domande.clear();
     }
 
     void cartellaDelMezzo_data()

@@ -5,12 +5,13 @@
 #include "EcuSimulata.h"
 #include "FileS19.h"
 #include "base/Lingua.h"
+#include "support/FileDiProva.h"
+#include "support/MappaDiProva.h"
 #include "support/VistaMappeMuta.h"
 
 #include "link/PortaSeriale.h"
 #include "programming/DialogoMappe.h"
 #include "programming/DialogoProgSW.h"
-#include "programming/FileBlocchi.h"
 #include "shell/Programma.h"
 
 #include <QDir>
@@ -55,27 +56,6 @@ struct VistaProgSWProva : VistaProgSW
     void mostraMsg(const Messaggio &, int, const Messaggio &) override {}
     bool chiedi(const Messaggio &, const Messaggio &) override { return true; }
 };
-
-QByteArray comeFile(const QByteArray &immagine)
-{
-    QByteArray testo;
-    for (qsizetype i = 0; i < immagine.size(); i += 64)
-        testo += RecordBlocco(immagine.mid(i, 64));
-    return testo;
-}
-
-QByteArray leggi(const QString &percorso)
-{
-    QFile f(percorso);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
-}
-
-bool scrivi(const QString &percorso, const QByteArray &dati)
-{
-    QFile f(percorso);
-    return QDir().mkpath(QFileInfo(percorso).path()) && f.open(QIODevice::WriteOnly)
-           && f.write(dati) == dati.size();
-}
 
 } // namespace
 
@@ -155,13 +135,13 @@ private slots:
         QByteArray mappa(512, '\0');
         for (int i = 0; i < mappa.size(); ++i)
             mappa[i] = char(i * 7);
-        QVERIFY(scrivi(file("BASE.LKV"), comeFile(mappa)));
-        QVERIFY(scrivi(file("CUT.LKV"), comeFile(mappa).left(5 * 130 + 60)));
-        QVERIFY(scrivi(file("R2.S19"), RilascioDemo()));
+        scrivi(file("BASE.LKV"), comeFile(mappa));
+        scrivi(file("CUT.LKV"), comeFile(mappa).left(5 * 130 + 60));
+        scrivi(file("R2.S19"), RilascioDemo());
         QByteArray s19 = RilascioDemo();
         const qsizetype riga3 = s19.indexOf('\n', s19.indexOf('\n') + 1) + 1;
         s19[riga3 + 20] = s19[riga3 + 20] == '0' ? '1' : '0'; // the checksum no longer holds
-        QVERIFY(scrivi(file("BAD.S19"), s19));
+        scrivi(file("BAD.S19"), s19);
     }
 
     void eachCommandPutsTheProgramsBytesOnTheLine_data()

@@ -6,6 +6,7 @@
 #include "base/Lingua.h"
 #include "support/DiscoPieno.h"
 #include "support/FileDiProva.h"
+#include "support/MappaDiProva.h"
 #include "support/ProgrammaSimulato.h"
 #include "support/TestiDiProva.h"
 
@@ -101,14 +102,6 @@ QByteArray disegno(int seme)
     for (int i = 0; i < b.size(); ++i)
         b[i] = char((i * 7 + seme * 31) & 0xFF);
     return b;
-}
-
-QByteArray comeFile(const QByteArray &dati)
-{
-    QByteArray testo;
-    for (qsizetype i = 0; i < dati.size(); i += 64)
-        testo += RecordBlocco(dati.mid(i, 64));
-    return testo;
 }
 
 // Letter and address of every request written, as "W C100".

@@ -52,35 +52,10 @@ QStringList testi(const QList<ChiaveMappa> &chiavi)
 
 } // namespace
 
-class TestScambioMappe : public QObject
+class TestScambioMappe : public QObject, BancoScambio
 {
     Q_OBJECT
 
-    std::unique_ptr<QTemporaryDir> m_dir;
-    QString app;
-    Lingua lingua;
-    QStringList domande;
-
-    QString p(const QString &relativo) const { return m_dir->filePath(relativo); }
-    QString testo(const char *sezione, const char *chiave, const QString &al = {}) const
-    {
-        return lingua.testo(MessaggioScambio(Messaggio(sezione, chiave), al));
-    }
-    QString testo(const Messaggio &m) const { return lingua.testo(m); }
-    QStringList avvisi(const EsitoScambio &esito) const
-    {
-        QStringList t;
-        for (const Messaggio &m : esito.avvisi)
-            t << lingua.testo(m);
-        return t;
-    }
-    DomandaScambio rispondi(QList<bool> risposte)
-    {
-        return [this, risposte](const Messaggio &t) mutable {
-            domande << lingua.testo(t);
-            return risposte.isEmpty() || risposte.takeFirst();
-        };
-    }
     // A map of the archive: its row (unless riga is false) and its file (unless byte is null).
     void mappa(const QString &chiave, const QByteArray &byte, const QString &nota = {}, bool riga = true)
     {
@@ -116,15 +91,8 @@ class TestScambioMappe : public QObject
 private slots:
     void init()
     {
-        m_dir = std::make_unique<QTemporaryDir>();
-        QVERIFY(m_dir->isValid());
-        app = p("app");
-        QVERIFY(QDir().mkpath(p("app/MAPPATURE")) && QDir().mkpath(p("fuori")));
+        prepara({"app/MAPPATURE", "fuori"});
         scrivi(p("fuori/segreto.txt"), "outside");
-        QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), p("app/ENGLISH.LNG")));
-        lingua = Lingua(app);
-        lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        domande.clear();
     }
 
     void sceltaDeiDueAlberi()

@@ -278,26 +278,6 @@ private slots:
         QCOMPARE(b.frame.size(), 10);
         QCOMPARE(b.flusso('d').size(), 10);
     }
-
-    void frameInArrivo()
-    {
-        Banco b;
-        // One byte at a time, after noise.
-        b.ecu.riceviDati(QByteArray::fromHex("FF0055"));
-        for (char c : CreaFrame("V"))
-            b.ecu.riceviDati(QByteArray(1, c));
-        QCOMPARE(b.risposte().size(), 1);
-
-        // A bad checksum is ignored; the good frame right behind it is answered.
-        QByteArray guasto = CreaFrame("V");
-        guasto[guasto.size() - 2] = char(guasto.at(guasto.size() - 2) + 1);
-        QCOMPARE(b.risposta(guasto + ComandoLettura(0xC040, 2)).left(1), QByteArray("r"));
-        // A frame in the ECU's own address order is not a command.
-        b.risposta(CreaFrame("V", 0));
-        QVERIFY(b.risposte().isEmpty());
-        // A length byte below the frame's minimum costs only its STX.
-        QCOMPARE(b.risposta(QByteArray::fromHex("0281") + CreaFrame("V")).left(1), QByteArray("v"));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestEcuSimulata)

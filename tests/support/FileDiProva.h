@@ -5,6 +5,7 @@
 
 #include <QByteArray>
 #include <QCryptographicHash>
+#include <QDir>
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
@@ -14,8 +15,10 @@
 
 namespace kv {
 
+// The folder is made first when it is not there.
 inline void scrivi(const QString &percorso, const QByteArray &byte)
 {
+    QVERIFY(QDir().mkpath(QFileInfo(percorso).path()));
     QFile f(percorso);
     QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
     QCOMPARE(f.write(byte), byte.size());

@@ -1,14 +1,23 @@
 #pragma once
 
 // A catalogue written straight with SQL, as a crafted medium would hold it (any rows, no key
-// checks).
+// checks), and the bench the exchange tests share: a fresh folder with the program in app/,
+// the English texts, and the questions asked.
 
 #include "support/FileDiProva.h"
 
+#include "archives/ScambioSoftware.h"
+#include "base/Lingua.h"
+
+#include <QDir>
+#include <QFile>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QStringList>
+#include <QTemporaryDir>
 #include <QTest>
+
+#include <memory>
 
 namespace kv {
 
@@ -37,5 +46,47 @@ inline void catalogoGrezzo(const QString &file, const QString &tabella, const QS
     }
     QSqlDatabase::removeDatabase(connessione);
 }
+
+struct BancoScambio
+{
+    std::unique_ptr<QTemporaryDir> m_dir;
+    QString app;
+    Lingua lingua;
+    QStringList domande;
+
+    QString p(const QString &relativo) const { return m_dir->filePath(relativo); }
+    QString testo(const char *sezione, const char *chiave, const QString &al = {}) const
+    {
+        return lingua.testo(MessaggioScambio(Messaggio(sezione, chiave), al));
+    }
+    QString testo(const Messaggio &m) const { return lingua.testo(m); }
+    QStringList avvisi(const EsitoScambio &esito) const
+    {
+        QStringList t;
+        for (const Messaggio &m : esito.avvisi)
+            t << lingua.testo(m);
+        return t;
+    }
+    DomandaScambio rispondi(QList<bool> risposte)
+    {
+        return [this, risposte](const Messaggio &t) mutable {
+            domande << lingua.testo(t);
+            return risposte.isEmpty() || risposte.takeFirst();
+        };
+    }
+    // A fresh folder with app/ and its folders, and the English texts.
+    void prepara(const QStringList &cartelle)
+    {
+        m_dir = std::make_unique<QTemporaryDir>();
+        QVERIFY(m_dir->isValid());
+        app = p("app");
+        for (const QString &c : cartelle)
+            QVERIFY(QDir().mkpath(p(c)));
+        QVERIFY(QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/ENGLISH.LNG"), p("app/ENGLISH.LNG")));
+        lingua = Lingua(app);
+        lingua.LinguaCorrente = QStringLiteral("ENGLISH");
+        domande.clear();
+    }
+};
 
 } // namespace kv

@@ -6,8 +6,6 @@
 #include "base/Lingua.h"
 #include "support/ProgrammaSimulato.h"
 
-#include "monitoring/ui/RegistroStrumenti.h"
-#include "monitoring/ui/Strumenti.h"
 #include "pages/DialogoPagina.h"
 #include "pages/ui/CampoDato.h"
 #include "pages/ui/MP_Minimo.h"
@@ -91,7 +89,6 @@ class TstTelaioMessaPunto : public QObject, ProgrammaSimulato
     Pagina *apriDalMenu(Korvantine &finestra, IdPagina id)
     {
         RegistraPagineMessaPunto(finestra);
-        RegistraStrumenti(finestra);
         finestra.avvia();
         auto *aperta = qobject_cast<Pagina *>(finestra.apriPagina(id));
         return aperta && attendi() && finestra.idPaginaAttiva() == id ? aperta : nullptr;
@@ -300,7 +297,7 @@ private slots:
         QCOMPARE(sfondo(dato(3)), Rosso);
     }
 
-    void adaptiveTpsLocksItsFieldsYetApplySendsThem()
+    void adaptiveTpsLocksItsFields()
     {
         p->catalogo.Valori[Par::TpsAutoadattante].Letto = 0;
         apri();
@@ -313,10 +310,6 @@ private slots:
         QTest::keyClicks(dato(2), "9 ");
         QCOMPARE(dato(2)->text().trimmed(), QString("25"));
         QCOMPARE(sfondo(dato(2)), QColor(Qt::black));
-        voce(Par::SogliaTpsEntrataMinimo, 0);
-        tasto("Applica")->click();
-        QVERIFY(attendi());
-        QCOMPARE(ram(Par::SogliaTpsEntrataMinimo), 100);
     }
 
     void livePanelFollowsTheStream()
@@ -357,16 +350,6 @@ private slots:
         QTRY_COMPARE(detto, p->lingua.LeggiTesto("MESSAPUNTO", "LINEA_PERSA").replace("XXX", titolo));
     }
 
-    void closedPortShowsNoParametersAndEscLeaves()
-    {
-        porta->chiudi();
-        apri(false);
-        QVERIFY(!pagina->findChild<QWidget *>("BOXMINIMO")->isVisible() && porta->scritti.isEmpty());
-        QSignalSpy chiusure(pagina.get(), &TelaioMessaPunto::chiusa);
-        QTest::keyClick(pagina.get(), Qt::Key_Escape);
-        QCOMPARE(chiusure.size(), 1);
-    }
-
     void idlePageAsksThroughTheMainWindowsBox()
     {
         Korvantine finestra(*p);
@@ -394,15 +377,6 @@ private slots:
         QVERIFY(finestra.idPaginaAttiva() != IdPagina::MP_Minimo);
         QCOMPARE(riga->text(), QString());                // the page's word went with it
         QCOMPARE(ram(Par::SogliaGiriEntrataMinimo), 900); // No: the opening value is back
-    }
-
-    void instrumentsComeAndGoThroughTheMainWindow()
-    {
-        Korvantine finestra(*p);
-        auto *strumenti = apriDalMenu<Strumenti>(finestra, IdPagina::Strumenti);
-        QVERIFY(strumenti);
-        strumenti->Esci();
-        QVERIFY(!finestra.paginaAperta(strumenti));
     }
 };
 

@@ -86,21 +86,6 @@ private slots:
         QCOMPARE(a.frame->windowTitle(), a.testo("Comunicazione", "CAPTION"));
     }
 
-    void aGFrameClosesTheMenuAtItsNextRefresh()
-    {
-        Ambiente a;
-        MainLambda *m = a.menu();
-        QTest::keyClick(m, Qt::Key_F3);
-        a.arriva("g\x01");
-        QCOMPARE(a.ecu().EcuNormale, false);
-        QVERIFY(boxVisibile(m));
-        a.frame->AggiornaMenu();
-        QVERIFY(!boxVisibile(m));
-        QCOMPARE(a.statoMenu().FunzioneScelta(), Funzione::Nessuna);
-        QCOMPARE(abilitate(m, false), QStringLiteral("10001"));
-        QTest::keyClick(m, Qt::Key_F2);
-        QCOMPARE(a.statoMenu().FunzioneScelta(), Funzione::Nessuna);
-    }
     void identificationHoldsTheFrameAndTheStripFollows()
     {
         Ambiente a(false);
