@@ -120,19 +120,11 @@ private slots:
         QTest::keyClick(a.sullaPagina<QListWidget>("Seriali"), Qt::Key_F2);
         QCOMPARE(FileIni::leggi(ini, "SERIALE", "Porta"), QStringLiteral("/dev/ttyUSB0"));
         QCOMPARE(FileIni::leggi(ini, "SERIALE", "Baudrate"), QStringLiteral("38400"));
-        QCOMPARE(FileIni::leggi(ini, "IMPOSTAZIONI", "Lingua"), QStringLiteral("ENGLISH"));
         QCOMPARE(a.porta->aperture, 1);
         QCOMPARE(a.porta->ultime.dispositivo, QStringLiteral("/dev/ttyUSB0"));
         QCOMPARE(a.porta->ultime.velocita, 38400);
         QCOMPARE(a.programma->seriale.VelocitaCom, 38400);
         QVERIFY(a.menu());
-
-        QVERIFY(a.frame->apriPagina(IdPagina::Comunicazione));
-        QCOMPARE(scelta(a.sullaPagina<QListWidget>("Seriali")), QStringLiteral("/dev/ttyUSB0"));
-        scegli(a.sullaPagina<QListWidget>("Seriali"), "COM2");
-        a.sullaPagina("Salva")->click();
-        QCOMPARE(FileIni::leggi(ini, "SERIALE", "Porta"), QStringLiteral("COM2"));
-        QCOMPARE(a.porta->aperture, 2);
     }
 
     void aPortThatWillNotOpenIsToldAndThePageStillCloses()
