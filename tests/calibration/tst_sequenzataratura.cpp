@@ -6,7 +6,7 @@
 #include "calibration/TaraturaStriscia.h"
 #include "calibration/TelaioTaratura.h"
 #include "shell/Programma.h"
-#include "support/PortaFinta.h"
+#include "support/ProgrammaFinto.h"
 #include "support/TestiDiProva.h"
 #include "variables/Conversioni.h"
 
@@ -23,7 +23,7 @@ using namespace kv;
 namespace {
 
 // One live frame: status, TPS and lambda raw (0..1023), stepper, probe type.
-QByteArray dati(quint8 stato, int tps = 100, int lambda = 500, int motorino = 90, int sonda = 0)
+QByteArray frameDati(quint8 stato, int tps = 100, int lambda = 500, int motorino = 90, int sonda = 0)
 {
     QByteArray p("d");
     p += char(stato);
@@ -129,15 +129,10 @@ struct TelaioFinto : TelaioTaratura
 
 } // namespace
 
-class TstSequenzaTaratura : public QObject
+class TstSequenzaTaratura : public QObject, ProgrammaFinto
 {
     Q_OBJECT
 
-    QTemporaryDir cartella;
-    PortaFinta *porta = nullptr;
-    TemporizzatoreManuale *req = nullptr;
-    Lingua lingua; // lent to the program below, so it outlives it
-    std::unique_ptr<Programma> p;
     std::unique_ptr<TelaioFinto> telaio;
     std::unique_ptr<SequenzaTaratura> sequenza;
 
@@ -177,14 +172,7 @@ private slots:
 
     void init()
     {
-        auto pf = std::make_unique<PortaFinta>();
-        auto r = std::make_unique<TemporizzatoreManuale>();
-        porta = pf.get();
-        req = r.get();
-        lingua = Lingua(cartella.path());
-        p = std::make_unique<Programma>(
-            cartella.path(), lingua, std::move(pf), std::move(r), std::make_unique<TemporizzatoreManuale>(),
-            std::make_unique<TemporizzatoreManuale>(), std::make_unique<TemporizzatoreManuale>());
+        creaProgramma();
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
         p->canali.InizializzaCanali(cercaIn(p->lingua));
         p->linea.ecuDiProva().EcuDaIdentificare = false;
@@ -214,7 +202,7 @@ private slots:
         sequenza->avviaSequenza();
         QVERIFY(s.AttesaIniTaratura());
         // The ECU still in normal running is no news while the warning page is up.
-        arriva(dati(0));
+        arriva(frameDati(0));
         QVERIFY(telaio->messaggi.isEmpty());
         sequenza->TastoOK();
         QCOMPARE(porta->scritti.constLast(), CreaFrame(QByteArray("A\x02", 2)));
@@ -230,7 +218,7 @@ private slots:
         QVERIFY(s.AttesaIniTaratura()); // cleared by Cancel on the warning page alone
         // A 255 now, outside state 121, changes nothing.
         const qsizetype scritti = porta->scritti.size();
-        arriva(dati(255));
+        arriva(frameDati(255));
         QCOMPARE(s.TaraturaInCorso(), FaseTaratura::AttesaEcu);
         QVERIFY(!s.TaraturaCompleta());
         QCOMPARE(porta->scritti.size(), scritti);
@@ -238,9 +226,9 @@ private slots:
 
         // Again, answered: the first step's page (absent here) is asked for.
         sequenza->TastoOK();
-        arriva(dati(0));
+        arriva(frameDati(0));
         QCOMPARE(p->linea.motore().StatoDialogo(), qint16(121));
-        arriva(dati(255));
+        arriva(frameDati(255));
         QCOMPARE(p->linea.motore().StatoDialogo(), qint16(-1));
         QVERIFY(!req->isEnabled());
         QVERIFY(telaio->frameAbilitato);
@@ -250,7 +238,7 @@ private slots:
 
         // The 'A' 2 of a calibration left ends only itself.
         sequenza->inviaUscita();
-        arriva(dati(255));
+        arriva(frameDati(255));
         QVERIFY(!s.TaraturaCompleta());
         QCOMPARE(telaio->messaggi.size(), 1);
     }
@@ -311,7 +299,7 @@ private slots:
         apri(id);
         VistaFinta &v = *telaio->vista;
         for (int i = 0; i < stati.size(); ++i)
-            arriva(dati(quint8(stati[i]), tps[i]));
+            arriva(frameDati(quint8(stati[i]), tps[i]));
         QCOMPARE(telaio->aperta != IdPagina::Nessuna, aperta);
         const QString sezione = QString::fromLatin1(id == IdPagina::T_TPS          ? "T_TPS"
                                                     : id == IdPagina::T_TPS_Single ? "T_TPS_Single"
@@ -328,9 +316,9 @@ private slots:
         apri(IdPagina::T_TPS_Single);
         // The first frame is sample 0: the window 0..200 holds 201 of them.
         for (int i = 0; i <= int(TaraturaStriscia::LarghezzaFinestra); ++i)
-            arriva(dati(218));
+            arriva(frameDati(218));
         QCOMPARE(pagina()->minimoX(), 0.0);
-        arriva(dati(218));
+        arriva(frameDati(218));
         QCOMPARE(pagina()->minimoX(), 40.0);
         QCOMPARE(pagina()->massimoX(), 240.0);
     }
@@ -339,9 +327,9 @@ private slots:
     {
         apri(IdPagina::T_Lambda_Single);
         VistaFinta &v = *telaio->vista;
-        arriva(dati(206, 0, 500, 90, 0));
+        arriva(frameDati(206, 0, 500, 90, 0));
         QCOMPARE(v.sonda, 0);
-        arriva(dati(206, 0, 500, 90, 1));
+        arriva(frameDati(206, 0, 500, 90, 1));
         QCOMPARE(v.sonda, 1);
         QCOMPARE(v.inattive, (QSet<int>{0, 1}));
         QCOMPARE(v.punti, (std::array<int, 2>{2, 2}));
@@ -352,12 +340,12 @@ private slots:
     {
         apri(IdPagina::T_Lambda_Single);
         telaio->risposta = 99;
-        arriva(dati(204));
-        arriva(dati(29));
+        arriva(frameDati(204));
+        arriva(frameDati(29));
         QCOMPARE(telaio->messaggi, QStringList(2, "SEGNALAZIONE_58"));
         QCOMPARE(telaio->aperta, IdPagina::T_Lambda_Single);
         telaio->risposta = 1;
-        arriva(dati(29));
+        arriva(frameDati(29));
         QCOMPARE(telaio->aperta, IdPagina::Nessuna);
         QCOMPARE(sequenza->TaraturaInCorso(), FaseTaratura::Nessuna);
     }
@@ -381,7 +369,7 @@ private slots:
         if (libero)
             arriva("e\xFF");
         sequenza->entraInFase(fase);
-        arriva(dati(0));
+        arriva(frameDati(0));
         QCOMPARE(telaio->messaggi, chiave.isEmpty() ? QStringList() : QStringList{chiave});
         QCOMPARE(telaio->aperta == IdPagina::Nessuna, !chiave.isEmpty());
     }

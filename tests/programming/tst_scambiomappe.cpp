@@ -179,7 +179,9 @@ private slots:
 
     void mezzoManomesso()
     {
-        // The archive here has a make that is a link to elsewhere, and TEMP is a link too.
+        // The archive here has a make that is a link to elsewhere, and TEMP is a link too. The
+        // names the exchange check refuses are the software medium's test; here, that each
+        // field of a key meets it.
         QVERIFY(QDir().mkpath(p("fuori/opel")) && QDir().mkpath(p("fuori/temp"))
                 && QDir().mkpath(p("app/MAPPATURE/CNG")));
         scrivi(p("fuori/temp/tieni.txt"), "keep");
@@ -198,22 +200,12 @@ private slots:
         QVERIFY(QFile::link("/", p("stick/LPG/tutto")));
         QVERIFY(QFile::link(p("fuori"), p("stick/LPG/Via")));
         const QList<QStringList> righe = {
-            {"LPG", "..", "..", "evil"},
-            {"LPG", "../../../fuori", "x", "y"},
-            {"/etc", "a", "b", "c"},
-            {"LPG", "Fiat", "Punto", "a\\b"},
-            {"LPG", QString(300, u'x'), "m", "f"},
-            {"LPG", "Fiat", "Punto", "ctl\a"},
-            {"LPG", "Fiat", "Punto", "con.lkv"},
-            {"LPG", "Fiat", "Punto.", "x"},
-            {"GPL", "Fiat", "Punto", "base"},
-            {"LPG", "Fiat", "Punto", "base"},
-            {"lpg", "FIAT", "punto", "BASE"},
-            {"LPG", "Fiat", "Punto", "manca"},
-            {"LPG", "Fiat", "Punto", "link"},
-            {"LPG", "Via", "M", "f"},
-            {"LPG", "Fiat", "Punto", "rotta"},
-            {"CNG", "Opel", "Astra", "eco"},
+            {"LPG", "..", "..", "evil"},         {"/etc", "a", "b", "c"},
+            {"LPG", "Fiat", "Punto", "con.lkv"}, {"LPG", "Fiat", "Punto.", "x"},
+            {"GPL", "Fiat", "Punto", "base"},    {"LPG", "Fiat", "Punto", "base"},
+            {"lpg", "FIAT", "punto", "BASE"},    {"LPG", "Fiat", "Punto", "manca"},
+            {"LPG", "Fiat", "Punto", "link"},    {"LPG", "Via", "M", "f"},
+            {"LPG", "Fiat", "Punto", "rotta"},   {"CNG", "Opel", "Astra", "eco"},
             {"CNG", "Fiat", "Multipla", "eco"},
         };
         QList<QStringList> conNote;
@@ -233,7 +225,7 @@ private slots:
                                           "LPG/Fiat/Punto/base|note base|good map"}));
         QCOMPARE(istantanea(m_dir->path(), app), fuori);
         QStringList attesi;
-        for (int i = 0; i < 8; ++i)
+        for (int i = 0; i < 4; ++i)
             attesi << testo("SCAMBIO", "NOME", NomeVisibile(TestoChiaveMappa(chiavi.at(i))));
         attesi << testo("SCAMBIO", "IMPIANTO", "GPL\\Fiat\\Punto\\base")
                << testo("SCAMBIO", "DOPPIO", "lpg\\FIAT\\punto\\BASE")
