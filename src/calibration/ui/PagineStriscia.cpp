@@ -4,7 +4,6 @@
 #include "calibration/SequenzaTaratura.h"
 #include "calibration/ui/StileTaratura.h"
 #include "monitoring/ui/GraficoStriscia.h"
-#include "shell/Programma.h"
 
 #include <QApplication>
 #include <QGridLayout>

@@ -110,7 +110,7 @@ SequenzaTaratura &RegistraPagineTaratura(Korvantine &frame)
         });
     }
     frame.registraPagina(IdPagina::T_Parametri, [sequenza](Korvantine &f) -> QWidget * {
-        auto *pagina = new T_Parametri(*sequenza, f.programma());
+        auto *pagina = new T_Parametri(*sequenza, ContestoDi(f.programma()));
         pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
             return f.MostraMsg(testo, flags, titolo);
         });

@@ -3,7 +3,6 @@
 
 #include "calibration/SequenzaTaratura.h"
 #include "calibration/ui/StileTaratura.h"
-#include "shell/Programma.h"
 
 #include <QApplication>
 #include <QGridLayout>

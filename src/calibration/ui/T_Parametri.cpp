@@ -5,7 +5,6 @@
 #include "calibration/ui/StileTaratura.h"
 #include "pages/DialogoPagina.h"
 #include "pages/ui/CampoDato.h"
-#include "shell/Programma.h"
 #include "variables/Catalogo.h"
 
 #include <QComboBox>
@@ -16,8 +15,8 @@
 
 namespace kv {
 
-T_Parametri::T_Parametri(SequenzaTaratura &sequenza, Programma &programma, QWidget *parent)
-    : TelaioMessaPunto(ContestoDi(programma), DescrizioneParametri(), parent)
+T_Parametri::T_Parametri(SequenzaTaratura &sequenza, const ContestoPagina &contesto, QWidget *parent)
+    : TelaioMessaPunto(contesto, DescrizioneParametri(), parent)
     , m_logica(std::make_unique<TaraturaParametri>(sequenza, dialogo()))
     , m_istruzione(CreaIstruzione(this))
     , m_esciTar(new QPushButton(this))

@@ -20,7 +20,7 @@ class T_Parametri : public TelaioMessaPunto
 {
     Q_OBJECT
 public:
-    T_Parametri(SequenzaTaratura &sequenza, Programma &programma, QWidget *parent = nullptr);
+    T_Parametri(SequenzaTaratura &sequenza, const ContestoPagina &contesto, QWidget *parent = nullptr);
 
     QString FormatoParametri(int indice) const { return formato(indice); }
     CampoDato *D_Parametri(int indice) const { return campo(indice); }

@@ -6,7 +6,6 @@
 #include "programming/ScambioMappe.h"
 #include "programming/ui/ModelloAlberoMappe.h"
 #include "programming/ui/SceltaCartella.h"
-#include "shell/Programma.h"
 
 #include <QApplication>
 #include <QGridLayout>
@@ -36,8 +35,10 @@ QString sezioneDi(PaginaElenchiMappe::Funzione f)
 
 } // namespace
 
-PaginaElenchiMappe::PaginaElenchiMappe(Programma &programma, Funzione funzione, QWidget *parent)
-    : TelaioScambio(programma, sezioneDi(funzione), funzione != Funzione::Cancellazione, parent)
+PaginaElenchiMappe::PaginaElenchiMappe(const Lingua &lingua, QString percorsoApp, Funzione funzione,
+                                       QWidget *parent)
+    : TelaioScambio(lingua, std::move(percorsoApp), sezioneDi(funzione), funzione != Funzione::Cancellazione,
+                    parent)
     , m_funzione(funzione)
 {
     const int u = fontMetrics().averageCharWidth();
@@ -101,7 +102,7 @@ void PaginaElenchiMappe::carica()
         m_aggiungi[i]->setText(testo(QStringLiteral("AGGIUNGI.") + QString::number(i)));
         m_rimuovi[i]->setText(testo(QStringLiteral("RIMUOVI.") + QString::number(i)));
     }
-    const QMap<QString, QString> marchi = CaricoMarchi(programma().PercorsoApp);
+    const QMap<QString, QString> marchi = CaricoMarchi(percorsoApp());
     for (ModelloAlberoMappe *m : m_modelli) {
         m->impostaTestoMancante(testo(Messaggio("SCAMBIO", "MANCANTE")));
         m->impostaMarchi(marchi);
@@ -125,10 +126,10 @@ void PaginaElenchiMappe::carica()
 void PaginaElenchiMappe::ricaricaArchivio()
 {
     EsitoArchivio esito;
-    m_selezione.imposta(AlberoMappe::Carica(programma().PercorsoApp, &esito));
+    m_selezione.imposta(AlberoMappe::Carica(percorsoApp(), &esito));
     aggiornaElenchi();
     if (!esito.ok())
-        mostraSegnalazione(programma().lingua.testo(MessaggioArchivio(esito)));
+        mostraSegnalazione(lingua().testo(MessaggioArchivio(esito)));
 }
 
 void PaginaElenchiMappe::aggiornaElenchi(bool disponibili)
@@ -191,7 +192,7 @@ void PaginaElenchiMappe::ScegliSorgente(const QString &sorgente)
     SorgenteMappe letta;
     {
         Attesa attesa;
-        letta = LeggiDiscoMappe(programma().PercorsoApp, m_sorgente);
+        letta = LeggiDiscoMappe(percorsoApp(), m_sorgente);
     }
     m_selezione.imposta(letta.albero);
     aggiornaElenchi();
@@ -203,7 +204,7 @@ void PaginaElenchiMappe::ScegliSorgente(const QString &sorgente)
 
 void PaginaElenchiMappe::Comando()
 {
-    const QString app = programma().PercorsoApp;
+    const QString app = percorsoApp();
     const DomandaScambio domanda = [this](const Messaggio &t) { return chiedi(t); };
     mostra({});
     switch (m_funzione) {

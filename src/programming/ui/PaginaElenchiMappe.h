@@ -31,7 +31,8 @@ public:
         Cancellazione
     };
 
-    PaginaElenchiMappe(Programma &programma, Funzione funzione, QWidget *parent = nullptr);
+    PaginaElenchiMappe(const Lingua &lingua, QString percorsoApp, Funzione funzione,
+                       QWidget *parent = nullptr);
 
     // Captions, and the archive's maps in ElencoMM (for the copy and the deletion).
     void carica();

@@ -3,7 +3,6 @@
 
 #include "archives/CancellazioneSoftware.h"
 #include "programming/ui/SceltaCartella.h"
-#include "shell/Programma.h"
 
 #include <QApplication>
 #include <QFocusEvent>
@@ -56,8 +55,9 @@ QString sezioneDi(PaginaSoftware::Funzione f)
 
 } // namespace
 
-PaginaSoftware::PaginaSoftware(Programma &programma, Funzione funzione, QWidget *parent)
-    : TelaioScambio(programma, sezioneDi(funzione), funzione != Funzione::Cancellazione, parent)
+PaginaSoftware::PaginaSoftware(const Lingua &lingua, QString percorsoApp, Funzione funzione, QWidget *parent)
+    : TelaioScambio(lingua, std::move(percorsoApp), sezioneDi(funzione), funzione != Funzione::Cancellazione,
+                    parent)
     , m_funzione(funzione)
     , m_box(new QGroupBox(this))
     , m_lista(funzione == Funzione::Cancellazione ? new ListaCancellazione(m_box) : new QListWidget(m_box))
@@ -157,9 +157,9 @@ void PaginaSoftware::riempi(const QList<VoceSoftware> &voci)
 void PaginaSoftware::ricaricaArchivio()
 {
     EsitoArchivio esito;
-    riempi(ElencoSoftware(programma().PercorsoApp, &esito));
+    riempi(ElencoSoftware(percorsoApp(), &esito));
     if (!esito.ok())
-        mostraSegnalazione(programma().lingua.testo(MessaggioArchivio(esito)));
+        mostraSegnalazione(lingua().testo(MessaggioArchivio(esito)));
 }
 
 void PaginaSoftware::voceCorrente()
@@ -186,7 +186,7 @@ void PaginaSoftware::ScegliSorgente(const QString &sorgente)
     SorgenteSoftware letta;
     {
         Attesa attesa;
-        letta = LeggiDiscoSoftware(programma().PercorsoApp, m_sorgente);
+        letta = LeggiDiscoSoftware(percorsoApp(), m_sorgente);
     }
     riempi(letta.voci);
     if (letta.esito.fatto && letta.esito.messaggio.vuoto())
@@ -197,7 +197,7 @@ void PaginaSoftware::ScegliSorgente(const QString &sorgente)
 
 void PaginaSoftware::Comando()
 {
-    const QString app = programma().PercorsoApp;
+    const QString app = percorsoApp();
     const DomandaScambio domanda = [this](const Messaggio &t) { return chiedi(t); };
     mostra({});
     switch (m_funzione) {

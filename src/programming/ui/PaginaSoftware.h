@@ -31,7 +31,7 @@ public:
         Cancellazione
     };
 
-    PaginaSoftware(Programma &programma, Funzione funzione, QWidget *parent = nullptr);
+    PaginaSoftware(const Lingua &lingua, QString percorsoApp, Funzione funzione, QWidget *parent = nullptr);
 
     // Captions, and the archive's software in the list (for the copy and the deletion).
     void carica();

@@ -1,7 +1,7 @@
 #include "programming/ui/PaginaStorico.h"
 
 #include "base/Lingua.h"
-#include "shell/Programma.h"
+#include "link/SessioneLinea.h"
 #include "shell/ui/MsgBox1.h"
 
 #include <QApplication>
@@ -28,10 +28,10 @@ IdentitaEcu identita(const StatoEcu &ecu)
 
 } // namespace
 
-PaginaStorico::PaginaStorico(Programma &programma, QWidget *parent)
+PaginaStorico::PaginaStorico(const ContestoProgrammazione &contesto, QWidget *parent)
     : QWidget(parent)
-    , m_programma(programma)
-    , m_scrittura(programma.linea, programma.PercorsoApp, static_cast<VistaMappe &>(*this))
+    , m_contesto(contesto)
+    , m_scrittura(contesto.linea, contesto.percorsoApp, static_cast<VistaMappe &>(*this))
 {
     setObjectName(QString::fromLatin1(Sezione));
     const int u = fontMetrics().averageCharWidth();
@@ -99,14 +99,13 @@ PaginaStorico::PaginaStorico(Programma &programma, QWidget *parent)
     l->addLayout(fondo);
 
     m_domanda = [this](const QString &t, int flags, const QString &titolo) {
-        return kv::MostraMsg(m_programma.lingua, t, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0,
-                             this);
+        return kv::MostraMsg(m_contesto.lingua, t, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0, this);
     };
 }
 
 QString PaginaStorico::testo(const QString &chiave) const
 {
-    return m_programma.lingua.LeggiTesto(QString::fromLatin1(Sezione), chiave).trimmed();
+    return m_contesto.lingua.LeggiTesto(QString::fromLatin1(Sezione), chiave).trimmed();
 }
 
 QString PaginaStorico::segnalazione() const
@@ -125,7 +124,7 @@ void PaginaStorico::carica()
     m_confronta->setText(testo(QStringLiteral("CONFRONTA")));
     m_scrivi->setText(testo(QStringLiteral("SCRIVI")));
     m_verifica->setText(testo(QStringLiteral("VERIFICA")));
-    m_esci->setText(QLatin1Char('&') + m_programma.lingua.LeggiTesto("TASTI", "ESCI").trimmed()
+    m_esci->setText(QLatin1Char('&') + m_contesto.lingua.LeggiTesto("TASTI", "ESCI").trimmed()
                     + QStringLiteral("  (Esc)"));
     riempi();
     m_voci->setFocus(Qt::OtherFocusReason);
@@ -133,7 +132,7 @@ void PaginaStorico::carica()
 
 void PaginaStorico::riempi()
 {
-    const StatoEcu &ecu = m_programma.linea.ecu();
+    const StatoEcu &ecu = m_contesto.linea.ecu();
     const IdentitaEcu id = identita(ecu);
     m_voci->clear();
     m_elenco.clear();
@@ -147,8 +146,8 @@ void PaginaStorico::riempi()
                                     .join(u' ')
                                     .simplified()));
     EsitoArchivio esito;
-    m_elenco = ElencaStorico(m_programma.PercorsoApp, id, &esito);
-    const Lingua &l = m_programma.lingua;
+    m_elenco = ElencaStorico(m_contesto.percorsoApp, id, &esito);
+    const Lingua &l = m_contesto.lingua;
     for (const VoceStorico &v : std::as_const(m_elenco)) {
         // What was about to happen, by the title of the page that did it.
         QString evento = testo(QStringLiteral("EVENTO.") + v.evento);
@@ -208,7 +207,7 @@ void PaginaStorico::mostraTesto(const QString &t)
 
 void PaginaStorico::mostraSegnalazione(const Messaggio &m)
 {
-    mostraTesto(m_programma.lingua.testo(m));
+    mostraTesto(m_contesto.lingua.testo(m));
 }
 
 void PaginaStorico::abilitaPagina(bool abilitata)
@@ -247,7 +246,7 @@ void PaginaStorico::beep()
 
 int PaginaStorico::domanda(const Messaggio &t, int flags, const Messaggio &titolo)
 {
-    return m_domanda(m_programma.lingua.testo(t), flags, m_programma.lingua.testo(titolo));
+    return m_domanda(m_contesto.lingua.testo(t), flags, m_contesto.lingua.testo(titolo));
 }
 
 void PaginaStorico::chiudiPagina()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "archives/StoricoEcu.h"
+#include "programming/ContestoProgrammazione.h"
 #include "programming/DialogoMappe.h"
 
 #include <QWidget>
@@ -15,8 +16,6 @@ class QTreeWidget;
 
 namespace kv {
 
-class Programma;
-
 // The history of the connected ECU: what its map area held before each run first changed it,
 // newest first, with what was about to happen. An entry is compared with the ECU now (F3, on
 // the compare page) or written back into it (F2) as a map write does, after its question and,
@@ -28,7 +27,7 @@ class PaginaStorico : public QWidget, protected VistaMappe
 public:
     using Domanda = std::function<int(const QString &testo, int flags, const QString &titolo)>;
 
-    explicit PaginaStorico(Programma &programma, QWidget *parent = nullptr);
+    explicit PaginaStorico(const ContestoProgrammazione &contesto, QWidget *parent = nullptr);
 
     void impostaDomanda(Domanda domanda) { m_domanda = std::move(domanda); }
     // Captions and the entries of the ECU as it is known now.
@@ -64,7 +63,7 @@ private:
     void riempi();
     const VoceStorico *scelta();
 
-    Programma &m_programma;
+    ContestoProgrammazione m_contesto;
     Domanda m_domanda;
     QList<VoceStorico> m_elenco;
     QLabel *m_ecu;

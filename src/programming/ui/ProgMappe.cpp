@@ -2,7 +2,6 @@
 #include "base/Lingua.h"
 
 #include "programming/ui/ModelloAlberoMappe.h"
-#include "shell/Programma.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -12,9 +11,9 @@
 
 namespace kv {
 
-ProgMappe::ProgMappe(Programma &programma, QWidget *parent)
-    : TelaioMappe(programma, QStringLiteral("ProgMappe"), parent)
-    , m_scrittura(programma.linea, programma.PercorsoApp, static_cast<VistaMappe &>(*this))
+ProgMappe::ProgMappe(const ContestoProgrammazione &contesto, QWidget *parent)
+    : TelaioMappe(contesto, QStringLiteral("ProgMappe"), parent)
+    , m_scrittura(contesto.linea, contesto.percorsoApp, static_cast<VistaMappe &>(*this))
 {
     m_labNote = new QLabel(this);
     m_labNote->setObjectName(QStringLiteral("LabNote"));
@@ -42,7 +41,7 @@ void ProgMappe::caricaTestiAltrove()
 {
     m_labNote->setText(testo(QStringLiteral("LABNOTE")));
     m_verifica->setText(testo(QStringLiteral("VERIFICA")));
-    comando()->setText(QLatin1Char('&') + programma().lingua.LeggiTesto("TASTI", "PROGRAMMA").trimmed()
+    comando()->setText(QLatin1Char('&') + contesto().lingua.LeggiTesto("TASTI", "PROGRAMMA").trimmed()
                        + QStringLiteral("  (F2)"));
 }
 

@@ -15,7 +15,7 @@ class ProgMappe : public TelaioMappe
 {
     Q_OBJECT
 public:
-    explicit ProgMappe(Programma &programma, QWidget *parent = nullptr);
+    explicit ProgMappe(const ContestoProgrammazione &contesto, QWidget *parent = nullptr);
 
     QLabel *Note() const { return m_note; }
     QCheckBox *Verifica() const { return m_verifica; }

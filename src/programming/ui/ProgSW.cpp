@@ -3,7 +3,6 @@
 
 #include "programming/DialogoMappe.h"
 #include "programming/ImmagineS19.h"
-#include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
 #include "shell/ui/Stile.h"
 
@@ -53,9 +52,9 @@ QLabel *campo(QWidget *parent, const char *nome)
 
 } // namespace
 
-ProgSW::ProgSW(kv::Programma &programma, QWidget *parent)
+ProgSW::ProgSW(const ContestoProgrammazione &contesto, QWidget *parent)
     : QWidget(parent)
-    , m_programma(programma)
+    , m_contesto(contesto)
     , m_boxProg(new QGroupBox(this))
     , m_lSoftware(new ListaSoftware(m_boxProg))
     , m_labVersione(new QLabel(m_boxProg))
@@ -68,7 +67,7 @@ ProgSW::ProgSW(kv::Programma &programma, QWidget *parent)
     , m_tastoEsci(new QPushButton(this))
 {
     setObjectName(QStringLiteral("ProgSW"));
-    m_dialogo = std::make_unique<DialogoProgSW>(programma.linea, programma.PercorsoApp,
+    m_dialogo = std::make_unique<DialogoProgSW>(contesto.linea, contesto.percorsoApp,
                                                 static_cast<VistaProgSW &>(*this));
 
     m_boxProg->setObjectName(QStringLiteral("BoxProg"));
@@ -137,7 +136,7 @@ ProgSW::ProgSW(kv::Programma &programma, QWidget *parent)
     principale->addLayout(comandi);
 
     m_messaggio = [this](const QString &testo, int flags, const QString &titolo) {
-        return kv::MostraMsg(m_programma.lingua, testo, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0,
+        return kv::MostraMsg(m_contesto.lingua, testo, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0,
                              this);
     };
 }
@@ -146,7 +145,7 @@ ProgSW::~ProgSW() = default;
 
 void ProgSW::caricaTesti()
 {
-    const Lingua &l = m_programma.lingua;
+    const Lingua &l = m_contesto.lingua;
     setWindowTitle(l.LeggiTesto("ProgSW", "CAPTION").trimmed());
     m_boxProg->setTitle(l.LeggiTesto("ProgSW", "BOXPROG.CAPTION"));
     m_labVersione->setText(l.LeggiTesto("ProgSW", "LABVERSIONE").trimmed());
@@ -168,7 +167,7 @@ void ProgSW::carica()
 void ProgSW::ElencoSoftware()
 {
     m_lSoftware->clear();
-    const QStringList nomi = kv::ElencoSoftware(m_programma.PercorsoApp);
+    const QStringList nomi = kv::ElencoSoftware(m_contesto.percorsoApp);
     for (const QString &nome : nomi)
         m_lSoftware->addTopLevelItem(new QTreeWidgetItem(QStringList{nome}));
     m_lSoftware->setCurrentItem(nullptr);
@@ -216,7 +215,7 @@ void ProgSW::Esci_Click()
 
 void ProgSW::mostraSegnalazione(const kv::Messaggio &testo)
 {
-    m_segnalazione1->setText(m_programma.lingua.testo(testo));
+    m_segnalazione1->setText(m_contesto.lingua.testo(testo));
 }
 
 void ProgSW::abilitaPagina(bool abilitata)
@@ -251,12 +250,12 @@ void ProgSW::impostaBarra(int valore)
 void ProgSW::mostraMsg(const kv::Messaggio &testo, int flags, const kv::Messaggio &titolo)
 {
     if (m_messaggio)
-        m_messaggio(m_programma.lingua.testo(testo), flags, m_programma.lingua.testo(titolo));
+        m_messaggio(m_contesto.lingua.testo(testo), flags, m_contesto.lingua.testo(titolo));
 }
 
 bool ProgSW::chiedi(const kv::Messaggio &testo, const kv::Messaggio &titolo)
 {
-    const Lingua &l = m_programma.lingua;
+    const Lingua &l = m_contesto.lingua;
     return m_messaggio
            && m_messaggio(l.testo(testo), FlagDomandaMappe | SecondoPredefinito, l.testo(titolo))
                   == RispostaSiMappe;

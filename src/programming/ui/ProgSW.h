@@ -1,5 +1,6 @@
 #pragma once
 
+#include "programming/ContestoProgrammazione.h"
 #include "programming/DialogoProgSW.h"
 
 #include <QPointer>
@@ -16,8 +17,6 @@ class QTreeWidget;
 
 namespace kv {
 
-class Programma;
-
 // The software programming page: the releases in the software folder, the version and
 // notes the archive keeps for the one chosen, and Programma, which writes it into the ECU
 // with the bar counting the blocks. F2 programs, Esc leaves, Enter in the list chooses.
@@ -29,7 +28,7 @@ public:
     // the second key is the default.
     using Messaggio = std::function<int(const QString &testo, int flags, const QString &titolo)>;
 
-    explicit ProgSW(Programma &programma, QWidget *parent = nullptr);
+    explicit ProgSW(const ContestoProgrammazione &contesto, QWidget *parent = nullptr);
     ~ProgSW() override;
 
     // Who shows the box; without one, the program's message box over this page.
@@ -65,7 +64,7 @@ private:
     void nodoScelto();
     void caricaTesti();
 
-    kv::Programma &m_programma;
+    ContestoProgrammazione m_contesto;
     std::unique_ptr<DialogoProgSW> m_dialogo;
     Messaggio m_messaggio;
 

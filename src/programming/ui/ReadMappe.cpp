@@ -3,7 +3,6 @@
 
 #include "base/FileSystem.h"
 #include "programming/ui/ModelloAlberoMappe.h"
-#include "shell/Programma.h"
 
 #include <QFocusEvent>
 #include <QGridLayout>
@@ -41,9 +40,9 @@ public:
 
 } // namespace
 
-ReadMappe::ReadMappe(Programma &programma, QWidget *parent)
-    : TelaioMappe(programma, QStringLiteral("ReadMappe"), parent)
-    , m_lettura(programma.linea, programma.PercorsoApp, programma.catalogo, static_cast<VistaMappe &>(*this))
+ReadMappe::ReadMappe(const ContestoProgrammazione &contesto, const Catalogo &catalogo, QWidget *parent)
+    : TelaioMappe(contesto, QStringLiteral("ReadMappe"), parent)
+    , m_lettura(contesto.linea, contesto.percorsoApp, catalogo, static_cast<VistaMappe &>(*this))
 {
     const char *nomi[] = {"NomeMarca", "NomeModello", "NomeFlyMod", "Note"};
     for (size_t i = 0; i < m_etichette.size(); ++i) {
@@ -78,7 +77,7 @@ ReadMappe::ReadMappe(Programma &programma, QWidget *parent)
     comando()->setObjectName(QStringLiteral("Leggi"));
 
     // The plant folders are there from the first read on.
-    const QString mappe = CartellaMappe(programma.PercorsoApp);
+    const QString mappe = CartellaMappe(contesto.percorsoApp);
     for (const QLatin1String impianto : FileMappa::Impianti)
         CreaCartella(PercorsoFile(mappe, impianto));
 }
@@ -87,7 +86,7 @@ void ReadMappe::caricaTestiAltrove()
 {
     for (size_t i = 0; i < m_etichette.size(); ++i)
         m_etichette[i]->setText(testo(QStringLiteral("LABCAMPO.") + QString::number(i)));
-    comando()->setText(QLatin1Char('&') + programma().lingua.LeggiTesto("TASTI", "LETTURA").trimmed()
+    comando()->setText(QLatin1Char('&') + contesto().lingua.LeggiTesto("TASTI", "LETTURA").trimmed()
                        + QStringLiteral("  (F2)"));
 }
 

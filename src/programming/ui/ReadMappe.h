@@ -17,7 +17,8 @@ class ReadMappe : public TelaioMappe
 {
     Q_OBJECT
 public:
-    explicit ReadMappe(Programma &programma, QWidget *parent = nullptr);
+    // catalogo: where the lambda scale lies in RAM; it is read with the map and filed with it.
+    ReadMappe(const ContestoProgrammazione &contesto, const Catalogo &catalogo, QWidget *parent = nullptr);
 
     QLabel *Impianto() const { return m_impianto; }
     QLineEdit *NomeMarca() const { return m_campi[0]; }

@@ -14,10 +14,8 @@ namespace kv {
 namespace {
 
 // The frame asks the page's questions and takes it away when it ends.
-template <typename Pagina>
-QWidget *apri(Korvantine &frame)
+QWidget *apri(Korvantine &frame, TelaioMappe *pagina)
 {
-    auto *pagina = new Pagina(frame.programma());
     pagina->impostaDomanda([&frame](const QString &testo, int flags, const QString &titolo) {
         return frame.MostraMsg(testo, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0);
     });
@@ -30,8 +28,12 @@ QWidget *apri(Korvantine &frame)
 
 void RegistraPagineMappe(Korvantine &frame)
 {
-    frame.registraPagina(IdPagina::ReadMappe, apri<ReadMappe>);
-    frame.registraPagina(IdPagina::ProgMappe, apri<ProgMappe>);
+    frame.registraPagina(IdPagina::ReadMappe, [](Korvantine &f) {
+        return apri(f, new ReadMappe(ContestoProgrammazioneDi(f.programma()), f.programma().catalogo));
+    });
+    frame.registraPagina(IdPagina::ProgMappe, [](Korvantine &f) {
+        return apri(f, new ProgMappe(ContestoProgrammazioneDi(f.programma())));
+    });
     // Archived maps need no ECU: the page gets the folder, the catalogue and the texts, and
     // the line only for the ECU as one side.
     frame.registraPagina(IdPagina::ConfrontoMappe, [](Korvantine &f) -> QWidget * {
@@ -46,7 +48,7 @@ void RegistraPagineMappe(Korvantine &frame)
         return pagina;
     });
     frame.registraPagina(IdPagina::StoricoEcu, [](Korvantine &f) -> QWidget * {
-        auto *pagina = new PaginaStorico(f.programma());
+        auto *pagina = new PaginaStorico(ContestoProgrammazioneDi(f.programma()));
         pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
             return f.MostraMsg(testo, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0);
         });

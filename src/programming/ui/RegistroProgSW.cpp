@@ -9,7 +9,7 @@ namespace kv {
 void RegistraProgSW(Korvantine &frame)
 {
     frame.registraPagina(IdPagina::ProgSW, [](Korvantine &f) -> QWidget * {
-        auto *pagina = new ProgSW(f.programma());
+        auto *pagina = new ProgSW(ContestoProgrammazioneDi(f.programma()));
         pagina->impostaMessaggio([&f](const QString &testo, int flags, const QString &titolo) {
             return f.MostraMsg(testo, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0);
         });

@@ -2,6 +2,7 @@
 
 #include "programming/ui/PaginaElenchiMappe.h"
 #include "programming/ui/PaginaSoftware.h"
+#include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 
 #include <QDialog>
@@ -15,7 +16,7 @@ template <typename Pagina>
 Korvantine::FabbricaPagina fabbrica(typename Pagina::Funzione funzione)
 {
     return [funzione](Korvantine &frame) -> QWidget * {
-        auto *pagina = new Pagina(frame.programma(), funzione);
+        auto *pagina = new Pagina(frame.programma().lingua, frame.programma().PercorsoApp, funzione);
         pagina->impostaDomanda([&frame](const QString &testo, int flags, const QString &titolo) {
             return frame.MostraMsg(testo, flags, titolo);
         });

@@ -3,7 +3,6 @@
 
 #include "archives/Cartelle.h"
 #include "programming/ui/ModelloAlberoMappe.h"
-#include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
 
 #include <QApplication>
@@ -28,9 +27,9 @@ constexpr int RuoloNodo = Qt::UserRole + 1;
 
 } // namespace
 
-TelaioMappe::TelaioMappe(Programma &programma, QString sezione, QWidget *parent)
+TelaioMappe::TelaioMappe(const ContestoProgrammazione &contesto, QString sezione, QWidget *parent)
     : QWidget(parent)
-    , m_programma(programma)
+    , m_contesto(contesto)
     , m_sezione(std::move(sezione))
     , m_modello(new ModelloAlberoMappe(this))
 {
@@ -122,25 +121,24 @@ TelaioMappe::TelaioMappe(Programma &programma, QString sezione, QWidget *parent)
     m_mappe->installEventFilter(this);
 
     m_domanda = [this](const QString &t, int flags, const QString &titolo) {
-        return kv::MostraMsg(m_programma.lingua, t, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0,
-                             this);
+        return kv::MostraMsg(m_contesto.lingua, t, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0, this);
     };
 }
 
 QString TelaioMappe::testo(const QString &chiave) const
 {
-    return m_programma.lingua.LeggiTesto(m_sezione, chiave).trimmed();
+    return m_contesto.lingua.LeggiTesto(m_sezione, chiave).trimmed();
 }
 
 void TelaioMappe::carica()
 {
-    const Lingua &l = m_programma.lingua;
+    const Lingua &l = m_contesto.lingua;
     setWindowTitle(testo(QStringLiteral("CAPTION")));
     m_box->setTitle(testo(QStringLiteral("BOXPROG.CAPTION")));
     m_labMappe->setText(testo(QStringLiteral("LABMAPPE")));
     m_esci->setText(QLatin1Char('&') + l.LeggiTesto("TASTI", "ESCI").trimmed() + QStringLiteral("  (Esc)"));
     m_modello->impostaTestoMancante(testo(QStringLiteral("MANCANTE")));
-    m_modello->impostaMarchi(CaricoMarchi(m_programma.PercorsoApp));
+    m_modello->impostaMarchi(CaricoMarchi(m_contesto.percorsoApp));
     caricaTestiAltrove();
 
     QWidget *precedente = m_albero;
@@ -157,9 +155,9 @@ void TelaioMappe::carica()
 void TelaioMappe::aggiornaAlbero(const ChiaveMappa &scelta)
 {
     EsitoArchivio esito;
-    m_modello->imposta(AlberoMappe::Carica(m_programma.PercorsoApp, &esito), AlberoMappe::Livello::Modello);
+    m_modello->imposta(AlberoMappe::Carica(m_contesto.percorsoApp, &esito), AlberoMappe::Livello::Modello);
     if (!esito.ok())
-        mostraTesto(m_programma.lingua.testo(MessaggioArchivio(esito)));
+        mostraTesto(m_contesto.lingua.testo(MessaggioArchivio(esito)));
     const QModelIndex radice = m_modello->indice(AlberoMappe::Radice);
     m_albero->expand(radice);
 
@@ -234,7 +232,7 @@ void TelaioMappe::mostraTesto(const QString &testo)
 
 void TelaioMappe::mostraSegnalazione(const Messaggio &testo)
 {
-    mostraTesto(m_programma.lingua.testo(testo));
+    mostraTesto(m_contesto.lingua.testo(testo));
 }
 
 void TelaioMappe::abilitaPagina(bool abilitata)
@@ -270,7 +268,7 @@ void TelaioMappe::beep()
 
 int TelaioMappe::domanda(const Messaggio &testo, int flags, const Messaggio &titolo)
 {
-    const Lingua &l = m_programma.lingua;
+    const Lingua &l = m_contesto.lingua;
     return m_domanda(l.testo(testo), flags, l.testo(titolo));
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "programming/ContestoProgrammazione.h"
 #include "programming/DialogoMappe.h"
 
 #include <QPointer>
@@ -18,7 +19,6 @@ class QTreeView;
 namespace kv {
 
 class ModelloAlberoMappe;
-class Programma;
 
 // What ReadMappe and ProgMappe share on screen: the tree of plants, makes and models
 // (LMappe) with the maps of the chosen model beside it (Mappe), the page's own fields,
@@ -33,7 +33,7 @@ public:
     using Domanda = std::function<int(const QString &testo, int flags, const QString &titolo)>;
 
     // sezione: the page's section of the language file, its form name.
-    TelaioMappe(Programma &programma, QString sezione, QWidget *parent = nullptr);
+    TelaioMappe(const ContestoProgrammazione &contesto, QString sezione, QWidget *parent = nullptr);
 
     // Who asks the page's questions; without one, the program's message box over the page.
     void impostaDomanda(Domanda domanda) { m_domanda = std::move(domanda); }
@@ -44,7 +44,7 @@ public:
     QTreeView *LMappe() const { return m_albero; }
     QListWidget *Mappe() const { return m_mappe; }
     ModelloAlberoMappe &modello() const { return *m_modello; }
-    Programma &programma() const { return m_programma; }
+    const ContestoProgrammazione &contesto() const { return m_contesto; }
 
     // The tree built again from disk and catalogue; the node of those names (as deep as
     // they go) made the current one.
@@ -96,7 +96,7 @@ private:
     void nodoCorrente(const QModelIndex &indice);
     void riempiMappe(int nodo);
 
-    Programma &m_programma;
+    ContestoProgrammazione m_contesto;
     QString m_sezione;
     Domanda m_domanda;
     ModelloAlberoMappe *m_modello;

@@ -3,7 +3,6 @@
 
 #include "programming/DialogoMappe.h"
 #include "programming/ui/SceltaCartella.h"
-#include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
 #include "shell/ui/Stile.h"
 
@@ -33,9 +32,11 @@ TelaioScambio::Attesa::~Attesa()
     QApplication::restoreOverrideCursor();
 }
 
-TelaioScambio::TelaioScambio(Programma &programma, QString sezione, bool conCartella, QWidget *parent)
+TelaioScambio::TelaioScambio(const Lingua &lingua, QString percorsoApp, QString sezione, bool conCartella,
+                             QWidget *parent)
     : QWidget(parent)
-    , m_programma(programma)
+    , m_lingua(lingua)
+    , m_percorsoApp(std::move(percorsoApp))
     , m_sezione(std::move(sezione))
     , m_corpo(new QVBoxLayout)
     , m_segnalazione(new QLabel(this))
@@ -84,7 +85,7 @@ TelaioScambio::TelaioScambio(Programma &programma, QString sezione, bool conCart
     principale->addLayout(comandi);
 
     m_domanda = [this](const QString &t, int flags, const QString &titolo) {
-        return kv::MostraMsg(m_programma.lingua, t, flags, titolo, 0, this);
+        return kv::MostraMsg(m_lingua, t, flags, titolo, 0, this);
     };
 }
 
@@ -107,7 +108,7 @@ QString TelaioScambio::testo(const QString &chiave) const
 
 QString TelaioScambio::testo(const Messaggio &m) const
 {
-    return m_programma.lingua.testo(m).trimmed();
+    return m_lingua.testo(m).trimmed();
 }
 
 void TelaioScambio::caricaTesti(const QString &tastoComando, const QString &etichettaCartella)
@@ -115,10 +116,10 @@ void TelaioScambio::caricaTesti(const QString &tastoComando, const QString &etic
     setWindowTitle(testo(QStringLiteral("CAPTION")));
     m_comando->setText(QLatin1Char('&') + testo(Messaggio(QStringLiteral("TASTI"), tastoComando))
                        + QStringLiteral("  (F2)"));
-    m_esci->setText(QLatin1Char('&') + m_programma.lingua.LeggiTesto("TASTI", "ESCI").trimmed()
+    m_esci->setText(QLatin1Char('&') + m_lingua.LeggiTesto("TASTI", "ESCI").trimmed()
                     + QStringLiteral("  (Esc)"));
     if (m_cartella)
-        m_cartella->caricaTesti(m_programma.lingua, etichettaCartella);
+        m_cartella->caricaTesti(m_lingua, etichettaCartella);
 }
 
 void TelaioScambio::showEvent(QShowEvent *evento)
@@ -147,7 +148,7 @@ void TelaioScambio::mostraSegnalazione(const QString &testo)
 
 void TelaioScambio::mostra(const EsitoScambio &esito)
 {
-    const Lingua &l = m_programma.lingua;
+    const Lingua &l = m_lingua;
     m_segnalazione->setText(l.testo(esito.messaggio));
     QStringList avvisi;
     for (const Messaggio &a : esito.avvisi)
@@ -158,7 +159,7 @@ void TelaioScambio::mostra(const EsitoScambio &esito)
 
 bool TelaioScambio::chiedi(const Messaggio &m)
 {
-    const QString t = m_programma.lingua.testo(m);
+    const QString t = m_lingua.testo(m);
     const bool attesa = QApplication::overrideCursor() != nullptr;
     if (attesa)
         QApplication::restoreOverrideCursor();

@@ -14,7 +14,7 @@ class QPushButton;
 
 namespace kv {
 
-class Programma;
+class Lingua;
 class SceltaCartella;
 
 // What the exchange and deletion pages share on screen: the page's body on top, the folder of
@@ -30,7 +30,8 @@ public:
     using Modale = std::function<int(QDialog &)>;
 
     // sezione: the page's section of the language file, its form name.
-    TelaioScambio(Programma &programma, QString sezione, bool conCartella, QWidget *parent = nullptr);
+    TelaioScambio(const Lingua &lingua, QString percorsoApp, QString sezione, bool conCartella,
+                  QWidget *parent = nullptr);
 
     // Who asks the questions and runs the folder dialog; without them, the program's message
     // box and the dialog on its own.
@@ -60,7 +61,8 @@ protected:
         Attesa &operator=(const Attesa &) = delete;
     };
 
-    Programma &programma() const { return m_programma; }
+    const Lingua &lingua() const { return m_lingua; }
+    const QString &percorsoApp() const { return m_percorsoApp; }
     // Where the page puts its body, above the folder.
     QBoxLayout *corpo() const { return m_corpo; }
     // Where the folder goes (a box of the page's, or the frame's own place).
@@ -80,7 +82,8 @@ protected:
     void avvisa(const QString &testo);
 
 private:
-    Programma &m_programma;
+    const Lingua &m_lingua;
+    QString m_percorsoApp;
     QString m_sezione;
     Domanda m_domanda;
     QBoxLayout *m_corpo;
