@@ -5,6 +5,7 @@
 
 #include "support/FileDiProva.h"
 #include "support/ProgrammaSimulato.h"
+#include "support/Tastiera.h"
 
 #include "programming/ControlloMappa.h"
 #include "programming/FileBlocchi.h"
@@ -45,24 +46,6 @@ class TstPagineMappe : public QObject, ProgrammaSimulato
     std::unique_ptr<Korvantine> frame;
     QStringList domande;
 
-    template <typename Pagina>
-    Pagina *apri(IdPagina id)
-    {
-        auto *pagina = qobject_cast<Pagina *>(frame->apriPagina(id));
-        if (pagina)
-            pagina->impostaDomanda([this](const QString &testo, int, const QString &) {
-                domande << testo;
-                return 6;
-            });
-        return pagina;
-    }
-    // Each key to whatever has the focus by then, as a keyboard sends it.
-    void tasti(std::initializer_list<Qt::Key> elenco)
-    {
-        for (Qt::Key k : elenco)
-            QTest::keyClick(QApplication::focusWidget(), k);
-    }
-    QWidget *fuoco() const { return QApplication::focusWidget(); }
     QString segnalazione(QWidget *pagina) const
     {
         return pagina->findChild<QLabel *>(QStringLiteral("Segnalazione1"))->text();
@@ -88,7 +71,7 @@ private slots:
     void readByKeyboardIntoTheArchive()
     {
         QVERIFY(ecu->scriviMemoria(0xC100, disegno(1)));
-        auto *pagina = apri<ReadMappe>(IdPagina::ReadMappe);
+        auto *pagina = apriChiedendo<ReadMappe>(*frame, IdPagina::ReadMappe, domande);
         QVERIFY(pagina);
         QCOMPARE(fuoco(), pagina->LMappe());
         // The tree: MAPPATURE, then CNG and LPG, made by the page.
@@ -132,7 +115,7 @@ private slots:
         QVERIFY(RegistraMappa(cartella.path(), {"LPG", "Fiat", "Punto 1.2", "lost"}, {}).ok());
         QVERIFY(ecu->scriviMemoria(0xC100, disegno(2)));
         domande.clear();
-        auto *pagina = apri<ProgMappe>(IdPagina::ProgMappe);
+        auto *pagina = apriChiedendo<ProgMappe>(*frame, IdPagina::ProgMappe, domande);
         QVERIFY(pagina);
         QVERIFY(pagina->Verifica()->isChecked());
         tasti({Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right,
@@ -174,7 +157,7 @@ private slots:
         rotto[2 * 130 + 5] = 'x';
         scrivi(punto + "broken.LKV", rotto);
         domande.clear();
-        auto *pagina = apri<ConfrontoMappe>(IdPagina::ConfrontoMappe);
+        auto *pagina = apriChiedendo<ConfrontoMappe>(*frame, IdPagina::ConfrontoMappe, domande);
         QVERIFY(pagina);
         QCOMPARE(fuoco(), pagina->LMappe());
         // MAPPATURE, CNG, LPG, Fiat, Punto 1.2, then its maps: base, broken, lost, tuned.

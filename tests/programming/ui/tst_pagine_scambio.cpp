@@ -5,6 +5,7 @@
 #include "base/Lingua.h"
 #include "support/FileDiProva.h"
 #include "support/PortaFinta.h"
+#include "support/Tastiera.h"
 
 #include "programming/FileMappa.h"
 #include "programming/ui/PaginaElenchiMappe.h"
@@ -38,23 +39,6 @@ class TstPagineScambio : public QObject
 
     QString d(const QString &relativo) const { return dir.filePath(relativo); }
     QString m(const QString &relativo) const { return mezzo.filePath(relativo); }
-    template <typename Pagina>
-    Pagina *apri(IdPagina id)
-    {
-        auto *pagina = qobject_cast<Pagina *>(frame->apriPagina(id));
-        if (pagina)
-            pagina->impostaDomanda([this](const QString &testo, int, const QString &) {
-                domande << testo;
-                return 6;
-            });
-        return pagina;
-    }
-    void tasti(std::initializer_list<Qt::Key> elenco, Qt::KeyboardModifiers m = Qt::NoModifier)
-    {
-        for (Qt::Key k : elenco)
-            QTest::keyClick(QApplication::focusWidget(), k, m);
-    }
-    QWidget *fuoco() const { return QApplication::focusWidget(); }
     QString testo(const char *sezione, const char *chiave) const
     {
         return p->lingua.LeggiTesto(sezione, chiave).trimmed();
@@ -117,7 +101,7 @@ private slots:
 
     void copyMapsByKeyboard()
     {
-        auto *pagina = apri<PaginaElenchiMappe>(IdPagina::CreaDiscoMappe);
+        auto *pagina = apriChiedendo<PaginaElenchiMappe>(*frame, IdPagina::CreaDiscoMappe, domande);
         QVERIFY(pagina);
         QCOMPARE(fuoco(), pagina->ElencoMM());
         // MAPPATURE, CNG, Opel, LPG, Fiat: the make brings both of its maps.
@@ -152,7 +136,7 @@ private slots:
     {
         QVERIFY(QDir(d("MAPPATURE")).removeRecursively());
         domande.clear();
-        auto *pagina = apri<PaginaElenchiMappe>(IdPagina::RipriMappe);
+        auto *pagina = apriChiedendo<PaginaElenchiMappe>(*frame, IdPagina::RipriMappe, domande);
         QVERIFY(pagina);
         tasti({Qt::Key_Tab, Qt::Key_Tab});
         QCOMPARE(fuoco(), pagina->cartella()->campo());
@@ -175,7 +159,7 @@ private slots:
     void deleteMapByKeyboard()
     {
         domande.clear();
-        auto *pagina = apri<PaginaElenchiMappe>(IdPagina::CancelMappe);
+        auto *pagina = apriChiedendo<PaginaElenchiMappe>(*frame, IdPagina::CancelMappe, domande);
         QVERIFY(pagina);
         // MAPPATURE, LPG, Fiat, then open the make and the model down to the map.
         tasti({Qt::Key_Down, Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_Right, Qt::Key_Down});
@@ -197,7 +181,7 @@ private slots:
         scrivi(d("SOFTWARE/FILES19/KV2.S19"), "two");
         scrivi(d("SOFTWARE/FILES19/KV3.S19"), "three");
         domande.clear();
-        auto *crea = apri<PaginaSoftware>(IdPagina::CreaDiscoSW);
+        auto *crea = apriChiedendo<PaginaSoftware>(*frame, IdPagina::CreaDiscoSW, domande);
         QVERIFY(crea);
         QCOMPARE(crea->LSoftware()->count(), 2);
         tasti({Qt::Key_Down});
@@ -211,7 +195,7 @@ private slots:
         tasti({Qt::Key_Escape});
         QTRY_VERIFY(frame->menu());
 
-        auto *cancella = apri<PaginaSoftware>(IdPagina::CancelSW);
+        auto *cancella = apriChiedendo<PaginaSoftware>(*frame, IdPagina::CancelSW, domande);
         QVERIFY(cancella);
         // With nothing chosen, Delete deletes nothing and says so.
         tasti({Qt::Key_Delete});
@@ -225,7 +209,7 @@ private slots:
         QTRY_VERIFY(frame->menu());
 
         domande.clear();
-        auto *ripri = apri<PaginaSoftware>(IdPagina::RipriDiscoSW);
+        auto *ripri = apriChiedendo<PaginaSoftware>(*frame, IdPagina::RipriDiscoSW, domande);
         QVERIFY(ripri);
         tasti({Qt::Key_Tab});
         QTest::keyClicks(fuoco(), m("stick"));

@@ -24,20 +24,10 @@ namespace kv {
 
 namespace aiuto {
 
-using kv::datiLive;
-using kv::parola;
-inline QByteArray versione()
-{
-    return rispostaVersione();
-}
-
 inline bool copia(const QString &nome, const QString &cartella)
 {
     return QFile::copy(QStringLiteral(KV_SOURCE_DIR "/lang/") + nome, cartella + u'/' + nome);
 }
-
-// A port that counts its openings and may refuse them.
-using PortaContata = PortaFinta;
 
 // A page for the tests that counts how many of its kind are alive.
 struct PaginaContata : QWidget

@@ -9,7 +9,6 @@
 using namespace kv;
 
 using aiuto::Ambiente;
-using aiuto::datiLive;
 
 namespace {
 
@@ -99,10 +98,10 @@ private slots:
         QCOMPARE(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
         QVERIFY(!area->isEnabled());
         QCOMPARE(hex->text(), QString::fromLatin1(HexFrame(datiLive(0))));
-        a.arriva(aiuto::versione());
+        a.arriva(rispostaVersione());
         QVERIFY(stato->text().startsWith(a.testo("KORVANTINE", "COLLEGAMENTO.2")));
         for (const QByteArray &r :
-             {"r" + aiuto::parola(900), "r" + aiuto::parola(60), QByteArray("r\x01"), QByteArray("r\x00", 2)})
+             {"r" + parola(900), "r" + parola(60), QByteArray("r\x01"), QByteArray("r\x00", 2)})
             a.arriva(r);
         QVERIFY(!QApplication::overrideCursor());
         QVERIFY(area->isEnabled());

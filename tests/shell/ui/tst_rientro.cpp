@@ -10,7 +10,6 @@
 using namespace kv;
 
 using aiuto::Ambiente;
-using aiuto::datiLive;
 
 namespace {
 
