@@ -86,8 +86,6 @@ private slots:
         for (int s = 0; s < 4; ++s) {
             QVERIFY(g->grafico(s)->isVisible());
             QCOMPARE(g->grafico(s)->titolo(GraficoStriscia::AsseY), p->canali.TitoloCanale(2 + s));
-            QCOMPARE(FileIni::leggi(p->percorsoIni(), "GRAFICI", "Grafico_" + QString::number(s + 1)),
-                     QString::number(2 + s));
         }
         QCOMPARE(g->riga(4)->coloreGrafico(), std::nullopt);
         QCOMPARE(g->riga(1)->coloreGrafico(), Grafici::coloreSlot(1));

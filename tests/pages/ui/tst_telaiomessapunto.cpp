@@ -297,7 +297,7 @@ private slots:
         QCOMPARE(sfondo(dato(3)), Rosso);
     }
 
-    void adaptiveTpsLocksItsFields()
+    void adaptiveTpsLocksItsFieldsYetApplySendsThem()
     {
         p->catalogo.Valori[Par::TpsAutoadattante].Letto = 0;
         apri();
@@ -310,6 +310,10 @@ private slots:
         QTest::keyClicks(dato(2), "9 ");
         QCOMPARE(dato(2)->text().trimmed(), QString("25"));
         QCOMPARE(sfondo(dato(2)), QColor(Qt::black));
+        voce(Par::SogliaTpsEntrataMinimo, 0);
+        tasto("Applica")->click();
+        QVERIFY(attendi());
+        QCOMPARE(ram(Par::SogliaTpsEntrataMinimo), 100);
     }
 
     void livePanelFollowsTheStream()
