@@ -376,7 +376,7 @@ int main(int argc, char *argv[])
                 archivio.Memorizza(c, [] { return true; });
     }
     {
-        Memorf scheda(programma, &finestra);
+        Memorf scheda(programma.PercorsoApp, programma.lingua, programma.anello, &finestra);
         scheda.show();
         digita(scheda.casella(SchedaRegistrazione::Marca), QStringLiteral("Fiat"));
         scheda.elencoEsi()->setCurrentRow(1);

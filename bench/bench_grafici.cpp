@@ -13,6 +13,7 @@
 #include "monitoring/ui/BarraRegistrazione.h"
 #include "monitoring/ui/Grafici.h"
 #include "monitoring/ui/GraficoStriscia.h"
+#include "monitoring/ui/RegistroStrumenti.h"
 #include "monitoring/ui/Strumenti.h"
 #include "shell/Programma.h"
 
@@ -217,7 +218,7 @@ int main(int argc, char *argv[])
         p.anello.RegistrazioneAttiva = false;
     }
     if (misurare("grafici")) {
-        Grafici grafici(p);
+        Grafici grafici(ContestoMonitorDi(p));
         grafici.resize(1024, 700);
         grafici.show();
         grafici.carica();
@@ -233,7 +234,7 @@ int main(int argc, char *argv[])
         grafici.Esci();
     }
     if (misurare("strumenti")) {
-        Strumenti strumenti(p);
+        Strumenti strumenti(ContestoMonitorDi(p));
         strumenti.resize(1024, 700);
         strumenti.show();
         strumenti.carica();

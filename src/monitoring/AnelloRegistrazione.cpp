@@ -88,6 +88,7 @@ bool AnelloRegistrazione::MemorizzaCampione(const RecordDati &campione)
     const bool pieno = aggiungi(campione);
     if (pieno && StatoRegistrazione == InRegistrazione)
         ScriviRegistrazione(false);
+    emit campioneRegistrato(pieno);
     return pieno;
 }
 

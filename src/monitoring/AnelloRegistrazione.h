@@ -3,6 +3,7 @@
 #include "monitoring/Canali.h"
 
 #include <QByteArray>
+#include <QObject>
 #include <QString>
 
 #include <array>
@@ -21,8 +22,9 @@ namespace kv {
 // fitter; a half-written batch is cut off again, so what the file held before stays as it
 // was. The samples of that batch are lost, not silently as they once were, but with a
 // message.
-class AnelloRegistrazione
+class AnelloRegistrazione : public QObject
 {
+    Q_OBJECT
 public:
     static constexpr int LimiteSuperiore = 40;
     static constexpr int Dimensione = LimiteSuperiore + 1;
@@ -62,8 +64,8 @@ public:
     // Takes a decoded sample: the next slot gets the next sample number and channels 1..11.
     // True when the slot written is the last one, the moment a recording writes the ring.
     bool aggiungi(const RecordDati &campione);
-    // The same, and while recording a full ring goes to the file. Called for each live
-    // frame while a monitor window is open.
+    // The same, and while recording a full ring goes to the file; campioneRegistrato follows.
+    // Called for each live frame while a monitor window is open.
     bool MemorizzaCampione(const RecordDati &campione);
 
     // The writer; prima: the ring's whole history in time order, otherwise elements 0 up to
@@ -104,6 +106,11 @@ public:
     // A monitor window is open: every live record goes into the ring.
     bool RegistrazioneAttiva = false;
     QString FileRegistrazione; // full path, empty when none is chosen
+
+signals:
+    // A live sample stored by MemorizzaCampione; alLimite when its index is at the upper
+    // bound, the moment a recording writes the file and may fail.
+    void campioneRegistrato(bool alLimite);
 
 private:
     bool scrivi(const QByteArray &righe);

@@ -17,7 +17,7 @@ Programma::Programma(const QString &percorsoApp, Lingua &lingua, std::unique_ptr
     // While a monitor window records, every live record goes into the ring first.
     connect(&linea.datiLive(), &DatiLive::nuovoRecord, this, [this](const RecordDati &r) {
         if (anello.RegistrazioneAttiva)
-            emit campioneRegistrato(anello.MemorizzaCampione(r));
+            anello.MemorizzaCampione(r);
     });
     connect(&linea.datiLive(), &DatiLive::inMarciaCambiata, this, [this] { menu.ecuCambiata(linea.ecu()); });
 }

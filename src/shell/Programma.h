@@ -67,9 +67,6 @@ public:
 signals:
     // The port could not be opened; gruppo names the group to join when permission was lacking.
     void portaNonAperta(const QString &dispositivo, const QString &gruppo);
-    // The ring record just written while recording; alLimite when its index is at the upper
-    // bound.
-    void campioneRegistrato(bool alLimite);
 };
 
 } // namespace kv

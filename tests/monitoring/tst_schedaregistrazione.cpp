@@ -28,7 +28,7 @@ class TstSchedaRegistrazione : public QObject
 
     std::unique_ptr<QTemporaryDir> radice; // the program's folder is app/ inside it
     QString app;
-    AnelloRegistrazione anello;
+    std::unique_ptr<AnelloRegistrazione> anello;
     std::unique_ptr<S> scheda;
 
     QString dati(const QString &resto = {}) const
@@ -68,9 +68,9 @@ private slots:
         radice = std::make_unique<QTemporaryDir>();
         app = radice->filePath("app");
         QVERIFY(QDir().mkpath(app));
-        anello = AnelloRegistrazione();
-        anello.collega(nullptr, app);
-        scheda = std::make_unique<S>(app, anello);
+        anello = std::make_unique<AnelloRegistrazione>();
+        anello->collega(nullptr, app);
+        scheda = std::make_unique<S>(app, *anello);
         QVERIFY(scheda->Apri());
     }
 
@@ -92,7 +92,7 @@ private slots:
         QCOMPARE(righeNelFile(), QStringList{"Fiat/Punto/giro1/first drive"});
         QVERIFY(QFileInfo(dati("Fiat/Punto")).isDir());
         QCOMPARE(FileIni::leggi(PercorsoIni(app), "MEMORIZZAZIONE", "FileMemor"), file);
-        QCOMPARE(anello.FileRegistrazione, file);
+        QCOMPARE(anello->FileRegistrazione, file);
         {
             scheda->Chiudi();
             Archivio a;
@@ -211,7 +211,7 @@ private slots:
         QCOMPARE(e.casella, casella);
         QCOMPARE(istantanea(radice->path()), prima);
         QVERIFY(righeNelFile().isEmpty());
-        QVERIFY(anello.FileRegistrazione.isEmpty());
+        QVERIFY(anello->FileRegistrazione.isEmpty());
         // The fitter is told which name, readable.
         const QString testo = Inglese(MessaggioEsitoScheda(e));
         QVERIFY(!testo.isEmpty() && !testo.contains("XXX"));

@@ -5,7 +5,6 @@
 #include "monitoring/SchedaRegistrazione.h"
 #include "monitoring/ui/Memorf.h"
 #include "monitoring/ui/Visore.h"
-#include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
 
 #include <QAction>
@@ -115,10 +114,10 @@ QString titoloRegistrazione(const Lingua &lingua, const QString &sezione, int st
 
 } // namespace
 
-BarraRegistrazione::BarraRegistrazione(Programma &programma, QWidget *finestra, const QString &sezione,
-                                       Tipo tipo)
+BarraRegistrazione::BarraRegistrazione(const ContestoMonitor &contesto, QWidget *finestra,
+                                       const QString &sezione, Tipo tipo)
     : QObject(finestra)
-    , m_programma(programma)
+    , m_contesto(contesto)
     , m_finestra(finestra)
     , m_sezione(sezione)
     , m_tipo(tipo)
@@ -144,7 +143,7 @@ BarraRegistrazione::BarraRegistrazione(Programma &programma, QWidget *finestra, 
     m_barra->setFont(f);
 
     m_messaggio = [this](const QString &testo, int flags, const QString &titolo) {
-        return MostraMsg(m_programma.lingua, testo, flags, titolo, 0, m_finestra);
+        return MostraMsg(m_contesto.lingua, testo, flags, titolo, 0, m_finestra);
     };
 
     // The toolbar, in its order.
@@ -198,7 +197,8 @@ BarraRegistrazione::BarraRegistrazione(Programma &programma, QWidget *finestra, 
         if (QAction *a = azione(QString::fromLatin1(nome)))
             a->setShortcut(QKeySequence(tasto));
 
-    connect(&m_programma, &Programma::campioneRegistrato, this, &BarraRegistrazione::campioneRegistrato);
+    connect(&m_contesto.anello, &AnelloRegistrazione::campioneRegistrato, this,
+            &BarraRegistrazione::campioneRegistrato);
 }
 
 BarraRegistrazione::~BarraRegistrazione() = default;
@@ -220,7 +220,7 @@ QAction *BarraRegistrazione::azione(const QString &nome) const
 
 void BarraRegistrazione::carica()
 {
-    const Lingua &l = m_programma.lingua;
+    const Lingua &l = m_contesto.lingua;
     for (std::size_t i = 0; i < m_menuP.size(); ++i)
         m_menuP[i]->setTitle(l.LeggiTesto(m_sezione, "MENUP." + QString::number(i)));
     const auto testo = [&](const QString &nome, const QString &chiave) {
@@ -250,7 +250,7 @@ void BarraRegistrazione::carica()
         a->setText(senzaAcceleratore(t));
         a->setToolTip(senzaAcceleratore(t));
     }
-    AnelloRegistrazione &r = m_programma.anello;
+    AnelloRegistrazione &r = m_contesto.anello;
     // A failure met while no window could tell it (the frame closing) is old news by now.
     r.prendiErrore();
     r.impostaFileRegistrazione(r.LeggiFileRegistrazione());
@@ -261,15 +261,15 @@ void BarraRegistrazione::carica()
 void BarraRegistrazione::mostraLabRegistro(bool conFile)
 {
     if (m_labRegistro)
-        m_labRegistro->setText(m_programma.lingua.LeggiTesto("STRUMENTI", "LABREGISTRO.0") + QLatin1Char(' ')
-                               + (conFile ? m_programma.anello.FileRegistrazione : QString()));
+        m_labRegistro->setText(m_contesto.lingua.LeggiTesto("STRUMENTI", "LABREGISTRO.0") + QLatin1Char(' ')
+                               + (conFile ? m_contesto.anello.FileRegistrazione : QString()));
 }
 
 void BarraRegistrazione::aggiorna()
 {
-    const int stato = m_programma.anello.StatoRegistrazione;
-    m_finestra->setWindowTitle(titoloRegistrazione(m_programma.lingua, m_sezione, stato));
-    const Lingua &l = m_programma.lingua;
+    const int stato = m_contesto.anello.StatoRegistrazione;
+    m_finestra->setWindowTitle(titoloRegistrazione(m_contesto.lingua, m_sezione, stato));
+    const Lingua &l = m_contesto.lingua;
     m_indicatore->setText(l.LeggiTesto(m_sezione, QStringLiteral("LABREGISTRO.1")) + QLatin1Char(' ')
                           + l.LeggiTesto("REGISTRAZIONE", "STATOREG." + QString::number(stato)));
     QPalette colori = m_finestra->palette();
@@ -317,8 +317,8 @@ void BarraRegistrazione::mostraBlocco(bool bloccato)
 void BarraRegistrazione::comando(const QString &chiave)
 {
     const QString k = chiave.trimmed().toUpper();
-    AnelloRegistrazione &r = m_programma.anello;
-    const Lingua &l = m_programma.lingua;
+    AnelloRegistrazione &r = m_contesto.anello;
+    const Lingua &l = m_contesto.lingua;
     bool conFile = true;
     if (k == QLatin1String("INIZIO")) {
         if (!sceltaFile())
@@ -339,8 +339,8 @@ void BarraRegistrazione::comando(const QString &chiave)
         emit sblocca();
         return;
     } else if (k == QLatin1String("VISORE")) {
-        ApriVisore(m_programma.PercorsoApp, m_programma.lingua, m_programma.canali,
-                   m_programma.anello.FileRegistrazione, m_finestra);
+        ApriVisore(m_contesto.percorsoApp, m_contesto.lingua, m_contesto.canali,
+                   m_contesto.anello.FileRegistrazione, m_finestra);
         return;
     } else if (k == QLatin1String("ESCI")) {
         emit esci();
@@ -355,10 +355,10 @@ void BarraRegistrazione::comando(const QString &chiave)
 
 bool BarraRegistrazione::sceltaFile()
 {
-    AnelloRegistrazione &r = m_programma.anello;
+    AnelloRegistrazione &r = m_contesto.anello;
     if (r.StatoRegistrazione != AnelloRegistrazione::Fermo || !r.fileConDati())
         return true;
-    const Lingua &l = m_programma.lingua;
+    const Lingua &l = m_contesto.lingua;
     const QString testo =
         l.LeggiTesto("REGISTRAZIONE", "ACCODA").replace(QStringLiteral("XXX"), r.FileRegistrazione);
     const int risposta = m_messaggio(testo, 3 | 32, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
@@ -366,7 +366,7 @@ bool BarraRegistrazione::sceltaFile()
         return true;
     if (risposta != No)
         return false;
-    SchedaRegistrazione scheda(m_programma.PercorsoApp, r);
+    SchedaRegistrazione scheda(m_contesto.percorsoApp, r);
     scheda.Apri();
     const SchedaRegistrazione::Esito esito = scheda.NuovoFile();
     scheda.Chiudi();
@@ -390,25 +390,25 @@ void BarraRegistrazione::apriScheda()
     if (m_apriScheda) {
         m_apriScheda(m_finestra);
     } else {
-        Memorf scheda(m_programma, m_finestra);
+        Memorf scheda(m_contesto.percorsoApp, m_contesto.lingua, m_contesto.anello, m_finestra);
         scheda.exec();
     }
     if (visibile)
         m_finestra->show();
-    AnelloRegistrazione &r = m_programma.anello;
+    AnelloRegistrazione &r = m_contesto.anello;
     r.impostaFileRegistrazione(r.LeggiFileRegistrazione());
 }
 
 void BarraRegistrazione::chiudi()
 {
-    m_programma.anello.chiudiFinestra();
-    m_programma.anello.RegistrazioneAttiva = false;
+    m_contesto.anello.chiudiFinestra();
+    m_contesto.anello.RegistrazioneAttiva = false;
     segnalaErrore();
 }
 
 void BarraRegistrazione::campioneRegistrato(bool alLimite)
 {
-    if (!alLimite || m_erroreInAttesa || !m_programma.anello.inErrore())
+    if (!alLimite || m_erroreInAttesa || !m_contesto.anello.inErrore())
         return;
     // The write ran in the receive path: the box comes after it has returned.
     m_erroreInAttesa = true;
@@ -421,11 +421,11 @@ void BarraRegistrazione::campioneRegistrato(bool alLimite)
 
 void BarraRegistrazione::segnalaErrore()
 {
-    const auto e = m_programma.anello.prendiErrore();
+    const auto e = m_contesto.anello.prendiErrore();
     if (!e)
         return;
     aggiorna();
-    const Lingua &l = m_programma.lingua;
+    const Lingua &l = m_contesto.lingua;
     const bool percorso = e->tipo == AnelloRegistrazione::Errore::Tipo::Percorso;
     QString testo =
         percorso ? l.LeggiTesto("REGISTRAZIONE", "ERRORE.1") : l.LeggiTesto("REGISTRAZIONE", "ERRORE.0");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "link/DatiLive.h"
+#include "monitoring/ui/ContestoMonitor.h"
 
 #include <QObject>
 #include <QString>
@@ -16,8 +17,6 @@ class QToolBar;
 class QWidget;
 
 namespace kv {
-
-class Programma;
 
 // The recorder's controls of a monitor window: the toolbar MenuPrinc and the menus MenuP,
 // MenuFile, MenuReg, with their captions and tooltips from the window's section of the
@@ -42,7 +41,7 @@ public:
         Grafici
     };
 
-    BarraRegistrazione(Programma &programma, QWidget *finestra, const QString &sezione, Tipo tipo);
+    BarraRegistrazione(const ContestoMonitor &contesto, QWidget *finestra, const QString &sezione, Tipo tipo);
     ~BarraRegistrazione() override;
 
     QMenuBar *menu() const { return m_menu; }
@@ -89,7 +88,7 @@ private:
     bool sceltaFile();
     void apriScheda();
 
-    Programma &m_programma;
+    ContestoMonitor m_contesto;
     QWidget *m_finestra;
     QString m_sezione;
     Tipo m_tipo;

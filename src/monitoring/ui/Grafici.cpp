@@ -1,9 +1,10 @@
 #include "monitoring/ui/Grafici.h"
 #include "base/Lingua.h"
 
+#include "base/Configurazione.h"
+#include "monitoring/AnelloRegistrazione.h"
 #include "monitoring/ui/BarraRegistrazione.h"
 #include "monitoring/ui/GraficoStriscia.h"
-#include "shell/Programma.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -218,11 +219,11 @@ QColor Grafici::coloreSlot(int slot)
     return colori[static_cast<std::size_t>(std::clamp(slot, 0, NumeroGrafici - 1))];
 }
 
-Grafici::Grafici(Programma &programma, QWidget *parent)
+Grafici::Grafici(const ContestoMonitor &contesto, QWidget *parent)
     : QWidget(parent)
-    , m_programma(programma)
-    , m_modello(programma.canali, programma.percorsoIni())
-    , m_barra(new BarraRegistrazione(programma, this, QStringLiteral("Grafici"),
+    , m_contesto(contesto)
+    , m_modello(contesto.canali, PercorsoIni(contesto.percorsoApp))
+    , m_barra(new BarraRegistrazione(contesto, this, QStringLiteral("Grafici"),
                                      BarraRegistrazione::Tipo::Grafici))
     , m_visDati(new QTimer(this))
     , m_area(new QWidget(this))
@@ -231,7 +232,7 @@ Grafici::Grafici(Programma &programma, QWidget *parent)
     , m_labRegistro(new QLabel(this))
 {
     setObjectName(QStringLiteral("Grafici"));
-    connect(&programma.linea.datiLive(), &DatiLive::nuovoRecord, this,
+    connect(&contesto.datiLive, &DatiLive::nuovoRecord, this,
             [this](const RecordDati &r) { m_datoNuovo = r; });
     m_visDati->setInterval(PeriodoVisDati);
     connect(m_visDati, &QTimer::timeout, this, &Grafici::VisDati);
@@ -323,14 +324,14 @@ Grafici::Grafici(Programma &programma, QWidget *parent)
 Grafici::~Grafici()
 {
     if (!m_chiusa) {
-        m_programma.anello.chiudiFinestra();
-        m_programma.anello.RegistrazioneAttiva = false;
+        m_contesto.anello.chiudiFinestra();
+        m_contesto.anello.RegistrazioneAttiva = false;
     }
 }
 
 void Grafici::caricaTesti()
 {
-    const Lingua &l = m_programma.lingua;
+    const Lingua &l = m_contesto.lingua;
     m_titoloDati->setText(l.LeggiTesto("Grafici", "BOXDATI.CAPTION"));
     for (std::size_t r = 0; r < m_righe.size(); ++r) {
         const qint16 c = m_modello.righe[r].Canale;
@@ -342,12 +343,12 @@ void Grafici::carica()
 {
     m_modello.carica();
     caricaTesti();
-    AnelloRegistrazione &r = m_programma.anello;
+    AnelloRegistrazione &r = m_contesto.anello;
     // Opening the charts ends a recording left running in the instruments.
     r.azzera();
     r.StatoRegistrazione = AnelloRegistrazione::Fermo;
     r.ContaRegistrazione = -1;
-    m_programma.anello.RegistrazioneAttiva = true;
+    m_contesto.anello.RegistrazioneAttiva = true;
     m_barra->carica();
     m_barra->mostraBlocco(false);
     ridisegnoLayout();
@@ -474,7 +475,7 @@ void Grafici::VisDati()
         if (c < 0)
             break;
         const ModelloGrafici::TestoDato t = m_modello.testoDato(c, nuovo.Valore[static_cast<std::size_t>(c)]);
-        m_righe[r]->impostaValore(m_programma.lingua.testo(t.testo),
+        m_righe[r]->impostaValore(m_contesto.lingua.testo(t.testo),
                                   t.sfondo ? std::optional(daBgr(*t.sfondo)) : std::nullopt);
     }
 
@@ -501,7 +502,7 @@ void Grafici::blocca()
     m_barra->mostraBlocco(true);
     for (QShortcut *s : m_tastiScorrimento)
         s->setEnabled(true);
-    const QString aiuto = m_programma.lingua.LeggiTesto("Grafici", "SCORRI").trimmed();
+    const QString aiuto = m_contesto.lingua.LeggiTesto("Grafici", "SCORRI").trimmed();
     for (GraficoStriscia *g : m_grafici) {
         g->setToolTip(aiuto);
         g->setCursor(Qt::OpenHandCursor);

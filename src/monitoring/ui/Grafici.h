@@ -1,6 +1,7 @@
 #pragma once
 
 #include "monitoring/ModelloGrafici.h"
+#include "monitoring/ui/ContestoMonitor.h"
 
 #include <QAbstractButton>
 #include <QWidget>
@@ -17,7 +18,6 @@ namespace kv {
 
 class BarraRegistrazione;
 class GraficoStriscia;
-class Programma;
 
 // One row of the data panel: the channel's caption and its value, large. A click, Space
 // or Enter adds or removes the channel's chart; Up and Down move along the rows. A row
@@ -71,7 +71,7 @@ public:
     // Period of the display tick (VisDati), in ms.
     static constexpr int PeriodoVisDati = 100;
 
-    explicit Grafici(Programma &programma, QWidget *parent = nullptr);
+    explicit Grafici(const ContestoMonitor &contesto, QWidget *parent = nullptr);
     ~Grafici() override;
 
     // Captions, the recorder reset, the saved charts, the display tick started.
@@ -114,7 +114,7 @@ private:
     // Axes and curves of every slot in use, again from the ring.
     void ridisegnaTracce();
 
-    Programma &m_programma;
+    ContestoMonitor m_contesto;
     ModelloGrafici m_modello;
     BarraRegistrazione *m_barra;
     QTimer *m_visDati;

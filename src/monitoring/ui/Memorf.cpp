@@ -1,7 +1,6 @@
 #include "monitoring/ui/Memorf.h"
 #include "base/Lingua.h"
 
-#include "shell/Programma.h"
 #include "shell/ui/MsgBox1.h"
 #include "shell/ui/Stile.h"
 
@@ -44,10 +43,10 @@ public:
 
 } // namespace
 
-Memorf::Memorf(Programma &programma, QWidget *parent)
+Memorf::Memorf(const QString &percorsoApp, const Lingua &lingua, AnelloRegistrazione &anello, QWidget *parent)
     : QDialog(parent)
-    , m_programma(programma)
-    , m_logica(programma.PercorsoApp, programma.anello)
+    , m_lingua(lingua)
+    , m_logica(percorsoApp, anello)
     , m_scheda(new QGroupBox(this))
     , m_elenco(new QListWidget(this))
     , m_segnalazione(new QLabel(this))
@@ -55,10 +54,10 @@ Memorf::Memorf(Programma &programma, QWidget *parent)
     , m_esci(new QPushButton(this))
 {
     setObjectName(QStringLiteral("Memorf"));
-    const Lingua &l = programma.lingua;
+    const Lingua &l = lingua;
     // The one question here deletes a recording: a stray Enter answers No.
     m_messaggio = [this](const QString &testo, int flags, const QString &titolo) {
-        return MostraMsg(m_programma.lingua, testo, flags, titolo, flags == 36 ? 1 : 0, this);
+        return MostraMsg(m_lingua, testo, flags, titolo, flags == 36 ? 1 : 0, this);
     };
 
     setWindowTitle(l.LeggiTesto("Memorf", "CAPTION").trimmed());
@@ -193,7 +192,7 @@ void Memorf::titoloScheda()
 {
     const QString marca = m_caselle[SchedaRegistrazione::Marca]->text().trimmed();
     const QString modello = m_caselle[SchedaRegistrazione::Modello]->text().trimmed();
-    QString t = m_programma.lingua.LeggiTesto("Memorf", "SCHEDA").trimmed() + u' ';
+    QString t = m_lingua.LeggiTesto("Memorf", "SCHEDA").trimmed() + u' ';
     if (!marca.isEmpty() || !modello.isEmpty())
         t += QStringLiteral("- ") + marca + u' ' + modello;
     m_scheda->setTitle(t);
@@ -233,7 +232,7 @@ void Memorf::Memorizza()
     if (m_inMemorizza || !m_memorizza->isEnabled())
         return;
     QScopedValueRollback inMemorizza(m_inMemorizza, true);
-    const Lingua &l = m_programma.lingua;
+    const Lingua &l = m_lingua;
     SchedaRegistrazione::Caselle testi;
     for (std::size_t i = 0; i < m_caselle.size(); ++i)
         testi[i] = m_caselle[i]->text();

@@ -15,7 +15,8 @@ class QPushButton;
 
 namespace kv {
 
-class Programma;
+class AnelloRegistrazione;
+class Lingua;
 
 // The record card of a recording: make, model, file name and notes, with the cards already
 // in the archive whose make and model begin with what is typed. Memorizza stores the card
@@ -29,8 +30,10 @@ public:
     using Messaggio = std::function<int(const QString &testo, int flags, const QString &titolo)>;
 
     // Loads the card: captions, the archive opened and the list filled; a failed archive
-    // leaves the list and the card out of use and says why.
-    explicit Memorf(Programma &programma, QWidget *parent = nullptr);
+    // leaves the list and the card out of use and says why. The archive and the recordings
+    // are in the program's folder; a card stored sets the recorder's file.
+    Memorf(const QString &percorsoApp, const Lingua &lingua, AnelloRegistrazione &anello,
+           QWidget *parent = nullptr);
     ~Memorf() override;
 
     void impostaMessaggio(Messaggio messaggio) { m_messaggio = std::move(messaggio); }
@@ -55,7 +58,7 @@ private:
     void sceltaVoce(int riga);
     void titoloScheda();
 
-    Programma &m_programma;
+    const Lingua &m_lingua;
     SchedaRegistrazione m_logica;
     Messaggio m_messaggio;
     QGroupBox *m_scheda;

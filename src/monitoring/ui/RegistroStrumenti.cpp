@@ -27,7 +27,8 @@ void prepara(Korvantine &f, Finestra *pagina, const BarraRegistrazione::ApriSche
     } else {
         // Through the frame, so that the page outlives the card whatever happens meanwhile.
         barra.impostaApriScheda([&f](QWidget *finestra) {
-            Memorf scheda(f.programma(), finestra);
+            Programma &p = f.programma();
+            Memorf scheda(p.PercorsoApp, p.lingua, p.anello, finestra);
             f.eseguiModale(scheda);
         });
     }
@@ -37,15 +38,20 @@ void prepara(Korvantine &f, Finestra *pagina, const BarraRegistrazione::ApriSche
 
 } // namespace
 
+ContestoMonitor ContestoMonitorDi(Programma &p)
+{
+    return {p.PercorsoApp, p.lingua, p.canali, p.anello, p.linea.datiLive(), p.linea.motore(), p.catalogo};
+}
+
 void RegistraStrumenti(Korvantine &frame, BarraRegistrazione::ApriScheda apriScheda)
 {
     frame.registraPagina(IdPagina::Strumenti, [apriScheda](Korvantine &f) -> QWidget * {
-        auto *pagina = new Strumenti(f.programma());
+        auto *pagina = new Strumenti(ContestoMonitorDi(f.programma()));
         prepara(f, pagina, apriScheda);
         return pagina;
     });
     frame.registraPagina(IdPagina::Grafici, [apriScheda](Korvantine &f) -> QWidget * {
-        auto *pagina = new Grafici(f.programma());
+        auto *pagina = new Grafici(ContestoMonitorDi(f.programma()));
         prepara(f, pagina, apriScheda);
         return pagina;
     });

@@ -8,7 +8,6 @@
 #include "monitoring/ui/ImmaginiMotorino.h"
 #include "pages/LetturaStrumenti.h"
 #include "pages/PannelloLive.h"
-#include "shell/Programma.h"
 #include "variables/Formato.h"
 
 #include <QGridLayout>
@@ -49,13 +48,13 @@ QString numero(int n)
 
 } // namespace
 
-Strumenti::Strumenti(Programma &programma, QWidget *parent)
+Strumenti::Strumenti(const ContestoMonitor &contesto, QWidget *parent)
     : QWidget(parent)
-    , m_programma(programma)
-    , m_modello(std::make_unique<ModelloStrumenti>(programma.catalogo, programma.canali))
-    , m_lettura(new LetturaStrumenti(programma.linea.motore(), programma.catalogo, programma.anello, this))
+    , m_contesto(contesto)
+    , m_modello(std::make_unique<ModelloStrumenti>(contesto.catalogo, contesto.canali))
+    , m_lettura(new LetturaStrumenti(contesto.motore, contesto.catalogo, contesto.anello, this))
     , m_visDati(new QTimer(this))
-    , m_barra(new BarraRegistrazione(programma, this, QStringLiteral("Strumenti"),
+    , m_barra(new BarraRegistrazione(contesto, this, QStringLiteral("Strumenti"),
                                      BarraRegistrazione::Tipo::Strumenti))
 {
     setObjectName(QStringLiteral("Strumenti"));
@@ -64,7 +63,7 @@ Strumenti::Strumenti(Programma &programma, QWidget *parent)
     connect(m_visDati, &QTimer::timeout, this, &Strumenti::VisDati);
     connect(m_lettura, &LetturaStrumenti::valoreLetto, this, &Strumenti::mostraValore);
     connect(m_lettura, &LetturaStrumenti::letturaFinita, this, &Strumenti::letturaFinita);
-    connect(&programma.linea.datiLive(), &DatiLive::nuovoRecord, this,
+    connect(&contesto.datiLive, &DatiLive::nuovoRecord, this,
             [this](const RecordDati &r) { m_modello->ricevi(r); });
 
     auto *principale = new QVBoxLayout(this);
@@ -268,7 +267,7 @@ void Strumenti::coloraStato(QLabel *stato, const QColor &sfondo)
 
 void Strumenti::caricaTesti()
 {
-    const Lingua &l = m_programma.lingua;
+    const Lingua &l = m_contesto.lingua;
     setWindowTitle(l.LeggiTesto("Strumenti", "CAPTION"));
     m_boxGiri->setTitle(l.LeggiTesto("Strumenti", "BOXGIRI.CAPTION"));
     m_boxTps->setTitle(l.LeggiTesto("Strumenti", "BOXTPS.CAPTION"));
@@ -401,16 +400,16 @@ void Strumenti::VisDati()
         m_motorinoG->impostaPosizione(q.posizioneMotorino);
     }
     if (c.alimentazione) {
-        m_statoAlim->setText(m_programma.lingua.LeggiTesto("ALIMENTAZIONE", q.chiaveAlimentazione));
+        m_statoAlim->setText(m_contesto.lingua.LeggiTesto("ALIMENTAZIONE", q.chiaveAlimentazione));
         coloraStato(m_statoAlim, daBgr(q.coloreAlimentazione));
     }
     if (c.pompata) {
-        m_statoPompata->setText(m_programma.lingua.LeggiTesto("POMPATA", q.chiavePompata));
+        m_statoPompata->setText(m_contesto.lingua.LeggiTesto("POMPATA", q.chiavePompata));
         const bool attiva = m_modello->mostrato().Valore[Canale::Pompata] != 0;
         coloraStato(m_statoPompata, attiva ? ColorePompa : Cruscotto);
     }
     if (c.zona) {
-        m_zonaLavoro->setText(m_programma.lingua.testo(NomeZona(q.zona)));
+        m_zonaLavoro->setText(m_contesto.lingua.testo(NomeZona(q.zona)));
         coloraStato(m_zonaLavoro, Cruscotto);
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "monitoring/ui/ContestoMonitor.h"
+
 #include <QWidget>
 
 #include <array>
@@ -18,7 +20,6 @@ class BarraStrumento;
 class Contagiri;
 class LetturaStrumenti;
 class ModelloStrumenti;
-class Programma;
 class ScalaMotorino;
 
 // The instruments panel: engine speed, throttle, lambda and the stepper with the ECU's
@@ -31,7 +32,7 @@ public:
     // Period of the display tick (VisDati), in ms.
     static constexpr int PeriodoVisDati = 100;
 
-    explicit Strumenti(Programma &programma, QWidget *parent = nullptr);
+    explicit Strumenti(const ContestoMonitor &contesto, QWidget *parent = nullptr);
     ~Strumenti() override;
 
     // Captions, then the set points read if the port is open.
@@ -68,7 +69,7 @@ private:
     bool aggiornaScale();
     static void coloraStato(QLabel *stato, const QColor &sfondo);
 
-    Programma &m_programma;
+    ContestoMonitor m_contesto;
     std::unique_ptr<ModelloStrumenti> m_modello;
     LetturaStrumenti *m_lettura;
     QTimer *m_visDati;

@@ -2,7 +2,6 @@
 #include "base/Lingua.h"
 
 #include "base/Configurazione.h"
-#include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/Stile.h"
 
@@ -33,9 +32,15 @@ void rendiNormale(QListWidget *elenco)
 
 } // namespace
 
-Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &porte, QWidget *parent)
+Comunicazione::Comunicazione(Korvantine &frame, const Lingua &lingua, const QString &percorsoApp,
+                             ImpSeriale &seriale, std::function<bool()> apriPorta,
+                             const QList<PortaDisponibile> &porte, QWidget *parent)
     : QWidget(parent)
     , m_frame(frame)
+    , m_lingua(lingua)
+    , m_percorsoIni(PercorsoIni(percorsoApp))
+    , m_seriale(seriale)
+    , m_apriPorta(std::move(apriPorta))
     , m_seriali(new QListWidget(this))
     , m_baud(new QListWidget(this))
     , m_dispositivo(new QLineEdit(this))
@@ -43,8 +48,7 @@ Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &p
     , m_esci(new QPushButton(this))
 {
     setObjectName(QStringLiteral("Comunicazione"));
-    Programma &p = m_frame.programma();
-    const Lingua &l = p.lingua;
+    const Lingua &l = lingua;
     setWindowTitle(l.LeggiTesto("Comunicazione", "CAPTION").trimmed());
 
     m_seriali->setObjectName(QStringLiteral("Seriali"));
@@ -124,9 +128,9 @@ Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &p
     esterno->addStretch(1);
 
     // Select what the settings hold now; a value no entry shows leaves the list unselected.
-    p.LeggiImpSeriale();
+    leggiImpSeriale();
     const QString attuale =
-        p.seriale.Porta.startsWith(u'/') ? p.seriale.Porta : QStringLiteral("COM%1").arg(p.seriale.PortaCom);
+        m_seriale.Porta.startsWith(u'/') ? m_seriale.Porta : QStringLiteral("COM%1").arg(m_seriale.PortaCom);
     for (int i = 0; i < m_seriali->count(); ++i) {
         if (m_seriali->item(i)->data(RuoloValore).toString() == attuale) {
             m_seriali->setCurrentRow(i);
@@ -137,7 +141,7 @@ Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &p
     if (m_seriali->selectedItems().isEmpty() && attuale.startsWith(u'/'))
         m_dispositivo->setText(attuale);
     for (int i = 0; i < m_baud->count(); ++i) {
-        if (m_baud->item(i)->data(RuoloValore).toInt() == p.seriale.VelocitaCom)
+        if (m_baud->item(i)->data(RuoloValore).toInt() == m_seriale.VelocitaCom)
             m_baud->setCurrentRow(i);
     }
 
@@ -162,6 +166,11 @@ Comunicazione::Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &p
     setFocusProxy(m_seriali);
 }
 
+void Comunicazione::leggiImpSeriale()
+{
+    m_seriale = LeggiImpSeriale(m_percorsoIni, PortiSeriali());
+}
+
 void Comunicazione::segnalaMancante(QListWidget *elenco)
 {
     QApplication::beep();
@@ -177,7 +186,6 @@ void Comunicazione::Salva()
     if (m_inSalvataggio || !m_frame.paginaAperta(this))
         return;
     QScopedValueRollback inSalvataggio(m_inSalvataggio, true);
-    Programma &p = m_frame.programma();
     const QList<QListWidgetItem *> porta = m_seriali->selectedItems();
     const QList<QListWidgetItem *> baud = m_baud->selectedItems();
     const QString digitato = m_dispositivo->text().trimmed();
@@ -191,8 +199,8 @@ void Comunicazione::Salva()
             const QString chiave = esito == EsitoDispositivo::NonPercorso ? QStringLiteral("SEGNALAZIONE.1")
                                                                           : QStringLiteral("SEGNALAZIONE.2");
             m_frame.MostraMsg(
-                p.lingua.LeggiTesto("Comunicazione", chiave).replace(QStringLiteral("XXX"), digitato), 48,
-                p.lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
+                m_lingua.LeggiTesto("Comunicazione", chiave).replace(QStringLiteral("XXX"), digitato), 48,
+                m_lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
             if (m_frame.paginaAperta(this))
                 m_dispositivo->setFocus(Qt::OtherFocusReason);
             return;
@@ -202,17 +210,17 @@ void Comunicazione::Salva()
         segnalaMancante(m_baud);
         return;
     }
-    if (!scriviImpSeriale(p.percorsoIni(),
+    if (!scriviImpSeriale(m_percorsoIni,
                           porta.isEmpty() ? digitato : porta.first()->data(RuoloValore).toString(),
                           baud.first()->data(RuoloValore).toInt())) {
         // Nothing was written and the old file is whole: the fitter may try again.
-        m_frame.MostraMsg(p.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_19"), 16,
-                          p.lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_2"));
+        m_frame.MostraMsg(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_19"), 16,
+                          m_lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_2"));
         return;
     }
-    p.LeggiImpSeriale();
+    leggiImpSeriale();
     // A port that fails is reported by the frame; the page closes all the same.
-    p.ApriPorta();
+    m_apriPorta();
     m_frame.aggiornaStatoCollegamento();
     m_frame.ChiudiPagina(this);
 }

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QWidget>
 
+#include <functional>
+
 class QLabel;
 class QLineEdit;
 class QListWidget;
@@ -14,6 +16,7 @@ class QPushButton;
 namespace kv {
 
 class Korvantine;
+class Lingua;
 
 // The port page: the port (chosen in the list, or a device path typed) and the speed,
 // written to KORVANTINE.INI by Salva, which then reopens the port.
@@ -21,15 +24,22 @@ class Comunicazione : public QWidget
 {
     Q_OBJECT
 public:
-    Comunicazione(Korvantine &frame, const QList<PortaDisponibile> &porte, QWidget *parent = nullptr);
+    Comunicazione(Korvantine &frame, const Lingua &lingua, const QString &percorsoApp, ImpSeriale &seriale,
+                  std::function<bool()> apriPorta, const QList<PortaDisponibile> &porte,
+                  QWidget *parent = nullptr);
 
     void Salva();
     void Esci();
 
 private:
     void segnalaMancante(QListWidget *elenco);
+    void leggiImpSeriale();
 
     Korvantine &m_frame;
+    const Lingua &m_lingua;
+    QString m_percorsoIni;
+    ImpSeriale &m_seriale;
+    std::function<bool()> m_apriPorta;
     QListWidget *m_seriali;
     QListWidget *m_baud;
     QLineEdit *m_dispositivo; // a device typed, for one the system does not list

@@ -2,7 +2,6 @@
 #include "base/Lingua.h"
 
 #include "shell/InfoProgramma.h"
-#include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/Logo.h"
 
@@ -13,10 +12,10 @@
 
 namespace kv {
 
-Infor::Infor(Korvantine &frame) : QDialog(&frame)
+Infor::Infor(Korvantine &frame, const Lingua &lingua) : QDialog(&frame)
 {
     setObjectName(QStringLiteral("Infor"));
-    const Lingua &l = frame.programma().lingua;
+    const Lingua &l = lingua;
     setWindowTitle(l.LeggiTesto("Infor", "CAPTION").trimmed());
 
     auto *logo = new Logo(this);

@@ -5,13 +5,14 @@
 namespace kv {
 
 class Korvantine;
+class Lingua;
 
 // The about box, opened by the logo of the menu.
 class Infor : public QDialog
 {
     Q_OBJECT
 public:
-    explicit Infor(Korvantine &frame);
+    Infor(Korvantine &frame, const Lingua &lingua);
 };
 
 } // namespace kv

@@ -146,13 +146,19 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     connect(m_timerEliminazione, &QTimer::timeout, this, &Korvantine::eliminaSospese);
 
     registraPagina(IdPagina::Comunicazione,
-                   [](Korvantine &f) { return new Comunicazione(f, PorteDisponibili()); });
-    registraPagina(IdPagina::SceltaLingua, [](Korvantine &f) { return new SceltaLingua(f); });
-    registraPagina(IdPagina::VisInf, [](Korvantine &f) { return new VisInf(f); });
+                   [](Korvantine &f) { return NuovaComunicazione(f, PorteDisponibili()); });
+    registraPagina(IdPagina::SceltaLingua, [](Korvantine &f) {
+        return new SceltaLingua(f, f.programma().lingua, f.programma().PercorsoApp);
+    });
+    registraPagina(IdPagina::VisInf,
+                   [](Korvantine &f) { return new VisInf(f, f.programma().linea, f.programma().lingua); });
     registraPagina(
-        IdPagina::Password, [](Korvantine &f) { return new Password(f); }, Apertura::SopraIlMenu);
+        IdPagina::Password,
+        [](Korvantine &f) { return new Password(f, f.programma().menu, f.programma().lingua); },
+        Apertura::SopraIlMenu);
     registraPagina(
-        IdPagina::Infor, [](Korvantine &f) { return new Infor(f); }, Apertura::SopraIlMenu);
+        IdPagina::Infor, [](Korvantine &f) { return new Infor(f, f.programma().lingua); },
+        Apertura::SopraIlMenu);
     // The tuning, live-data, calibration, programming and archive pages are registered by
     // their own units; until they are, their menu entries say they are not there yet.
 
@@ -344,7 +350,10 @@ void Korvantine::mostraMenu()
         return;
     if (m_pagina)
         togliPagina(m_pagina);
-    auto *m = new MainLambda(*this);
+    // The serial settings afresh whenever the menu comes up, as it always did: the strip
+    // names the port from them.
+    m_programma.LeggiImpSeriale();
+    auto *m = new MainLambda(*this, m_programma.menu, m_programma.linea.ecu(), m_programma.lingua);
     mettiInArea(m, IdPagina::Nessuna);
     m->setEnabled(!m_sopra);
     m->daiFuoco();
@@ -645,6 +654,13 @@ void Korvantine::closeEvent(QCloseEvent *evento)
         evento->accept();
     else
         evento->ignore();
+}
+
+Comunicazione *NuovaComunicazione(Korvantine &frame, const QList<PortaDisponibile> &porte)
+{
+    Programma &p = frame.programma();
+    return new Comunicazione(
+        frame, p.lingua, p.PercorsoApp, p.seriale, [&p] { return p.ApriPorta(); }, porte);
 }
 
 } // namespace kv

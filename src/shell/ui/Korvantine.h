@@ -3,6 +3,7 @@
 #include "shell/FaseTaratura.h"
 #include "shell/IdPagina.h"
 
+#include <QList>
 #include <QPointer>
 #include <QWidget>
 
@@ -17,17 +18,20 @@ class QTimer;
 
 namespace kv {
 
+class Comunicazione;
 class MainLambda;
 class MsgBox1;
 class Programma;
+struct PortaDisponibile;
 
 // The main frame: one page at a time inside it, the message strip under it. It follows the
 // link (menu refresh, wait cursor, the watchdog's return to the menu) and opens the pages
 // through a registry, so that each page is one unit that the frame does not know.
 //
 // How a page lives:
-// - It is made by its factory when opened, with the frame as its way to everything else
-//   (programma(), MostraMsg(), ChiudiPagina()). It sets its title with setWindowTitle().
+// - It is made by its factory when opened. The factory hands it the pieces of programma()
+//   it works with; the frame is its way to the rest (MostraMsg(), ChiudiPagina()). It sets
+//   its title with setWindowTitle().
 // - It leaves with ChiudiPagina(this). The frame hides it at once and deletes it later,
 //   never while a message box is running, so a handler that is still on the stack may
 //   return through the page safely. Such a handler asks paginaAperta(this) before going on.
@@ -64,6 +68,7 @@ public:
     explicit Korvantine(Programma &programma, QWidget *parent = nullptr);
     ~Korvantine() override;
 
+    // For the page factories, which hand each page its pieces of the program.
     Programma &programma() { return m_programma; }
 
     // Shows the frame with the main menu, selection cleared; then the messages held so far.
@@ -192,5 +197,9 @@ private:
     bool m_avviato = false;
     bool m_chiusuraConsentita = false;
 };
+
+// The port page on the program's serial settings, with porte in its list: the system's in
+// the frame, a test's own in a test.
+Comunicazione *NuovaComunicazione(Korvantine &frame, const QList<PortaDisponibile> &porte);
 
 } // namespace kv

@@ -1,8 +1,9 @@
 #include "shell/ui/MainLambda.h"
 #include "base/Lingua.h"
 
+#include "link/StatoEcu.h"
 #include "shell/InfoProgramma.h"
-#include "shell/Programma.h"
+#include "shell/StatoMenu.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/Logo.h"
 
@@ -136,9 +137,13 @@ void VoceOpzione::keyPressEvent(QKeyEvent *evento)
 
 // ---- MainLambda
 
-MainLambda::MainLambda(Korvantine &frame, QWidget *parent)
+MainLambda::MainLambda(Korvantine &frame, StatoMenu &menu, const StatoEcu &ecu, const Lingua &lingua,
+                       QWidget *parent)
     : QWidget(parent)
     , m_frame(frame)
+    , m_menu(menu)
+    , m_ecu(ecu)
+    , m_lingua(lingua)
     , m_boxMenu(new QGroupBox(this))
     , m_uscita(new QPushButton(this))
     , m_logo(new Logo(this))
@@ -202,42 +207,38 @@ MainLambda::MainLambda(Korvantine &frame, QWidget *parent)
     colonna->addStretch(1);
     colonna->addLayout(fondo);
 
-    Programma &p = m_frame.programma();
-    m_versione->setText(InfoProgramma::TestoVersione(p.lingua.LeggiTesto("MainLambda", "VERSIONE")));
-    p.LeggiImpSeriale();
+    m_versione->setText(InfoProgramma::TestoVersione(m_lingua.LeggiTesto("MainLambda", "VERSIONE")));
     AggiornaMenu();
 }
 
 void MainLambda::AggiornaMenu()
 {
-    Programma &p = m_frame.programma();
-    p.menu.ecuCambiata(p.linea.ecu());
-    setWindowTitle(p.lingua.LeggiTesto("KORVANTINE", "CAPTION").trimmed());
+    m_menu.ecuCambiata(m_ecu);
+    setWindowTitle(m_lingua.LeggiTesto("KORVANTINE", "CAPTION").trimmed());
     for (int i = 0; i < Menu::NumeroFunzioni; ++i) {
-        funzione(i)->setText(p.lingua.LeggiTesto("MainLambda", Menu::ChiaveFunzione(i)).trimmed());
-        funzione(i)->setEnabled(Menu::FunzioneAbilitata(i, p.linea.ecu()));
+        funzione(i)->setText(m_lingua.LeggiTesto("MainLambda", Menu::ChiaveFunzione(i)).trimmed());
+        funzione(i)->setEnabled(Menu::FunzioneAbilitata(i, m_ecu));
     }
-    m_uscita->setText(p.lingua.LeggiTesto("MainLambda", "USCITA").trimmed());
-    ScegliFunzione(static_cast<int>(p.menu.FunzioneScelta()));
+    m_uscita->setText(m_lingua.LeggiTesto("MainLambda", "USCITA").trimmed());
+    ScegliFunzione(static_cast<int>(m_menu.FunzioneScelta()));
 }
 
 void MainLambda::ScegliFunzione(int indice)
 {
-    Programma &p = m_frame.programma();
     setEnabled(!m_frame.paginaSopra());
     const bool valido = indice >= 0 && indice < Menu::NumeroFunzioni;
-    if (indice != static_cast<int>(p.menu.FunzioneScelta()) || !valido) {
+    if (indice != static_cast<int>(m_menu.FunzioneScelta()) || !valido) {
         m_boxMenu->hide();
         m_boxMenu->setEnabled(false);
     }
     if (valido || indice == -1)
-        p.menu.scegli(static_cast<Funzione>(indice));
+        m_menu.scegli(static_cast<Funzione>(indice));
     for (int i = 0; i < Menu::NumeroFunzioni; ++i)
         funzione(i)->setChecked(valido && i == indice);
 
     if (valido) {
-        m_voci = Menu::Opzioni(indice, p.linea.ecu(), p.menu.ModoAssistenza(), [&p](const QString &chiave) {
-            return p.lingua.LeggiTesto("MainLambda", chiave);
+        m_voci = Menu::Opzioni(indice, m_ecu, m_menu.ModoAssistenza(), [this](const QString &chiave) {
+            return m_lingua.LeggiTesto("MainLambda", chiave);
         });
         for (int i = 0; i < Menu::NumeroOpzioni; ++i) {
             const Menu::Voce &v = m_voci[static_cast<size_t>(i)];
@@ -259,7 +260,7 @@ void MainLambda::daiFuoco()
 {
     // Back from a page, the keys are where the fitter left them: on the entry chosen last,
     // or on its function when that entry is gone.
-    const int scelta = static_cast<int>(m_frame.programma().menu.FunzioneScelta());
+    const int scelta = static_cast<int>(m_menu.FunzioneScelta());
     if (scelta >= 0 && scelta < Menu::NumeroFunzioni) {
         const auto [funzioneVoce, indice] = m_frame.voceScelta();
         if (funzioneVoce == scelta && indice >= 0 && indice < Menu::NumeroOpzioni && !m_boxMenu->isHidden()) {
@@ -306,14 +307,14 @@ void MainLambda::cliccaOpzione(int indice)
     const Menu::Voce voce = m_voci[static_cast<size_t>(indice)];
     if (!voce.abilitata)
         return;
-    m_frame.ricordaVoce(static_cast<int>(m_frame.programma().menu.FunzioneScelta()), indice);
+    m_frame.ricordaVoce(static_cast<int>(m_menu.FunzioneScelta()), indice);
     QScopedValueRollback inApertura(m_inApertura, true);
     // A page comes with its own unit, which puts it in the frame's registry; an entry whose
     // unit is not in this build says so rather than doing nothing.
     const bool pronta = voce.pagina == IdPagina::SequenzaTaratura ? m_frame.sequenzaTaraturaDisponibile()
                                                                   : m_frame.paginaRegistrata(voce.pagina);
     if (!pronta) {
-        const Lingua &l = m_frame.programma().lingua;
+        const Lingua &l = m_lingua;
         m_frame.MostraMsg(voce.caption + QStringLiteral("\n\n")
                               + l.LeggiTesto("KORVANTINE", "NON_DISPONIBILE"),
                           64, l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
@@ -333,7 +334,7 @@ void MainLambda::esc()
         const bool fuocoNelBox = m_boxMenu->isAncestorOf(QApplication::focusWidget());
         m_boxMenu->hide();
         m_boxMenu->setEnabled(false);
-        const int scelta = static_cast<int>(m_frame.programma().menu.FunzioneScelta());
+        const int scelta = static_cast<int>(m_menu.FunzioneScelta());
         if (fuocoNelBox && scelta >= 0 && scelta < Menu::NumeroFunzioni && funzione(scelta)->isEnabled())
             funzione(scelta)->setFocus(Qt::OtherFocusReason);
         return;
@@ -341,7 +342,7 @@ void MainLambda::esc()
     if (m_inDomanda)
         return;
     QScopedValueRollback inDomanda(m_inDomanda, true);
-    const Lingua &l = m_frame.programma().lingua;
+    const Lingua &l = m_lingua;
     // No is the default, so that a second Esc or an Enter does not end the program.
     const int risposta = m_frame.MostraMsg(l.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_50"), 36,
                                            l.LeggiTesto("SEGNALAZIONI", "TITOLO_1"), 1);

@@ -15,6 +15,7 @@ class QPushButton;
 namespace kv {
 
 class Korvantine;
+class Lingua;
 class Logo;
 
 // One entry of the option box: it takes the focus when the mouse passes over it, and the
@@ -46,7 +47,8 @@ class MainLambda : public QWidget
 {
     Q_OBJECT
 public:
-    explicit MainLambda(Korvantine &frame, QWidget *parent = nullptr);
+    MainLambda(Korvantine &frame, StatoMenu &menu, const StatoEcu &ecu, const Lingua &lingua,
+               QWidget *parent = nullptr);
 
     void AggiornaMenu();
     // -1 clears the selection, 0 to 4 shows that function's options, 99 ends the program.
@@ -66,6 +68,9 @@ private:
     void esc();
 
     Korvantine &m_frame;
+    StatoMenu &m_menu;
+    const StatoEcu &m_ecu;
+    const Lingua &m_lingua;
     std::array<QPushButton *, Menu::NumeroFunzioni> m_funzione{};
     std::array<VoceOpzione *, Menu::NumeroOpzioni> m_opzioni{};
     std::vector<Menu::Voce> m_voci;

@@ -2,7 +2,6 @@
 #include "base/Lingua.h"
 
 #include "shell/Menu.h"
-#include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 
 #include <QHBoxLayout>
@@ -15,10 +14,15 @@
 
 namespace kv {
 
-Password::Password(Korvantine &frame) : QDialog(&frame), m_frame(frame), m_parola(new QLineEdit(this))
+Password::Password(Korvantine &frame, StatoMenu &menu, const Lingua &lingua)
+    : QDialog(&frame)
+    , m_frame(frame)
+    , m_menu(menu)
+    , m_lingua(lingua)
+    , m_parola(new QLineEdit(this))
 {
     setObjectName(QStringLiteral("Password"));
-    const Lingua &l = frame.programma().lingua;
+    const Lingua &l = lingua;
     setWindowTitle(l.LeggiTesto("Password", "CAPTION").trimmed());
 
     m_parola->setObjectName(QStringLiteral("Parola"));
@@ -69,10 +73,9 @@ void Password::TastoOK()
     if (m_inVerifica || !m_frame.paginaAperta(this))
         return;
     QScopedValueRollback inVerifica(m_inVerifica, true);
-    Programma &p = m_frame.programma();
-    if (Menu::VerificaParola(p.menu, m_parola->text()) == Menu::EsitoParola::Errata) {
-        m_frame.MostraMsg(p.lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_22"), 48,
-                          p.lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
+    if (Menu::VerificaParola(m_menu, m_parola->text()) == Menu::EsitoParola::Errata) {
+        m_frame.MostraMsg(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_22"), 48,
+                          m_lingua.LeggiTesto("SEGNALAZIONI", "TITOLO_1"));
     }
     // The list on view is not rebuilt: the new mode shows when a function is next chosen.
     m_frame.ChiudiPagina(this);

@@ -7,13 +7,15 @@ class QLineEdit;
 namespace kv {
 
 class Korvantine;
+class Lingua;
+class StatoMenu;
 
 // The access word of the service mode.
 class Password : public QDialog
 {
     Q_OBJECT
 public:
-    explicit Password(Korvantine &frame);
+    Password(Korvantine &frame, StatoMenu &menu, const Lingua &lingua);
 
     void TastoOK();
 
@@ -22,6 +24,8 @@ protected:
 
 private:
     Korvantine &m_frame;
+    StatoMenu &m_menu;
+    const Lingua &m_lingua;
     QLineEdit *m_parola;
     bool m_inVerifica = false;
 };

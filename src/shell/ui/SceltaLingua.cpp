@@ -1,8 +1,8 @@
 #include "shell/ui/SceltaLingua.h"
 #include "base/Lingua.h"
 
+#include "base/Configurazione.h"
 #include "base/FileIni.h"
-#include "shell/Programma.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/Stile.h"
 
@@ -29,25 +29,26 @@ QString confrontabile(const QString &nome)
 
 } // namespace
 
-SceltaLingua::SceltaLingua(Korvantine &frame, QWidget *parent)
+SceltaLingua::SceltaLingua(Korvantine &frame, Lingua &lingua, const QString &percorsoApp, QWidget *parent)
     : QWidget(parent)
     , m_frame(frame)
+    , m_lingua(lingua)
+    , m_percorsoApp(percorsoApp)
     , m_elenco(new QListWidget(this))
 {
     setObjectName(QStringLiteral("SceltaLingua"));
-    Programma &p = m_frame.programma();
-    const Lingua &l = p.lingua;
+    const Lingua &l = lingua;
     setWindowTitle(l.LeggiTesto("SceltaLingua", "CAPTION").trimmed());
     m_elenco->setObjectName(QStringLiteral("ElencoLingue"));
 
     // The folder's files as they are: the list of languages is not kept anywhere else.
-    const QDir cartella(p.PercorsoApp.isEmpty() ? QStringLiteral("/") : p.PercorsoApp);
+    const QDir cartella(percorsoApp.isEmpty() ? QStringLiteral("/") : percorsoApp);
     const QStringList file = cartella.entryList(QDir::Files, QDir::Name | QDir::IgnoreCase);
     for (const QString &nome : file) {
         if (nome.size() <= Estensione.size() || !nome.endsWith(Estensione, Qt::CaseInsensitive))
             continue;
         // Each language by its own name, as its file gives it; the file's name otherwise.
-        Lingua questa(p.PercorsoApp);
+        Lingua questa(percorsoApp);
         questa.impostaCartelleDistribuite(l.cartelleDistribuite());
         questa.LinguaCorrente = nome.chopped(Estensione.size());
         const QString proprio =
@@ -103,8 +104,7 @@ void SceltaLingua::Scegli()
     if (m_inScelta || !m_frame.paginaAperta(this))
         return;
     QScopedValueRollback inScelta(m_inScelta, true);
-    Programma &p = m_frame.programma();
-    Lingua &l = p.lingua;
+    Lingua &l = m_lingua;
     const QList<QListWidgetItem *> scelta = m_elenco->selectedItems();
     if (scelta.isEmpty()) {
         QApplication::beep();
@@ -121,7 +121,7 @@ void SceltaLingua::Scegli()
         }
     }
     // Written in every case, as the program always did: with no choice it is the same language.
-    FileIni::scrivi(p.percorsoIni(), QStringLiteral("IMPOSTAZIONI"), QStringLiteral("Lingua"),
+    FileIni::scrivi(PercorsoIni(m_percorsoApp), QStringLiteral("IMPOSTAZIONI"), QStringLiteral("Lingua"),
                     l.LinguaCorrente);
     m_frame.ChiudiPagina(this);
 }

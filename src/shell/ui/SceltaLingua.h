@@ -7,6 +7,7 @@ class QListWidget;
 namespace kv {
 
 class Korvantine;
+class Lingua;
 
 // The language page: the .LNG files beside the program, the one in use selected. The
 // choice reaches each page at its next opening.
@@ -14,13 +15,15 @@ class SceltaLingua : public QWidget
 {
     Q_OBJECT
 public:
-    explicit SceltaLingua(Korvantine &frame, QWidget *parent = nullptr);
+    SceltaLingua(Korvantine &frame, Lingua &lingua, const QString &percorsoApp, QWidget *parent = nullptr);
 
     void Scegli();
     void Esci();
 
 private:
     Korvantine &m_frame;
+    Lingua &m_lingua; // the one the windows read, which the choice changes
+    QString m_percorsoApp;
     QListWidget *m_elenco;
     bool m_inScelta = false;
 };

@@ -1,7 +1,7 @@
 #include "shell/ui/VisInf.h"
 #include "base/Lingua.h"
 
-#include "shell/Programma.h"
+#include "link/SessioneLinea.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/Stile.h"
 
@@ -17,11 +17,13 @@
 
 namespace kv {
 
-VisInf::VisInf(Korvantine &frame, QWidget *parent) : QWidget(parent), m_frame(frame)
+VisInf::VisInf(Korvantine &frame, SessioneLinea &linea, const Lingua &lingua, QWidget *parent)
+    : QWidget(parent)
+    , m_frame(frame)
+    , m_linea(linea)
 {
     setObjectName(QStringLiteral("VisInf"));
-    Programma &p = m_frame.programma();
-    const Lingua &l = p.lingua;
+    const Lingua &l = lingua;
     setWindowTitle(l.LeggiTesto("VisInf", "CAPTION").trimmed());
 
     auto *box = new QGroupBox(this);
@@ -69,7 +71,7 @@ VisInf::VisInf(Korvantine &frame, QWidget *parent) : QWidget(parent), m_frame(fr
     colonna->addStretch(2);
     setFocusProxy(ok);
 
-    connect(&p.linea.identificazione(), &Identificazione::identificata, this, &VisInf::aggiorna);
+    connect(&m_linea.identificazione(), &Identificazione::identificata, this, &VisInf::aggiorna);
     aggiorna();
 }
 
@@ -80,7 +82,7 @@ QString VisInf::valore(int i) const
 
 void VisInf::aggiorna()
 {
-    const StatoEcu &s = m_frame.programma().linea.ecu();
+    const StatoEcu &s = m_linea.ecu();
     const QString valori[] = {s.InfCodice, s.InfVeicolo, s.InfDatoA, s.InfDatoB};
     for (size_t i = 0; i < m_infVis.size(); ++i)
         m_infVis[i]->setText(valori[i]);

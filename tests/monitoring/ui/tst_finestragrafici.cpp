@@ -7,9 +7,9 @@
 #include "support/SolaLettura.h"
 
 #include "base/FileIni.h"
-#include "monitoring/ui/BarraRegistrazione.h"
 #include "monitoring/ui/Grafici.h"
 #include "monitoring/ui/GraficoStriscia.h"
+#include "monitoring/ui/RegistroStrumenti.h"
 
 #include <QAction>
 #include <QApplication>
@@ -40,7 +40,7 @@ class TstFinestraGrafici : public QObject, ProgrammaSimulato
 
     void apri()
     {
-        g = std::make_unique<Grafici>(*p);
+        g = std::make_unique<Grafici>(ContestoMonitorDi(*p));
         g->barra().impostaMessaggio([this](const QString &t, int, const QString &) {
             messaggi << t;
             return risposta;

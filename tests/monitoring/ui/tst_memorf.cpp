@@ -66,7 +66,7 @@ class TstMemorf : public QObject, ProgrammaSimulato
 
     std::unique_ptr<Memorf> apriScheda()
     {
-        auto m = std::make_unique<Memorf>(*p);
+        auto m = std::make_unique<Memorf>(p->PercorsoApp, p->lingua, p->anello);
         m->impostaMessaggio([this](const QString &t, int flags, const QString &) {
             messaggi << t;
             return flags == 36 ? risposta : 1;

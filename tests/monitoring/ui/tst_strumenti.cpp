@@ -9,10 +9,10 @@
 #include "monitoring/ui/BarraStrumento.h"
 #include "monitoring/ui/Contagiri.h"
 #include "monitoring/ui/ImmaginiMotorino.h"
+#include "monitoring/ui/RegistroStrumenti.h"
 #include "monitoring/ui/Strumenti.h"
 #include "pages/LetturaStrumenti.h"
 #include "pages/PannelloLive.h"
-#include "shell/Programma.h"
 
 #include <QLabel>
 #include <QSignalSpy>
@@ -237,7 +237,7 @@ private slots:
         lettura.reset();
         const QString file = cartella.filePath("PROVA.ACQ");
         scrivi(p->percorsoIni(), "[MEMORIZZAZIONE]\r\nFileMemor= " + file.toLocal8Bit() + " \r\n");
-        Strumenti s(*p);
+        Strumenti s(ContestoMonitorDi(*p));
         s.resize(1100, 600);
         s.show();
         QVERIFY(QTest::qWaitForWindowExposed(&s));

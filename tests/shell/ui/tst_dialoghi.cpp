@@ -25,7 +25,7 @@ QWidget *apriComunicazione(Ambiente &a, const QByteArray &ini = {})
     if (!ini.isEmpty())
         scrivi(a.programma->percorsoIni(), ini);
     a.frame->registraPagina(IdPagina::Comunicazione,
-                            [](Korvantine &f) { return new Comunicazione(f, Porte); });
+                            [](Korvantine &f) { return NuovaComunicazione(f, Porte); });
     return a.frame->apriPagina(IdPagina::Comunicazione);
 }
 

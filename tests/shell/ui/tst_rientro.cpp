@@ -145,7 +145,7 @@ private slots:
         Ambiente a(false);
         a.porta->riesce = false;
         a.frame->registraPagina(IdPagina::Comunicazione,
-                                [](Korvantine &f) { return new Comunicazione(f, {}); });
+                                [](Korvantine &f) { return NuovaComunicazione(f, {}); });
         auto *pagina = qobject_cast<Comunicazione *>(a.frame->apriPagina(IdPagina::Comunicazione));
         QVERIFY(pagina);
         aiuto::Risponditore r(0);
