@@ -2,13 +2,13 @@
 
 namespace kv {
 
-Programma::Programma(const QString &percorsoApp, Lingua &lingua, std::unique_ptr<Porta> porta,
+Programma::Programma(const QString &percorsoApp, Lingua &linguaPrestata, std::unique_ptr<Porta> porta,
                      std::unique_ptr<Temporizzatore> timeOutReq, std::unique_ptr<Temporizzatore> timeOutDati,
                      std::unique_ptr<Temporizzatore> riapertura, std::unique_ptr<Temporizzatore> silenzio,
                      QObject *parent)
     : QObject(parent)
     , PercorsoApp(percorsoApp)
-    , lingua(lingua)
+    , lingua(linguaPrestata)
     , linea(percorsoApp + QStringLiteral("/MESSAGGI.TXT"), catalogo, std::move(porta), std::move(timeOutReq),
             std::move(timeOutDati), std::move(riapertura), std::move(silenzio))
     , storico(percorsoApp, linea, catalogo)

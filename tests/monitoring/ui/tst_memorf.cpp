@@ -11,6 +11,7 @@
 #include "monitoring/ui/Grafici.h"
 #include "monitoring/ui/Memorf.h"
 #include "monitoring/ui/RegistroStrumenti.h"
+#include "monitoring/ui/Strumenti.h"
 #include "shell/ui/Korvantine.h"
 #include "shell/ui/MsgBox1.h"
 
@@ -230,6 +231,11 @@ private slots:
         // What the file holds, and the same card again, are the recorder's and the card's own tests.
         g->Esci();
         QVERIFY(!finestra.paginaAperta(g));
+        // The instruments through the same registry: read, then gone by their own way out.
+        auto *s = qobject_cast<Strumenti *>(finestra.apriPagina(IdPagina::Strumenti));
+        QVERIFY(s && attendi());
+        s->Esci();
+        QVERIFY(!finestra.paginaAperta(s));
     }
 };
 
