@@ -62,8 +62,7 @@ int soloVisore(const QString &file, const QString &home)
     const QString percorsoApp = RisolviPercorsoApp(home, cartellaEseguibile, CartellaDatiUtente());
     const Lingua lingua = Lingua::DellaCartella(percorsoApp, cartellaEseguibile);
     TabellaCanali canali;
-    canali.InizializzaCanali(
-        [&lingua](const QString &s, const QString &k) { return lingua.LeggiTesto(s, k); });
+    canali.InizializzaCanali(lingua.Cerca());
     Visore visore(percorsoApp, lingua, canali);
     visore.permettiSchede(false);
     visore.resize(1280, 780);
@@ -197,8 +196,7 @@ int main(int argc, char *argv[])
         InstallaMenuOperatore(finestra, ecuDemo);
 
     lingua.LeggiImpLingua();
-    Avvio::esegui(programma,
-                  [&lingua](const QString &s, const QString &k) { return lingua.LeggiTesto(s, k); });
+    Avvio::esegui(programma, lingua.Cerca());
     // Something to flash into the simulated ECU, when the home has no release of its own.
     if (inDemo)
         PreparaRilascioDemo(programma.PercorsoApp, programma.lingua);

@@ -136,8 +136,7 @@ int main(int argc, char *argv[])
     Programma p(cartella.path(), lingua, std::make_unique<PortaSeriale>(),
                 std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
     p.lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-    p.canali.InizializzaCanali(
-        [&p](const QString &s, const QString &k) { return p.lingua.LeggiTesto(s, k); });
+    p.canali.InizializzaCanali(p.lingua.Cerca());
     p.seriale.VelocitaCom = 115200;
     p.dispositivoForzato = ecu->percorsoDispositivo();
     if (!p.ApriPorta()) {

@@ -51,8 +51,7 @@ void canaliInglesi(Lingua &lingua, TabellaCanali &canali)
 {
     lingua.PercorsoApp = QStringLiteral(KV_SOURCE_DIR "/lang");
     lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-    canali.InizializzaCanali(
-        [&lingua](const QString &s, const QString &k) { return lingua.LeggiTesto(s, k); });
+    canali.InizializzaCanali(lingua.Cerca());
 }
 
 // A drive: the engine's speed swings between idle and 4000 RPM, throttle and lambda follow,

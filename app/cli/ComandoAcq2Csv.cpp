@@ -57,8 +57,7 @@ int acq2csv(const QStringList &argomenti)
     const Lingua lingua =
         Lingua::DellaCartella(RisolviPercorsoApp({}, eseguibile, CartellaDatiUtente()), eseguibile);
     TabellaCanali canali;
-    canali.InizializzaCanali(
-        [&lingua](const QString &s, const QString &k) { return lingua.LeggiTesto(s, k); });
+    canali.InizializzaCanali(lingua.Cerca());
 
     const auto scrivi = [&](QIODevice &d) {
         return ScriviCsv(registrazione, canali, 0, registrazione.campioni(), d);

@@ -140,8 +140,7 @@ Programma &SessioneCli::crea(bool nellaCasa)
     Programma &p = *m_programma;
     // MESSAGGI.TXT is the log of the program's own last run: a command leaves it alone.
     p.linea.registro().impostaPercorso({});
-    p.canali.InizializzaCanali(
-        [&p](const QString &s, const QString &k) { return p.lingua.LeggiTesto(s, k); });
+    p.canali.InizializzaCanali(p.lingua.Cerca());
     QObject::connect(&p.linea.TimeOutReq(), &Temporizzatore::scaduto, [this] { m_senzaRisposta = true; });
     QObject::connect(&p.linea.sorveglianza(), &SorveglianzaLinea::persa, [this] { m_senzaRisposta = true; });
     return p;

@@ -7,6 +7,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+
 namespace kv {
 
 // Looks texts up by section and key in the language file in use. A missing file, section
@@ -21,6 +23,12 @@ public:
 
     QString LeggiTesto(const QString &sezione, const QString &chiave,
                        const QString &estensione = QStringLiteral(".LNG")) const;
+    // The look-up alone, for a table that keeps the names it finds (the channels); it reads
+    // this object, which must outlive it, in whatever language it is set to by then.
+    std::function<QString(const QString &, const QString &)> Cerca() const
+    {
+        return [this](const QString &sezione, const QString &chiave) { return LeggiTesto(sezione, chiave); };
+    }
     // A message of the logic, looked up and filled in; an empty message gives empty text.
     QString testo(const Messaggio &m) const;
 

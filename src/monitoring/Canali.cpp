@@ -81,14 +81,10 @@ RigheDati RigheDatiIniziali()
 
 void TabellaCanali::InizializzaCanali(const CercaTesto &testo)
 {
-    const QString sezione = QStringLiteral("PAR_CANALI");
     for (int i = 0; i < NumeroCanali; ++i) {
         const RigaTabella &r = Tabella[i];
-        const QString chiave = QString::fromLatin1(r.chiave);
         Canale &c = Canali[i];
         c = Canale{};
-        c.Nome = nomeFisso(testo(sezione, chiave + QStringLiteral(".NOME")));
-        c.UM = testo(sezione, chiave + QStringLiteral(".UM"));
         c.MinTabella = r.minTabella;
         c.MaxTabella = r.maxTabella;
         c.MinAsse = r.minTabella;
@@ -100,6 +96,17 @@ void TabellaCanali::InizializzaCanali(const CercaTesto &testo)
         c.Margine = r.margine;
         c.Formato = QStringLiteral("#0");
         c.Ampiezza = r.ampiezza;
+    }
+    RinominaCanali(testo);
+}
+
+void TabellaCanali::RinominaCanali(const CercaTesto &testo)
+{
+    const QString sezione = QStringLiteral("PAR_CANALI");
+    for (int i = 0; i < NumeroCanali; ++i) {
+        const QString chiave = QString::fromLatin1(Tabella[i].chiave);
+        Canali[i].Nome = nomeFisso(testo(sezione, chiave + QStringLiteral(".NOME")));
+        Canali[i].UM = testo(sezione, chiave + QStringLiteral(".UM"));
     }
 }
 

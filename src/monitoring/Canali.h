@@ -88,6 +88,8 @@ class TabellaCanali
 {
 public:
     void InizializzaCanali(const CercaTesto &testo);
+    // Names and units in the language now in use; the scales stay as the charts left them.
+    void RinominaCanali(const CercaTesto &testo);
 
     // Trimmed name, then " [unit]" when the unit is not blank. Empty outside 0..15.
     QString TitoloCanale(int indice);

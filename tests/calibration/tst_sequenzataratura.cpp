@@ -7,7 +7,6 @@
 #include "calibration/TelaioTaratura.h"
 #include "shell/Programma.h"
 #include "support/ProgrammaFinto.h"
-#include "support/TestiDiProva.h"
 #include "variables/Conversioni.h"
 
 #include <QCoreApplication>
@@ -174,7 +173,7 @@ private slots:
     {
         creaProgramma();
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        p->canali.InizializzaCanali(cercaIn(p->lingua));
+        p->canali.InizializzaCanali(p->lingua.Cerca());
         p->linea.ecuDiProva().EcuDaIdentificare = false;
         telaio = std::make_unique<TelaioFinto>();
         sequenza = std::make_unique<SequenzaTaratura>(p->linea, p->catalogo, p->canali, *telaio);

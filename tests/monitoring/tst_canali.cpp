@@ -1,7 +1,6 @@
 // The channel table: names and units by the language file's keys, titles and scales.
 
 #include "support/FileDiProva.h"
-#include "support/TestiDiProva.h"
 
 #include "base/Lingua.h"
 #include "monitoring/Canali.h"
@@ -34,7 +33,7 @@ private slots:
         scrivi(m_cartella.filePath(QStringLiteral("PROVA.LNG")), testo);
         Lingua lingua(m_cartella.path());
         lingua.LinguaCorrente = QStringLiteral("PROVA");
-        m_tabella.InizializzaCanali(cercaIn(lingua));
+        m_tabella.InizializzaCanali(lingua.Cerca());
     }
 
     void titlesFromNamesAndUnits()
@@ -66,7 +65,7 @@ private slots:
         for (const char *nome : {"ENGLISH", "ITALIANO"}) {
             lingua.LinguaCorrente = QLatin1String(nome);
             TabellaCanali t;
-            t.InizializzaCanali(cercaIn(lingua));
+            t.InizializzaCanali(lingua.Cerca());
             for (const Canale &c : t.Canali)
                 QVERIFY2(!c.Nome.trimmed().isEmpty(), nome);
         }

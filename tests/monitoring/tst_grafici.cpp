@@ -3,7 +3,6 @@
 // the slots kept in the settings (with their gap behaviour) and the layout table.
 
 #include "support/FileDiProva.h"
-#include "support/TestiDiProva.h"
 
 #include "base/FileIni.h"
 #include "base/Lingua.h"
@@ -53,7 +52,7 @@ private slots:
     void init()
     {
         QFile::remove(ini());
-        canali.InizializzaCanali(cercaIn(lingua));
+        canali.InizializzaCanali(lingua.Cerca());
         m = std::make_unique<ModelloGrafici>(canali, ini());
         m->carica();
     }

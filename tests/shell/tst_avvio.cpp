@@ -8,7 +8,6 @@
 #include "shell/Programma.h"
 #include "support/FileDiProva.h"
 #include "support/SolaLettura.h"
-#include "support/TestiDiProva.h"
 
 #include <QDir>
 #include <QSignalSpy>
@@ -35,7 +34,7 @@ std::unique_ptr<Programma> nuovoProgramma(const QString &cartella, Lingua &lingu
 void esegui(Programma &p)
 {
     p.lingua.LeggiImpLingua();
-    Avvio::esegui(p, cercaIn(p.lingua));
+    Avvio::esegui(p, p.lingua.Cerca());
 }
 
 } // namespace

@@ -8,7 +8,6 @@
 
 #include "base/Lingua.h"
 #include "support/PortaEcu.h"
-#include "support/TestiDiProva.h"
 
 #include "link/PortaSeriale.h"
 #include "shell/Programma.h"
@@ -62,7 +61,7 @@ protected:
                                         std::move(ra), std::make_unique<TemporizzatoreManuale>());
         p->linea.ecuDiProva().EcuDaIdentificare = false;
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        p->canali.InizializzaCanali(cercaIn(p->lingua));
+        p->canali.InizializzaCanali(p->lingua.Cerca());
         p->linea.datiLive().aggiungiAscoltatore(&m_decodificati);
     }
 

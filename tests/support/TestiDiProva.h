@@ -1,19 +1,10 @@
 #pragma once
 
-// The language files as the program hands them on: look-ups for what keeps the names as data,
-// and a message of the logic in the shipped English, for fakes that keep what a page shows.
+// A message of the logic in the shipped English, for fakes that keep what a page shows.
 
 #include "base/Lingua.h"
-#include "monitoring/Canali.h"
 
 namespace kv {
-
-inline CercaTesto cercaIn(const Lingua &lingua)
-{
-    return [&lingua](const QString &sezione, const QString &chiave) {
-        return lingua.LeggiTesto(sezione, chiave);
-    };
-}
 
 inline QString Inglese(const Messaggio &m)
 {

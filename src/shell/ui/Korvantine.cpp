@@ -148,7 +148,12 @@ Korvantine::Korvantine(Programma &programma, QWidget *parent)
     registraPagina(IdPagina::Comunicazione,
                    [](Korvantine &f) { return NuovaComunicazione(f, PorteDisponibili()); });
     registraPagina(IdPagina::SceltaLingua, [](Korvantine &f) {
-        return new SceltaLingua(f, f.programma().lingua, f.programma().PercorsoApp);
+        Programma &p = f.programma();
+        auto *pagina = new SceltaLingua(f, p.lingua, p.PercorsoApp);
+        // The channels' names are data of the charts and recordings: they follow at once.
+        connect(pagina, &SceltaLingua::linguaCambiata, &f,
+                [&p] { p.canali.RinominaCanali(p.lingua.Cerca()); });
+        return pagina;
     });
     registraPagina(IdPagina::VisInf,
                    [](Korvantine &f) { return new VisInf(f, f.programma().linea, f.programma().lingua); });

@@ -118,6 +118,7 @@ void SceltaLingua::Scegli()
                 return;
         } else {
             l.LinguaCorrente = nome;
+            emit linguaCambiata();
         }
     }
     // Written in every case, as the program always did: with no choice it is the same language.

@@ -20,6 +20,10 @@ public:
     void Scegli();
     void Esci();
 
+signals:
+    // Another language is now in use.
+    void linguaCambiata();
+
 private:
     Korvantine &m_frame;
     Lingua &m_lingua; // the one the windows read, which the choice changes

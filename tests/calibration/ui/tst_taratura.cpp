@@ -14,7 +14,6 @@
 #include "pages/ui/CampoDato.h"
 #include "shell/ui/AiutoUi.h"
 #include "support/PortaEcu.h"
-#include "support/TestiDiProva.h"
 #include "variables/Formato.h"
 
 #include <QComboBox>
@@ -124,7 +123,7 @@ private slots:
             cartella.path(), lingua, std::move(pe), std::move(r), std::make_unique<TemporizzatoreManuale>(),
             std::make_unique<TemporizzatoreManuale>(), std::make_unique<TemporizzatoreManuale>());
         p->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
-        p->canali.InizializzaCanali(cercaIn(p->lingua));
+        p->canali.InizializzaCanali(p->lingua.Cerca());
         frame = std::make_unique<Korvantine>(*p);
         sequenza = &RegistraPagineTaratura(*frame);
         frame->avvia();

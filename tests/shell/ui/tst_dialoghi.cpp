@@ -184,6 +184,9 @@ private slots:
             FileIni::leggi(a.cartella.filePath("ITALIANO.LNG"), "MainLambda", "FUNZIONE.0").trimmed();
         QVERIFY(italiano != inglese);
         QCOMPARE(a.menu()->funzione(0)->text(), italiano);
+        // The channels' names too, which the charts and the recordings carry.
+        QCOMPARE(a.programma->canali.Canali[Canale::Giri].Nome.trimmed(),
+                 FileIni::leggi(a.cartella.filePath("ITALIANO.LNG"), "PAR_CANALI", "GIRI.NOME").trimmed());
         QCOMPARE(a.frame->windowTitle(),
                  FileIni::leggi(a.cartella.filePath("ITALIANO.LNG"), "KORVANTINE", "CAPTION").trimmed());
     }
