@@ -141,33 +141,33 @@ ImpSeriale LeggiImpSeriale(const QString &percorsoIni, const QStringList &porti)
 
 QStringList PortiSeriali()
 {
-    QStringList porti;
-    const auto info = QSerialPortInfo::availablePorts();
-    for (const QSerialPortInfo &porta : info)
-        porti.append(porta.systemLocation());
-    std::stable_sort(porti.begin(), porti.end(), primaNaturale);
-    return porti;
+    return PercorsiDi(PorteDisponibili());
 }
 
 QList<PortaDisponibile> PorteDisponibili()
 {
+    // The system is asked once: each question walks every device it has.
     QList<PortaDisponibile> porte;
-    const auto info = QSerialPortInfo::availablePorts();
-    for (const QString &percorso : PortiSeriali()) {
-        PortaDisponibile porta{percorso, {}};
-        for (const QSerialPortInfo &i : info) {
-            if (i.systemLocation() == percorso) {
-                QStringList parti;
-                if (!i.description().isEmpty())
-                    parti << i.description();
-                if (!i.manufacturer().isEmpty() && !i.description().contains(i.manufacturer()))
-                    parti << i.manufacturer();
-                porta.descrizione = parti.join(QStringLiteral(", "));
-            }
-        }
-        porte.append(porta);
+    for (const QSerialPortInfo &i : QSerialPortInfo::availablePorts()) {
+        QStringList parti;
+        if (!i.description().isEmpty())
+            parti << i.description();
+        if (!i.manufacturer().isEmpty() && !i.description().contains(i.manufacturer()))
+            parti << i.manufacturer();
+        porte.append({i.systemLocation(), parti.join(QStringLiteral(", "))});
     }
+    std::stable_sort(porte.begin(), porte.end(), [](const PortaDisponibile &a, const PortaDisponibile &b) {
+        return primaNaturale(a.percorso, b.percorso);
+    });
     return porte;
+}
+
+QStringList PercorsiDi(const QList<PortaDisponibile> &porte)
+{
+    QStringList percorsi;
+    for (const PortaDisponibile &porta : porte)
+        percorsi << porta.percorso;
+    return percorsi;
 }
 
 QList<VocePorta> ElencoPorte(const QList<PortaDisponibile> &porte)
@@ -177,9 +177,7 @@ QList<VocePorta> ElencoPorte(const QList<PortaDisponibile> &porte)
                    ? porta.percorso
                    : QStringLiteral("%1  \u2013  %2").arg(porta.percorso, porta.descrizione);
     };
-    QStringList percorsi;
-    for (const PortaDisponibile &porta : porte)
-        percorsi << porta.percorso;
+    const QStringList percorsi = PercorsiDi(porte);
     QList<VocePorta> voci;
     for (int n = 1; n <= PorteCom; ++n) {
         const QString com = QStringLiteral("COM%1").arg(n);

@@ -48,6 +48,7 @@ struct PortaDisponibile
 
 // The system's ports now, in the order that "COMn" counts them.
 QList<PortaDisponibile> PorteDisponibili();
+QStringList PercorsiDi(const QList<PortaDisponibile> &porte);
 
 // An entry of the list of ports as the Serial port page shows it: its text, what it writes
 // as "Porta", and the device it stands for now (empty for a "COMn" beyond the system's ports).

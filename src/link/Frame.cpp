@@ -71,4 +71,12 @@ FrameUscita InviaProssimo(QByteArray &coda, RegistroFrame *registro)
     return uscita;
 }
 
+QList<QByteArray> DatiInCoda(QByteArray coda)
+{
+    QList<QByteArray> dati;
+    for (FrameUscita f = InviaProssimo(coda); f.Valido; f = InviaProssimo(coda))
+        dati.append(f.Byte.mid(4, f.Byte.size() - Frame::Sovraccarico));
+    return dati;
+}
+
 } // namespace kv

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QList>
 #include <QtGlobal>
 
 namespace kv {
@@ -40,5 +41,8 @@ class RegistroFrame;
 
 // Takes the next whole frame off the queue and logs it; noise before it is dropped.
 FrameUscita InviaProssimo(QByteArray &coda, RegistroFrame *registro = nullptr);
+
+// The data of each frame of a queue, in the order they would go out.
+QList<QByteArray> DatiInCoda(QByteArray coda);
 
 } // namespace kv

@@ -1,6 +1,7 @@
 #include "link/PortaMappa.h"
 
 #include "link/Frame.h"
+#include "variables/AreaMappa.h"
 #include "variables/Catalogo.h"
 #include "variables/Conversioni.h"
 
@@ -26,13 +27,11 @@ PortaMappa::PortaMappa(QByteArray immagine, const Catalogo &catalogo, double sca
     , m_immagine(std::move(immagine))
     , m_ram(DimensioneRam, '\0')
 {
-    m_immagine.resize(DimensioneMappa, '\0');
+    m_immagine.resize(AreaMappa::Dimensione, '\0');
     for (const Parametro &p : catalogo.Parametri) {
-        const qint64 ee = qint64(p.IndirizzoEE) - InizioMappa;
-        if (p.IndirizzoRAM < 0 || p.IndirizzoRAM + p.Dimensione > DimensioneRam || ee < 0
-            || ee + p.Dimensione > DimensioneMappa)
+        if (p.IndirizzoRAM < 0 || p.IndirizzoRAM + p.Dimensione > DimensioneRam || !AreaMappa::Contiene(p))
             continue;
-        m_ram.replace(p.IndirizzoRAM, p.Dimensione, m_immagine.mid(ee, p.Dimensione));
+        m_ram.replace(p.IndirizzoRAM, p.Dimensione, AreaMappa::Cella(m_immagine, p));
     }
     const Parametro &scala = catalogo.Parametri[Par::ScalaLambda];
     m_ram.replace(scala.IndirizzoRAM, scala.Dimensione, ByteBE(scalaLambda != 0 ? 255 : 0, scala.Dimensione));
@@ -68,8 +67,9 @@ QByteArray *PortaMappa::memoria(quint32 indirizzo, int n, int &scarto)
         scarto = int(indirizzo);
         return &m_ram;
     }
-    if (indirizzo >= InizioMappa && indirizzo + quint32(n) <= InizioMappa + DimensioneMappa) {
-        scarto = int(indirizzo - InizioMappa);
+    constexpr quint32 inizio = AreaMappa::Inizio;
+    if (indirizzo >= inizio && indirizzo + quint32(n) <= inizio + AreaMappa::Dimensione) {
+        scarto = int(indirizzo - inizio);
         return &m_immagine;
     }
     return nullptr;

@@ -18,8 +18,6 @@ class PortaMappa : public Porta
 {
     Q_OBJECT
 public:
-    static constexpr quint32 InizioMappa = 0xC100;
-    static constexpr int DimensioneMappa = 512;
     static constexpr int DimensioneRam = 0x200;
 
     PortaMappa(QByteArray immagine, const Catalogo &catalogo, double scalaLambda, QObject *parent = nullptr);

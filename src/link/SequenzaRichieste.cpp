@@ -91,9 +91,9 @@ void SequenzaRichieste::concludi(bool ok, Messaggio rifiuto)
 QList<QByteArray> RichiesteAreaMappa(const Catalogo &catalogo)
 {
     QList<QByteArray> richieste;
-    for (int n = 0; n < AreaEcu::Dimensione / AreaEcu::Blocco; ++n)
-        richieste.append('R' + ParolaInByte(AreaEcu::Inizio + quint32(n * AreaEcu::Blocco))
-                         + char(AreaEcu::Blocco));
+    for (int n = 0; n < AreaMappa::Blocchi; ++n)
+        richieste.append('R' + ParolaInByte(quint32(AreaMappa::Inizio + n * AreaMappa::Blocco))
+                         + char(AreaMappa::Blocco));
     const Parametro &scala = catalogo.Parametri[Par::ScalaLambda];
     richieste.append('R' + ParolaInByte(quint32(scala.IndirizzoRAM)) + char(scala.Dimensione));
     return richieste;
@@ -101,12 +101,12 @@ QList<QByteArray> RichiesteAreaMappa(const Catalogo &catalogo)
 
 AreaLetta AreaDaRisposte(const QList<QByteArray> &risposte, const Catalogo &catalogo)
 {
-    constexpr int blocchi = AreaEcu::Dimensione / AreaEcu::Blocco;
+    constexpr int blocchi = AreaMappa::Blocchi;
     AreaLetta area;
     QByteArray immagine;
     for (int n = 0; n < blocchi && n < risposte.size(); ++n)
-        immagine += risposte.at(n).mid(1, AreaEcu::Blocco);
-    if (immagine.size() != AreaEcu::Dimensione)
+        immagine += risposte.at(n).mid(1, AreaMappa::Blocco);
+    if (immagine.size() != AreaMappa::Dimensione)
         return area;
     area.immagine = immagine;
     const int dimensione = catalogo.Parametri[Par::ScalaLambda].Dimensione;

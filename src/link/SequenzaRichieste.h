@@ -2,6 +2,7 @@
 
 #include "base/Messaggio.h"
 #include "link/MotoreDialogo.h"
+#include "variables/AreaMappa.h"
 
 #include <QByteArray>
 #include <QList>
@@ -53,21 +54,15 @@ private:
     QList<QByteArray> m_risposte;
 };
 
-// The ECU's map area as a map read takes it: 512 bytes from 0xC100 in blocks of 64, then the
-// lambda flag from RAM, which the bytes alone do not say.
-namespace AreaEcu {
-inline constexpr quint32 Inizio = 0xC100;
-inline constexpr int Dimensione = 512;
-inline constexpr int Blocco = 64;
-} // namespace AreaEcu
-
+// The ECU's map area as a map read takes it: its blocks in order, then the lambda flag from
+// RAM, which the bytes alone do not say.
 QList<QByteArray> RichiesteAreaMappa(const Catalogo &catalogo);
 
 struct AreaLetta
 {
     QByteArray immagine;               // empty unless every block came whole
     std::optional<double> scalaLambda; // none when the ECU did not give it
-    bool ok() const { return immagine.size() == AreaEcu::Dimensione; }
+    bool ok() const { return immagine.size() == AreaMappa::Dimensione; }
 };
 
 // The replies of RichiesteAreaMappa put together; the blocks are enough without the flag.

@@ -88,7 +88,7 @@ QByteArray CopiaValori(const QByteArray &immagineA, ScalaLambdaMappa scalaA, con
         if (!Catalogo::indiceValido(p))
             continue;
         const Parametro &x = catalogo.Parametri[size_t(p)];
-        if (x.IndirizzoEE < AreaMappa::Inizio || x.IndirizzoEE + x.Dimensione - 1 > AreaMappa::Fine)
+        if (!AreaMappa::Contiene(x))
             continue;
         const int dove = x.IndirizzoEE - AreaMappa::Inizio;
         QByteArray byte = immagineB.mid(dove, x.Dimensione);
@@ -210,9 +210,7 @@ std::vector<int> VociCambiate(const QByteArray &prima, const QByteArray &dopo, c
     std::vector<int> voci;
     for (int p = 0; p < Par::Numero; ++p) {
         const Parametro &par = catalogo.Parametri[size_t(p)];
-        const qint32 da = par.IndirizzoEE - AreaMappa::Inizio;
-        if (par.IndirizzoEE >= AreaMappa::Inizio && par.IndirizzoEE + par.Dimensione - 1 <= AreaMappa::Fine
-            && prima.mid(da, par.Dimensione) != dopo.mid(da, par.Dimensione))
+        if (AreaMappa::Contiene(par) && AreaMappa::Cella(prima, par) != AreaMappa::Cella(dopo, par))
             voci.push_back(p);
     }
     return voci;
@@ -224,8 +222,7 @@ QList<QByteArray> ScrittureVoci(const QByteArray &immagine, const std::vector<in
     QList<QByteArray> richieste;
     for (int p : voci) {
         const Parametro &par = catalogo.Parametri[size_t(p)];
-        const QByteArray dati =
-            char(par.Dimensione) + immagine.mid(par.IndirizzoEE - AreaMappa::Inizio, par.Dimensione);
+        const QByteArray dati = char(par.Dimensione) + AreaMappa::Cella(immagine, par);
         if (ram && par.IndirizzoRAM != -1)
             richieste.append('W' + ParolaInByte(quint32(par.IndirizzoRAM)) + dati);
         if (eeprom && par.IndirizzoEE != -1)

@@ -98,11 +98,6 @@ constexpr IdPagina OrdinePagine[] = {IdPagina::MP_Minimo,   IdPagina::MP_Normale
                                      IdPagina::MP_InibizPC, IdPagina::MP_RientroCO, IdPagina::MP_TPS,
                                      IdPagina::MP_Lavoro};
 
-bool nellArea(const Parametro &p)
-{
-    return p.IndirizzoEE >= AreaMappa::Inizio && p.IndirizzoEE + p.Dimensione - 1 <= AreaMappa::Fine;
-}
-
 } // namespace
 
 ScalaLambdaMappa ScalaDa(std::optional<double> tenuta, OrigineScala origine)
@@ -134,7 +129,8 @@ std::vector<GruppoMappa> GruppiMappa(const Catalogo &catalogo,
 
     std::array<bool, Numero> presa{};
     const auto aggiungi = [&](GruppoMappa &g, const DescrizionePagina *d, int p, const RigaPagina *r) {
-        if (!Catalogo::indiceValido(p) || presa[size_t(p)] || !nellArea(catalogo.Parametri[size_t(p)]))
+        if (!Catalogo::indiceValido(p) || presa[size_t(p)]
+            || !AreaMappa::Contiene(catalogo.Parametri[size_t(p)]))
             return;
         presa[size_t(p)] = true;
         VocePiano v;
@@ -193,7 +189,7 @@ MappaDecodificata DecodificaMappa(const QByteArray &immagine, const Catalogo &ca
             VoceMappa v;
             v.piano = piano;
             v.gruppo = int(g);
-            v.grezzo = NumeroBE(immagine.mid(p.IndirizzoEE - AreaMappa::Inizio, p.Dimensione));
+            v.grezzo = NumeroBE(AreaMappa::Cella(immagine, p));
             v.valore = piano.segnoModulo ? SegnoModulo(v.grezzo) : c.daGrezzo(piano.parametro, v.grezzo);
             v.testo = c.formatta(piano.parametro, v.valore);
             // A list shows its item by the value, as the pages' lists do.

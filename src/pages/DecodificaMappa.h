@@ -1,6 +1,7 @@
 #pragma once
 
 #include "pages/DescrizioniPagine.h"
+#include "variables/AreaMappa.h"
 #include "variables/Catalogo.h"
 
 #include <QByteArray>
@@ -15,11 +16,6 @@ namespace kv {
 // The 512 bytes of a map (0xC100..0xC2FF, the EEPROM homes of the catalogue) read as the
 // tuning pages read the same memory: every entry whose home lies there, in the units and with
 // the mask a page shows it, grouped by the page that edits it.
-namespace AreaMappa {
-inline constexpr qint32 Inizio = 0xC100;
-inline constexpr qint32 Fine = 0xC2FF;
-inline constexpr int Dimensione = Fine - Inizio + 1;
-} // namespace AreaMappa
 
 // ScalaLambda lives in the ECU's RAM only, so a map alone does not say how rule L shows the
 // lambda thresholds: whoever decodes says which value it takes and where it came from.

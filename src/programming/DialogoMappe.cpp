@@ -2,6 +2,7 @@
 
 #include "archives/SchemaArchivi.h"
 #include "link/Frame.h"
+#include "link/SequenzaRichieste.h"
 #include "link/SessioneLinea.h"
 #include "programming/ControlloMappa.h"
 #include "programming/FileBlocchi.h"
@@ -116,12 +117,10 @@ void LetturaMappe::Leggi(const ChiaveMappa &campi, const QString &nota)
     m_indirizzoProg = primo;
     MotoreDialogo &m = m_linea.motore();
     m.svuotaCoda();
-    for (int n = 0; n < m_totBlocchiMappa; ++n)
-        m.accoda(richiestaLettura(primo + quint32(n * LunBlocco)));
-    // The lambda flag lives in RAM alone; the row keeps it, so the map decodes later as the
-    // pages showed it on this ECU.
-    const Parametro &scala = m_catalogo.Parametri[Par::ScalaLambda];
-    m.accoda('R' + ParolaInByte(quint32(scala.IndirizzoRAM)) + char(scala.Dimensione));
+    // The blocks, then the lambda flag, which lives in RAM alone; the row keeps it, so the map
+    // decodes later as the pages showed it on this ECU.
+    for (const QByteArray &r : RichiesteAreaMappa(m_catalogo))
+        m.accoda(r);
     m_scalaLambda.reset();
     m_vista.mostraAvanzamento(0, m_totBlocchiMappa);
     m_vista.mostraSegnalazione(Messaggio("ReadMappe", "SEGNALAZIONE1.1"));

@@ -2,6 +2,7 @@
 
 #include "archives/Archivio.h"
 #include "base/Messaggio.h"
+#include "variables/AreaMappa.h"
 
 #include <QLatin1String>
 #include <QString>
@@ -17,10 +18,10 @@ namespace kv {
 // program gives the bytes no meaning, but uses a file only when it is exactly a map
 // (ControllaMappa).
 namespace FileMappa {
-inline constexpr quint32 PrimoIndirizzo = 0xC100;
-inline constexpr quint32 UltimoIndirizzo = 0xC2FF;
-inline constexpr int Dimensione = int(UltimoIndirizzo - PrimoIndirizzo + 1);
-inline constexpr int Blocchi = Dimensione / 64;
+inline constexpr quint32 PrimoIndirizzo = AreaMappa::Inizio;
+inline constexpr quint32 UltimoIndirizzo = AreaMappa::Fine;
+inline constexpr int Dimensione = AreaMappa::Dimensione;
+inline constexpr int Blocchi = AreaMappa::Blocchi;
 inline constexpr qint64 DimensioneFile = qint64(Blocchi) * 130;
 inline constexpr QLatin1String Estensione(".LKV");
 // Built a record at a time in the program's folder while a read goes on.

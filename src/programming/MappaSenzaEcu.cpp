@@ -2,6 +2,7 @@
 
 #include "link/PortaMappa.h"
 #include "link/SessioneLinea.h"
+#include "variables/AreaMappa.h"
 #include "variables/Conversioni.h"
 
 namespace kv {
@@ -20,7 +21,7 @@ MappaSenzaEcu::MappaSenzaEcu(const MappaArchiviata &mappa)
     // sensor's calibration points as limits, and whether it is fitted, of what kind.
     const auto grezzo = [this](int p) {
         const Parametro &par = m_catalogo.Parametri[size_t(p)];
-        return NumeroBE(m_salvata.mid(par.IndirizzoEE - qint32(PortaMappa::InizioMappa), par.Dimensione));
+        return NumeroBE(AreaMappa::Cella(m_salvata, par));
     };
     Parametro &massimo = m_catalogo.Parametri[Par::TpsTaratoMassimo];
     Parametro &minimo = m_catalogo.Parametri[Par::TpsTaratoMinimo];

@@ -6,25 +6,21 @@
 
 #include <QDebug>
 
+#include <algorithm>
+
 namespace kv {
 
 namespace {
 
-// A frame of the queue that changes the EEPROM or starts a flash.
+// A command of the queue that changes the EEPROM or starts a flash.
 bool CambiaEeprom(const QByteArray &coda)
 {
-    qsizetype i = coda.indexOf(Frame::STX);
-    while (i >= 0 && i + 4 < coda.size()) {
-        const int lunghezza = quint8(coda.at(i + 1)) & 0x7F;
-        const QByteArray dati = coda.mid(i + 4, lunghezza - Frame::Sovraccarico);
-        if (dati.startsWith('I'))
-            return true;
-        if (dati.size() >= 3 && dati.at(0) == 'W'
-            && ((quint8(dati.at(1)) << 8) | quint8(dati.at(2))) >= 0xC000)
-            return true;
-        i = coda.indexOf(Frame::STX, i + qMax(lunghezza, 1));
-    }
-    return false;
+    const QList<QByteArray> comandi = DatiInCoda(coda);
+    return std::any_of(comandi.cbegin(), comandi.cend(), [](const QByteArray &dati) {
+        return dati.startsWith('I')
+               || (dati.size() >= 3 && dati.at(0) == 'W'
+                   && ((quint8(dati.at(1)) << 8) | quint8(dati.at(2))) >= 0xC000);
+    });
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 #include "pages/ui/MP_Normale.h"
-#include "base/Lingua.h"
 
 #include "base/Lingua.h"
 #include "pages/GriglieMessaPunto.h"

@@ -1,5 +1,4 @@
 #include "pages/ui/TelaioMessaPunto.h"
-#include "base/Lingua.h"
 
 #include "base/Lingua.h"
 #include "link/SessioneLinea.h"

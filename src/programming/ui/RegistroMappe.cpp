@@ -1,5 +1,4 @@
 #include "programming/ui/RegistroMappe.h"
-#include "base/Lingua.h"
 
 #include "base/Lingua.h"
 #include "programming/ui/ConfrontoMappe.h"

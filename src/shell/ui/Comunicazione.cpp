@@ -39,6 +39,7 @@ Comunicazione::Comunicazione(Korvantine &frame, const Lingua &lingua, const QStr
     , m_frame(frame)
     , m_lingua(lingua)
     , m_percorsoIni(PercorsoIni(percorsoApp))
+    , m_percorsi(PercorsiDi(porte))
     , m_seriale(seriale)
     , m_apriPorta(std::move(apriPorta))
     , m_seriali(new QListWidget(this))
@@ -168,7 +169,7 @@ Comunicazione::Comunicazione(Korvantine &frame, const Lingua &lingua, const QStr
 
 void Comunicazione::leggiImpSeriale()
 {
-    m_seriale = LeggiImpSeriale(m_percorsoIni, PortiSeriali());
+    m_seriale = LeggiImpSeriale(m_percorsoIni, m_percorsi);
 }
 
 void Comunicazione::segnalaMancante(QListWidget *elenco)

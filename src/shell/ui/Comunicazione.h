@@ -4,6 +4,7 @@
 
 #include <QList>
 #include <QString>
+#include <QStringList>
 #include <QWidget>
 
 #include <functional>
@@ -38,6 +39,7 @@ private:
     Korvantine &m_frame;
     const Lingua &m_lingua;
     QString m_percorsoIni;
+    QStringList m_percorsi; // the ports the list shows, which "COMn" counts
     ImpSeriale &m_seriale;
     std::function<bool()> m_apriPorta;
     QListWidget *m_seriali;
