@@ -29,6 +29,32 @@ MappaArchiviata CaricaMappaArchiviata(const QString &percorsoApp, const ChiaveMa
     return m;
 }
 
+Messaggio MessaggioMappaRifiutata(const MappaArchiviata &mappa, const QString &nome)
+{
+    // The name last: one that holds a placeholder stays as typed.
+    return Messaggio(QStringLiteral("ConfrontoMappe"),
+                     QStringLiteral("MAPPA.") + QString::number(int(mappa.mappa.errore)))
+        .ritaglia()
+        .con(QStringLiteral("ZZZ"), QString::number(mappa.mappa.colonna))
+        .con(QStringLiteral("YYY"), QString::number(mappa.mappa.record))
+        .con(QStringLiteral("XXX"), nome);
+}
+
+Messaggio MessaggioSalvataggio(const EsitoSalvataggio &esito)
+{
+    const QString sezione = QStringLiteral("ConfrontoMappe");
+    if (!esito.ok())
+        return Messaggio(sezione, esito.errore == EsitoSalvataggio::Errore::Verifica
+                                      ? QStringLiteral("SALVA.2")
+                                      : QStringLiteral("SALVA.1"))
+            .ritaglia();
+    if (!esito.archivio.ok())
+        return Messaggio(sezione, QStringLiteral("SALVA.3"))
+            .ritaglia()
+            .poi(MessaggioArchivio(esito.archivio), QStringLiteral(" "));
+    return {};
+}
+
 namespace {
 
 EsitoSalvataggio fallito(EsitoSalvataggio::Errore errore, const PercorsoMappa &percorso)

@@ -25,6 +25,9 @@ struct MappaArchiviata
 // The map of those names, as the tree has them.
 MappaArchiviata CaricaMappaArchiviata(const QString &percorsoApp, const ChiaveMappa &chiave);
 
+// Why a map the strict check refused was not taken, nome being how the fitter knows it.
+Messaggio MessaggioMappaRifiutata(const MappaArchiviata &mappa, const QString &nome);
+
 struct EsitoSalvataggio
 {
     enum class Errore {
@@ -40,6 +43,10 @@ struct EsitoSalvataggio
     EsitoArchivio archivio; // the row; the file is in place even when this failed
     bool ok() const { return errore == Errore::Nessuno; }
 };
+
+// What the fitter is told of a save that failed, or of a file filed without its row; nothing
+// when all went well.
+Messaggio MessaggioSalvataggio(const EsitoSalvataggio &esito);
 
 // An image filed as a map of new names, as a read files one: written whole to KVMAPPA.TMP,
 // read back through the strict check and compared, and only then put in place in one step

@@ -10,6 +10,7 @@
 #include "shell/Menu.h"
 #include "shell/StatoMenu.h"
 #include "shell/ui/MsgBox1.h"
+#include "shell/ui/Stile.h"
 
 #include <QHBoxLayout>
 #include <QHideEvent>
@@ -104,12 +105,7 @@ ModificaSenzaEcu::ModificaSenzaEcu(QString percorsoApp, const Lingua &lingua, bo
 
     m_boxSalva = new BoxSalvaMappa(m_salva, m_banco);
 
-    m_segnalazione = new QLabel(m_banco);
-    m_segnalazione->setObjectName(QStringLiteral("Segnalazione1"));
-    m_segnalazione->setFrameShape(QFrame::StyledPanel);
-    m_segnalazione->setFrameShadow(QFrame::Sunken);
-    m_segnalazione->setWordWrap(true);
-    m_segnalazione->setMinimumHeight(2 * m_segnalazione->fontMetrics().height() + 10);
+    m_segnalazione = CreaRigaSegnalazione(QStringLiteral("Segnalazione1"), m_banco);
 
     auto *sinistra = new QVBoxLayout;
     sinistra->addWidget(m_labAlbero);
@@ -276,13 +272,7 @@ bool ModificaSenzaEcu::apriMappa(const ChiaveMappa &chiave)
     const QString nome = (m.percorso.ok() ? m.percorso.chiave : chiave.pulita()).elenco().join(u'\\');
     if (!m.ok()) {
         // Never opened in part.
-        mostraSegnalazione(m_lingua
-                               .LeggiTesto(QStringLiteral("ConfrontoMappe"),
-                                           QStringLiteral("MAPPA.") + QString::number(int(m.mappa.errore)))
-                               .trimmed()
-                               .replace(QLatin1String("ZZZ"), QString::number(m.mappa.colonna))
-                               .replace(QLatin1String("YYY"), QString::number(m.mappa.record))
-                               .replace(QLatin1String("XXX"), nome));
+        mostraSegnalazione(m_lingua.testo(MessaggioMappaRifiutata(m, nome)));
         return false;
     }
     if (m_mappa && m_mappa->modificata()
@@ -358,20 +348,16 @@ void ModificaSenzaEcu::Salva()
         && domanda(m_lingua.LeggiTesto("SEGNALAZIONI", "SEGNALAZIONE_8"), FlagDomanda) != RispostaSi)
         return;
     const EsitoSalvataggio e = m_mappa->salva(m_percorsoApp, chiave, m_boxSalva->nota());
+    const Messaggio esito = MessaggioSalvataggio(e);
     if (!e.ok()) {
-        mostraSegnalazione(m_lingua.LeggiTesto(QStringLiteral("ConfrontoMappe"),
-                                               e.errore == EsitoSalvataggio::Errore::Verifica
-                                                   ? QStringLiteral("SALVA.2")
-                                                   : QStringLiteral("SALVA.1")));
+        mostraSegnalazione(m_lingua.testo(esito));
         return;
     }
     const QString nome = e.percorso.chiave.elenco().join(u'\\');
     riempiAlbero(e.percorso.chiave);
     mostraMappa();
-    mostraSegnalazione(e.archivio.ok()
-                           ? testo(QStringLiteral("SALVATA")).replace(QLatin1String("XXX"), nome)
-                           : m_lingua.LeggiTesto(QStringLiteral("ConfrontoMappe"), QStringLiteral("SALVA.3"))
-                                 + QLatin1Char(' ') + m_lingua.testo(MessaggioArchivio(e.archivio)));
+    mostraSegnalazione(esito.vuoto() ? testo(QStringLiteral("SALVATA")).replace(QLatin1String("XXX"), nome)
+                                     : m_lingua.testo(esito));
 }
 
 void ModificaSenzaEcu::Esci()

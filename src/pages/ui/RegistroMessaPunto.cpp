@@ -11,6 +11,24 @@
 
 namespace kv {
 
+namespace {
+
+// The frame asks the page's questions, shows what it says on its strip and takes it away when
+// it ends.
+template <class Pagina>
+QWidget *apri(Korvantine &frame, Pagina *pagina)
+{
+    pagina->impostaDomanda([&frame](const QString &testo, int flags, const QString &titolo) {
+        return frame.MostraMsg(testo, flags, titolo);
+    });
+    QObject::connect(pagina, &Pagina::chiusa, &frame, [&frame, pagina] { frame.ChiudiPagina(pagina); });
+    QObject::connect(pagina, &Pagina::segnalazione1, &frame, &Korvantine::impostaSegnalazione1);
+    pagina->carica();
+    return pagina;
+}
+
+} // namespace
+
 TelaioMessaPunto *CreaPaginaMessaPunto(const ContestoPagina &contesto, IdPagina id, QWidget *parent)
 {
     // The pages with widgets of their own; any other is its description on the frame.
@@ -38,29 +56,14 @@ void RegistraPagineMessaPunto(Korvantine &frame)
         // Calibration pages that share the table are registered by their own unit.
         if (!PaginaMessaPunto(d.id))
             continue;
-        frame.registraPagina(d.id, [id = d.id](Korvantine &f) -> QWidget * {
-            TelaioMessaPunto *pagina = CreaPaginaMessaPunto(ContestoDi(f.programma()), id);
-            // The frame asks the page's questions and takes it away when it ends.
-            pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
-                return f.MostraMsg(testo, flags, titolo);
-            });
-            QObject::connect(pagina, &TelaioMessaPunto::chiusa, &f, [&f, pagina] { f.ChiudiPagina(pagina); });
-            QObject::connect(pagina, &TelaioMessaPunto::segnalazione1, &f, &Korvantine::impostaSegnalazione1);
-            pagina->carica();
-            return pagina;
+        frame.registraPagina(d.id, [id = d.id](Korvantine &f) {
+            return apri(f, CreaPaginaMessaPunto(ContestoDi(f.programma()), id));
         });
     }
     // The same pages on a map with no ECU: what they need is handed to them there.
     frame.registraPagina(IdPagina::ModificaSenzaEcu, [](Korvantine &f) -> QWidget * {
         Programma &p = f.programma();
-        auto *pagina = new ModificaSenzaEcu(p.PercorsoApp, p.lingua, p.menu.ModoAssistenza());
-        pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
-            return f.MostraMsg(testo, flags, titolo);
-        });
-        QObject::connect(pagina, &ModificaSenzaEcu::chiusa, &f, [&f, pagina] { f.ChiudiPagina(pagina); });
-        QObject::connect(pagina, &ModificaSenzaEcu::segnalazione1, &f, &Korvantine::impostaSegnalazione1);
-        pagina->carica();
-        return pagina;
+        return apri(f, new ModificaSenzaEcu(p.PercorsoApp, p.lingua, p.menu.ModoAssistenza()));
     });
 }
 

@@ -6,9 +6,11 @@
 #include "link/SequenzaRichieste.h"
 #include "link/SessioneLinea.h"
 #include "programming/MappaArchiviata.h"
+#include "programming/ui/ComandoPagina.h"
 #include "programming/ui/ModelloAlberoMappe.h"
 #include "programming/ui/TestiMappa.h"
 #include "shell/ui/MsgBox1.h"
+#include "shell/ui/Stile.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -86,15 +88,8 @@ ConfrontoMappe::ConfrontoMappe(QString percorsoApp, const Catalogo &catalogo, co
     const auto tasto = [this, u](const char *nome, const QKeySequence &chiave, auto azione) {
         auto *b = new QPushButton(this);
         b->setObjectName(QString::fromLatin1(nome));
-        b->setAutoDefault(false);
-        b->setMinimumWidth(12 * u);
+        PreparaComando(this, b, chiave, 12 * u);
         connect(b, &QPushButton::clicked, this, azione);
-        auto *s = new QShortcut(QKeySequence(chiave), this);
-        s->setContext(Qt::WindowShortcut);
-        connect(s, &QShortcut::activated, this, [this, b] {
-            if (b->isEnabled() && b->isVisible() && isEnabled())
-                b->click();
-        });
         return b;
     };
     m_prendi[A] = tasto("PrendiA", Qt::Key_F3, [this] { prendi(A); });
@@ -194,12 +189,7 @@ ConfrontoMappe::ConfrontoMappe(QString percorsoApp, const Catalogo &catalogo, co
 
     m_boxSalva = new BoxSalvaMappa(m_salva, this);
 
-    m_segnalazione = new QLabel(this);
-    m_segnalazione->setObjectName(QStringLiteral("Segnalazione1"));
-    m_segnalazione->setFrameShape(QFrame::StyledPanel);
-    m_segnalazione->setFrameShadow(QFrame::Sunken);
-    m_segnalazione->setWordWrap(true);
-    m_segnalazione->setMinimumHeight(2 * m_segnalazione->fontMetrics().height() + 10);
+    m_segnalazione = CreaRigaSegnalazione(QStringLiteral("Segnalazione1"), this);
 
     auto *sopra = new QHBoxLayout;
     sopra->addLayout(sinistra, 1);
@@ -314,10 +304,7 @@ bool ConfrontoMappe::scegliArchiviata(Lato lato, const ChiaveMappa &chiave)
     const QString nome = (m.percorso.ok() ? m.percorso.chiave : chiave.pulita()).elenco().join(u'\\');
     if (!m.ok()) {
         // Never shown in part: the side stays as it was.
-        mostraSegnalazione(testo(QStringLiteral("MAPPA.%1").arg(int(m.mappa.errore)))
-                               .replace(QLatin1String("XXX"), nome)
-                               .replace(QLatin1String("YYY"), QString::number(m.mappa.record))
-                               .replace(QLatin1String("ZZZ"), QString::number(m.mappa.colonna)));
+        mostraSegnalazione(m_lingua.testo(MessaggioMappaRifiutata(m, nome)));
         return false;
     }
     if (lato == A && m_modificata && m_sorgenti[A].tipo == SorgenteMappa::Tipo::Ecu) {
@@ -624,14 +611,8 @@ void ConfrontoMappe::Salva()
         a.scala.origine == OrigineScala::Presunta ? std::nullopt : std::optional(a.scala.valore);
     const EsitoSalvataggio e =
         SalvaImmagineMappa(m_percorsoApp, chiave, a.immagine, m_boxSalva->nota(), scala);
-    switch (e.errore) {
-    case EsitoSalvataggio::Errore::Nessuno:
-        break;
-    case EsitoSalvataggio::Errore::Verifica:
-        mostraSegnalazione(testo(QStringLiteral("SALVA.2")));
-        return;
-    default:
-        mostraSegnalazione(testo(QStringLiteral("SALVA.1")));
+    if (!e.ok()) {
+        mostraSegnalazione(m_lingua.testo(MessaggioSalvataggio(e)));
         return;
     }
     const QString nome = e.percorso.chiave.elenco().join(u'\\');
@@ -650,11 +631,9 @@ void ConfrontoMappe::Salva()
     }
     mostraLato(A);
     aggiorna();
-    QString messaggio = testo(QStringLiteral("SALVATA")).replace(QLatin1String("XXX"), nome);
-    if (!e.archivio.ok())
-        messaggio = testo(QStringLiteral("SALVA.3")) + QLatin1Char(' ')
-                    + m_lingua.testo(MessaggioArchivio(e.archivio));
-    mostraSegnalazione(messaggio);
+    const Messaggio archivio = MessaggioSalvataggio(e);
+    mostraSegnalazione(archivio.vuoto() ? testo(QStringLiteral("SALVATA")).replace(QLatin1String("XXX"), nome)
+                                        : m_lingua.testo(archivio));
 }
 
 void ConfrontoMappe::Esci()

@@ -2,16 +2,14 @@
 
 #include "base/Lingua.h"
 #include "link/SessioneLinea.h"
-#include "shell/ui/MsgBox1.h"
+#include "programming/ui/ComandoPagina.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QShortcut>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -29,24 +27,15 @@ IdentitaEcu identita(const StatoEcu &ecu)
 } // namespace
 
 PaginaStorico::PaginaStorico(const ContestoProgrammazione &contesto, QWidget *parent)
-    : QWidget(parent)
-    , m_contesto(contesto)
+    : PaginaVistaMappe(contesto, QString::fromLatin1(Sezione), parent)
     , m_scrittura(contesto.linea, contesto.percorsoApp, static_cast<VistaMappe &>(*this))
 {
-    setObjectName(QString::fromLatin1(Sezione));
     const int u = fontMetrics().averageCharWidth();
     const auto tasto = [this, u](const char *nome, Qt::Key chiave, void (PaginaStorico::*azione)()) {
         auto *b = new QPushButton(this);
         b->setObjectName(QString::fromLatin1(nome));
-        b->setAutoDefault(false);
-        b->setMinimumWidth(14 * u);
+        PreparaComando(this, b, chiave, 14 * u);
         connect(b, &QPushButton::clicked, this, azione);
-        auto *s = new QShortcut(QKeySequence(chiave), this);
-        s->setContext(Qt::WindowShortcut);
-        connect(s, &QShortcut::activated, b, [this, b] {
-            if (b->isEnabled() && isEnabled())
-                b->click();
-        });
         return b;
     };
     m_confronta = tasto("Confronta", Qt::Key_F3, &PaginaStorico::Confronta);
@@ -73,14 +62,6 @@ PaginaStorico::PaginaStorico(const ContestoProgrammazione &contesto, QWidget *pa
     m_verifica = new QCheckBox(this);
     m_verifica->setObjectName(QStringLiteral("Verifica"));
     m_verifica->setChecked(true);
-    m_barra = new QProgressBar(this);
-    m_barra->hide();
-    m_segnalazione = new QLabel(this);
-    m_segnalazione->setObjectName(QStringLiteral("Segnalazione1"));
-    m_segnalazione->setFrameShape(QFrame::StyledPanel);
-    m_segnalazione->setFrameShadow(QFrame::Sunken);
-    m_segnalazione->setWordWrap(true);
-    m_segnalazione->setMinimumHeight(2 * m_segnalazione->fontMetrics().height() + 10);
 
     auto *comandi = new QHBoxLayout;
     comandi->addWidget(m_confronta);
@@ -88,29 +69,15 @@ PaginaStorico::PaginaStorico(const ContestoProgrammazione &contesto, QWidget *pa
     comandi->addWidget(m_verifica);
     comandi->addStretch(1);
     auto *fondo = new QHBoxLayout;
-    fondo->addWidget(m_segnalazione, 1);
+    fondo->addWidget(rigaSegnalazione(), 1);
     fondo->addWidget(m_esci);
     auto *l = new QVBoxLayout(this);
     l->addWidget(m_ecu);
     l->addWidget(m_labVoci);
     l->addWidget(m_voci, 1);
     l->addLayout(comandi);
-    l->addWidget(m_barra);
+    l->addWidget(barra());
     l->addLayout(fondo);
-
-    m_domanda = [this](const QString &t, int flags, const QString &titolo) {
-        return kv::MostraMsg(m_contesto.lingua, t, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0, this);
-    };
-}
-
-QString PaginaStorico::testo(const QString &chiave) const
-{
-    return m_contesto.lingua.LeggiTesto(QString::fromLatin1(Sezione), chiave).trimmed();
-}
-
-QString PaginaStorico::segnalazione() const
-{
-    return m_segnalazione->text();
 }
 
 void PaginaStorico::carica()
@@ -124,7 +91,7 @@ void PaginaStorico::carica()
     m_confronta->setText(testo(QStringLiteral("CONFRONTA")));
     m_scrivi->setText(testo(QStringLiteral("SCRIVI")));
     m_verifica->setText(testo(QStringLiteral("VERIFICA")));
-    m_esci->setText(QLatin1Char('&') + m_contesto.lingua.LeggiTesto("TASTI", "ESCI").trimmed()
+    m_esci->setText(QLatin1Char('&') + contesto().lingua.LeggiTesto("TASTI", "ESCI").trimmed()
                     + QStringLiteral("  (Esc)"));
     riempi();
     m_voci->setFocus(Qt::OtherFocusReason);
@@ -132,7 +99,7 @@ void PaginaStorico::carica()
 
 void PaginaStorico::riempi()
 {
-    const StatoEcu &ecu = m_contesto.linea.ecu();
+    const StatoEcu &ecu = contesto().linea.ecu();
     const IdentitaEcu id = identita(ecu);
     m_voci->clear();
     m_elenco.clear();
@@ -146,8 +113,8 @@ void PaginaStorico::riempi()
                                     .join(u' ')
                                     .simplified()));
     EsitoArchivio esito;
-    m_elenco = ElencaStorico(m_contesto.percorsoApp, id, &esito);
-    const Lingua &l = m_contesto.lingua;
+    m_elenco = ElencaStorico(contesto().percorsoApp, id, &esito);
+    const Lingua &l = contesto().lingua;
     for (const VoceStorico &v : std::as_const(m_elenco)) {
         // What was about to happen, by the title of the page that did it.
         QString evento = testo(QStringLiteral("EVENTO.") + v.evento);
@@ -200,23 +167,13 @@ void PaginaStorico::Esci()
     m_scrittura.Esci();
 }
 
-void PaginaStorico::mostraTesto(const QString &t)
-{
-    m_segnalazione->setText(t);
-}
-
-void PaginaStorico::mostraSegnalazione(const Messaggio &m)
-{
-    mostraTesto(m_contesto.lingua.testo(m));
-}
-
 void PaginaStorico::abilitaPagina(bool abilitata)
 {
     setEnabled(abilitata);
     if (!abilitata)
         return;
     // The write may have filed the map it replaced: the list shows it at once.
-    const QString messaggio = m_segnalazione->text();
+    const QString messaggio = segnalazione();
     const int riga = m_voci->indexOfTopLevelItem(m_voci->currentItem());
     const int prima = int(m_elenco.size());
     riempi();
@@ -225,33 +182,6 @@ void PaginaStorico::abilitaPagina(bool abilitata)
             m_voci->topLevelItem(qMin(riga + int(m_elenco.size()) - prima, m_voci->topLevelItemCount() - 1)));
     mostraTesto(messaggio);
     m_voci->setFocus(Qt::OtherFocusReason);
-}
-
-void PaginaStorico::mostraAvanzamento(int valore, int massimo)
-{
-    m_barra->setMaximum(massimo);
-    m_barra->setValue(valore);
-    m_barra->show();
-}
-
-void PaginaStorico::nascondiAvanzamento()
-{
-    m_barra->hide();
-}
-
-void PaginaStorico::beep()
-{
-    QApplication::beep();
-}
-
-int PaginaStorico::domanda(const Messaggio &t, int flags, const Messaggio &titolo)
-{
-    return m_domanda(m_contesto.lingua.testo(t), flags, m_contesto.lingua.testo(titolo));
-}
-
-void PaginaStorico::chiudiPagina()
-{
-    emit chiusa();
 }
 
 } // namespace kv

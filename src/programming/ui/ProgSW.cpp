@@ -3,6 +3,7 @@
 
 #include "programming/DialogoMappe.h"
 #include "programming/ImmagineS19.h"
+#include "programming/ui/ComandoPagina.h"
 #include "shell/ui/MsgBox1.h"
 #include "shell/ui/Stile.h"
 
@@ -16,7 +17,6 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QShortcut>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -62,7 +62,7 @@ ProgSW::ProgSW(const ContestoProgrammazione &contesto, QWidget *parent)
     , m_labNote(new QLabel(m_boxProg))
     , m_note(campo(m_boxProg, "Note"))
     , m_barraPercentuale(new QProgressBar(this))
-    , m_segnalazione1(new QLabel(this))
+    , m_segnalazione1(CreaRigaSegnalazione(QStringLiteral("Segnalazione1"), this))
     , m_tastoProgramma(new QPushButton(this))
     , m_tastoEsci(new QPushButton(this))
 {
@@ -103,24 +103,11 @@ ProgSW::ProgSW(const ContestoProgrammazione &contesto, QWidget *parent)
     m_barraPercentuale->setObjectName(QStringLiteral("BarraPercentuale"));
     m_barraPercentuale->setRange(0, ImmagineSW::Blocchi);
     m_barraPercentuale->hide();
-    m_segnalazione1->setObjectName(QStringLiteral("Segnalazione1"));
-    m_segnalazione1->setFrameShape(QFrame::StyledPanel);
-    m_segnalazione1->setFrameShadow(QFrame::Sunken);
-    m_segnalazione1->setWordWrap(true);
-    m_segnalazione1->setMinimumHeight(m_segnalazione1->fontMetrics().height() * 2 + 10);
 
     const auto comando = [this](QPushButton *b, const char *nome, void (ProgSW::*azione)(), Qt::Key tasto) {
         b->setObjectName(QLatin1String(nome));
-        b->setAutoDefault(false);
-        b->setMinimumWidth(140);
+        PreparaComando(this, b, tasto, 140);
         connect(b, &QPushButton::clicked, this, azione);
-        // The page sees the key before the list does; a command that is off ignores it.
-        auto *s = new QShortcut(QKeySequence(tasto), this);
-        s->setContext(Qt::WindowShortcut);
-        connect(s, &QShortcut::activated, this, [b] {
-            if (b->isEnabled() && b->isVisible())
-                b->click();
-        });
     };
     comando(m_tastoProgramma, "Programma", &ProgSW::Programma_Click, Qt::Key_F2);
     comando(m_tastoEsci, "Esci", &ProgSW::Esci_Click, Qt::Key_Escape);

@@ -13,12 +13,13 @@ namespace kv {
 namespace {
 
 // The frame asks the page's questions and takes it away when it ends.
-QWidget *apri(Korvantine &frame, TelaioMappe *pagina)
+template <class Pagina>
+QWidget *apri(Korvantine &frame, Pagina *pagina)
 {
     pagina->impostaDomanda([&frame](const QString &testo, int flags, const QString &titolo) {
         return frame.MostraMsg(testo, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0);
     });
-    QObject::connect(pagina, &TelaioMappe::chiusa, &frame, [&frame, pagina] { frame.ChiudiPagina(pagina); });
+    QObject::connect(pagina, &Pagina::chiusa, &frame, [&frame, pagina] { frame.ChiudiPagina(pagina); });
     pagina->carica();
     return pagina;
 }
@@ -39,19 +40,10 @@ void RegistraPagineMappe(Korvantine &frame)
         Programma &p = f.programma();
         auto *pagina = new ConfrontoMappe(p.PercorsoApp, p.catalogo, p.lingua);
         pagina->impostaEcu(p.linea);
-        pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
-            return f.MostraMsg(testo, flags, titolo);
-        });
-        QObject::connect(pagina, &ConfrontoMappe::chiusa, &f, [&f, pagina] { f.ChiudiPagina(pagina); });
-        pagina->carica();
-        return pagina;
+        return apri(f, pagina);
     });
     frame.registraPagina(IdPagina::StoricoEcu, [](Korvantine &f) -> QWidget * {
         auto *pagina = new PaginaStorico(ContestoProgrammazioneDi(f.programma()));
-        pagina->impostaDomanda([&f](const QString &testo, int flags, const QString &titolo) {
-            return f.MostraMsg(testo, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0);
-        });
-        QObject::connect(pagina, &PaginaStorico::chiusa, &f, [&f, pagina] { f.ChiudiPagina(pagina); });
         // An entry against the ECU now: the compare page takes the frame, the entry as B.
         QObject::connect(pagina, &PaginaStorico::confronta, &f, [&f](const VoceStorico &v) {
             auto *c = qobject_cast<ConfrontoMappe *>(f.apriPagina(IdPagina::ConfrontoMappe));
@@ -67,8 +59,7 @@ void RegistraPagineMappe(Korvantine &frame)
                  v.immagine, ScalaDa(v.scalaLambda, OrigineScala::Storico)});
             c->leggiEcu(ConfrontoMappe::A);
         });
-        pagina->carica();
-        return pagina;
+        return apri(f, pagina);
     });
 }
 

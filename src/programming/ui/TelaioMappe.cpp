@@ -2,8 +2,8 @@
 #include "base/Lingua.h"
 
 #include "archives/Cartelle.h"
+#include "programming/ui/ComandoPagina.h"
 #include "programming/ui/ModelloAlberoMappe.h"
-#include "shell/ui/MsgBox1.h"
 
 #include <QApplication>
 #include <QGridLayout>
@@ -15,7 +15,6 @@
 #include <QListWidget>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QShortcut>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -28,12 +27,9 @@ constexpr int RuoloNodo = Qt::UserRole + 1;
 } // namespace
 
 TelaioMappe::TelaioMappe(const ContestoProgrammazione &contesto, QString sezione, QWidget *parent)
-    : QWidget(parent)
-    , m_contesto(contesto)
-    , m_sezione(std::move(sezione))
+    : PaginaVistaMappe(contesto, std::move(sezione), parent)
     , m_modello(new ModelloAlberoMappe(this))
 {
-    setObjectName(m_sezione);
     const int u = fontMetrics().averageCharWidth();
 
     m_box = new QGroupBox(this);
@@ -69,28 +65,13 @@ TelaioMappe::TelaioMappe(const ContestoProgrammazione &contesto, QString sezione
     destra->addStretch(1);
     sopra->addLayout(destra, 2);
 
-    m_barra = new QProgressBar(this);
-    m_barra->setObjectName(QStringLiteral("BarraPercentuale"));
-    m_barra->setFormat(QStringLiteral("%v / %m"));
-    m_barra->hide();
-    m_segnalazione = new QLabel(this);
-    m_segnalazione->setObjectName(QStringLiteral("Segnalazione1"));
-    m_segnalazione->setFrameShape(QFrame::StyledPanel);
-    m_segnalazione->setFrameShadow(QFrame::Sunken);
-    m_segnalazione->setWordWrap(true);
-    m_segnalazione->setMinimumHeight(2 * m_segnalazione->fontMetrics().height() + 10);
+    barra()->setObjectName(QStringLiteral("BarraPercentuale"));
+    barra()->setFormat(QStringLiteral("%v / %m"));
 
     const auto tasto = [this, u](const char *nome, Qt::Key chiave) {
         auto *b = new QPushButton(this);
         b->setObjectName(QString::fromLatin1(nome));
-        b->setAutoDefault(false);
-        b->setMinimumWidth(18 * u);
-        auto *s = new QShortcut(QKeySequence(chiave), this);
-        s->setContext(Qt::WindowShortcut);
-        connect(s, &QShortcut::activated, this, [this, b] {
-            if (b->isEnabled() && b->isVisible() && isEnabled())
-                b->click();
-        });
+        PreparaComando(this, b, chiave, 18 * u);
         return b;
     };
     m_comando = tasto("Comando", Qt::Key_F2);
@@ -104,8 +85,8 @@ TelaioMappe::TelaioMappe(const ContestoProgrammazione &contesto, QString sezione
 
     auto *principale = new QVBoxLayout(this);
     principale->addLayout(sopra, 1);
-    principale->addWidget(m_barra);
-    principale->addWidget(m_segnalazione);
+    principale->addWidget(barra());
+    principale->addWidget(rigaSegnalazione());
     principale->addLayout(comandi);
 
     connect(m_albero->selectionModel(), &QItemSelectionModel::currentChanged, this,
@@ -119,26 +100,17 @@ TelaioMappe::TelaioMappe(const ContestoProgrammazione &contesto, QString sezione
     });
     m_albero->installEventFilter(this);
     m_mappe->installEventFilter(this);
-
-    m_domanda = [this](const QString &t, int flags, const QString &titolo) {
-        return kv::MostraMsg(m_contesto.lingua, t, flags, titolo, (flags & SecondoPredefinito) ? 1 : 0, this);
-    };
-}
-
-QString TelaioMappe::testo(const QString &chiave) const
-{
-    return m_contesto.lingua.LeggiTesto(m_sezione, chiave).trimmed();
 }
 
 void TelaioMappe::carica()
 {
-    const Lingua &l = m_contesto.lingua;
+    const Lingua &l = contesto().lingua;
     setWindowTitle(testo(QStringLiteral("CAPTION")));
     m_box->setTitle(testo(QStringLiteral("BOXPROG.CAPTION")));
     m_labMappe->setText(testo(QStringLiteral("LABMAPPE")));
     m_esci->setText(QLatin1Char('&') + l.LeggiTesto("TASTI", "ESCI").trimmed() + QStringLiteral("  (Esc)"));
     m_modello->impostaTestoMancante(testo(QStringLiteral("MANCANTE")));
-    m_modello->impostaMarchi(CaricoMarchi(m_contesto.percorsoApp));
+    m_modello->impostaMarchi(CaricoMarchi(contesto().percorsoApp));
     caricaTestiAltrove();
 
     QWidget *precedente = m_albero;
@@ -155,9 +127,9 @@ void TelaioMappe::carica()
 void TelaioMappe::aggiornaAlbero(const ChiaveMappa &scelta)
 {
     EsitoArchivio esito;
-    m_modello->imposta(AlberoMappe::Carica(m_contesto.percorsoApp, &esito), AlberoMappe::Livello::Modello);
+    m_modello->imposta(AlberoMappe::Carica(contesto().percorsoApp, &esito), AlberoMappe::Livello::Modello);
     if (!esito.ok())
-        mostraTesto(m_contesto.lingua.testo(MessaggioArchivio(esito)));
+        mostraTesto(contesto().lingua.testo(MessaggioArchivio(esito)));
     const QModelIndex radice = m_modello->indice(AlberoMappe::Radice);
     m_albero->expand(radice);
 
@@ -225,16 +197,6 @@ bool TelaioMappe::eventFilter(QObject *oggetto, QEvent *evento)
     return QWidget::eventFilter(oggetto, evento);
 }
 
-void TelaioMappe::mostraTesto(const QString &testo)
-{
-    m_segnalazione->setText(testo);
-}
-
-void TelaioMappe::mostraSegnalazione(const Messaggio &testo)
-{
-    mostraTesto(m_contesto.lingua.testo(testo));
-}
-
 void TelaioMappe::abilitaPagina(bool abilitata)
 {
     // A disabled page loses the focus; it comes back where it was.
@@ -247,34 +209,6 @@ void TelaioMappe::abilitaPagina(bool abilitata)
     if (abilitata && m_fuoco && m_fuoco->isVisible() && m_fuoco->isEnabled())
         m_fuoco->setFocus(Qt::OtherFocusReason);
     m_abilitazione = false;
-}
-
-void TelaioMappe::mostraAvanzamento(int valore, int massimo)
-{
-    m_barra->setMaximum(massimo);
-    m_barra->setValue(qMin(valore, massimo));
-    m_barra->show();
-}
-
-void TelaioMappe::nascondiAvanzamento()
-{
-    m_barra->hide();
-}
-
-void TelaioMappe::beep()
-{
-    QApplication::beep();
-}
-
-int TelaioMappe::domanda(const Messaggio &testo, int flags, const Messaggio &titolo)
-{
-    const Lingua &l = m_contesto.lingua;
-    return m_domanda(l.testo(testo), flags, l.testo(titolo));
-}
-
-void TelaioMappe::chiudiPagina()
-{
-    emit chiusa();
 }
 
 } // namespace kv

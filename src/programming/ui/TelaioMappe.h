@@ -1,18 +1,13 @@
 #pragma once
 
-#include "programming/ContestoProgrammazione.h"
-#include "programming/DialogoMappe.h"
+#include "programming/ui/PaginaVistaMappe.h"
 
 #include <QPointer>
-#include <QWidget>
-
-#include <functional>
 
 class QGridLayout;
 class QGroupBox;
 class QLabel;
 class QListWidget;
-class QProgressBar;
 class QPushButton;
 class QTreeView;
 
@@ -26,17 +21,12 @@ class ModelloAlberoMappe;
 //
 // The tree and the list are driven by the arrows: a node or a map counts as clicked as soon
 // as it is the current one. Enter in them moves on as Tab does.
-class TelaioMappe : public QWidget, protected VistaMappe
+class TelaioMappe : public PaginaVistaMappe
 {
     Q_OBJECT
 public:
-    using Domanda = std::function<int(const QString &testo, int flags, const QString &titolo)>;
-
     // sezione: the page's section of the language file, its form name.
     TelaioMappe(const ContestoProgrammazione &contesto, QString sezione, QWidget *parent = nullptr);
-
-    // Who asks the page's questions; without one, the program's message box over the page.
-    void impostaDomanda(Domanda domanda) { m_domanda = std::move(domanda); }
 
     // Captions, the archive checked, the tree filled.
     void carica();
@@ -44,7 +34,6 @@ public:
     QTreeView *LMappe() const { return m_albero; }
     QListWidget *Mappe() const { return m_mappe; }
     ModelloAlberoMappe &modello() const { return *m_modello; }
-    const ContestoProgrammazione &contesto() const { return m_contesto; }
 
     // The tree built again from disk and catalogue; the node of those names (as deep as
     // they go) made the current one.
@@ -53,15 +42,11 @@ public:
     int nodoScelto() const { return m_nodo; }
     int mappaScelta() const;
 
-signals:
-    void chiusa();
-
 protected:
     // Where a page puts its fields: a grid on the right of the lists.
     QGridLayout *areaCampi() const { return m_campi; }
     QPushButton *comando() const { return m_comando; }
     QPushButton *esci() const { return m_esci; }
-    QString testo(const QString &chiave) const;
     // The focus moves because the page is disabled for a transfer or enabled after it: no
     // field is entered or left by the fitter then.
     bool fuocoDaAbilitazione() const { return m_abilitazione; }
@@ -78,17 +63,8 @@ protected:
     // The first widget the fitter is on, in the tab order after the lists.
     virtual QList<QWidget *> ordineCampi() const = 0;
 
-    // The message line, with a text of the page's own.
-    void mostraTesto(const QString &testo);
-
     // VistaMappe
-    void mostraSegnalazione(const Messaggio &testo) override;
     void abilitaPagina(bool abilitata) override;
-    void mostraAvanzamento(int valore, int massimo) override;
-    void nascondiAvanzamento() override;
-    void beep() override;
-    int domanda(const Messaggio &testo, int flags, const Messaggio &titolo) override;
-    void chiudiPagina() override;
 
     bool eventFilter(QObject *oggetto, QEvent *evento) override;
 
@@ -96,17 +72,12 @@ private:
     void nodoCorrente(const QModelIndex &indice);
     void riempiMappe(int nodo);
 
-    ContestoProgrammazione m_contesto;
-    QString m_sezione;
-    Domanda m_domanda;
     ModelloAlberoMappe *m_modello;
     QGroupBox *m_box;
     QTreeView *m_albero;
     QLabel *m_labMappe;
     QListWidget *m_mappe;
     QGridLayout *m_campi;
-    QProgressBar *m_barra;
-    QLabel *m_segnalazione;
     QPushButton *m_comando;
     QPushButton *m_esci;
     QPointer<QWidget> m_fuoco;

@@ -2,6 +2,7 @@
 #include "base/Lingua.h"
 
 #include "programming/DialogoMappe.h"
+#include "programming/ui/ComandoPagina.h"
 #include "programming/ui/SceltaCartella.h"
 #include "shell/ui/MsgBox1.h"
 #include "shell/ui/Stile.h"
@@ -11,7 +12,6 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace kv {
@@ -39,7 +39,7 @@ TelaioScambio::TelaioScambio(const Lingua &lingua, QString percorsoApp, QString 
     , m_percorsoApp(std::move(percorsoApp))
     , m_sezione(std::move(sezione))
     , m_corpo(new QVBoxLayout)
-    , m_segnalazione(new QLabel(this))
+    , m_segnalazione(CreaRigaSegnalazione(QStringLiteral("Segnalazione"), this))
     , m_avvisi(new QPlainTextEdit(this))
     , m_comando(new QPushButton(this))
     , m_esci(new QPushButton(this))
@@ -49,11 +49,6 @@ TelaioScambio::TelaioScambio(const Lingua &lingua, QString percorsoApp, QString 
     if (conCartella)
         m_cartella = new SceltaCartella(this);
 
-    m_segnalazione->setObjectName(QStringLiteral("Segnalazione"));
-    m_segnalazione->setFrameShape(QFrame::StyledPanel);
-    m_segnalazione->setFrameShadow(QFrame::Sunken);
-    m_segnalazione->setWordWrap(true);
-    m_segnalazione->setMinimumHeight(2 * m_segnalazione->fontMetrics().height() + 10);
     m_avvisi->setObjectName(QStringLiteral("Avvisi"));
     m_avvisi->setReadOnly(true);
     m_avvisi->setFocusPolicy(Qt::ClickFocus);
@@ -65,16 +60,8 @@ TelaioScambio::TelaioScambio(const Lingua &lingua, QString percorsoApp, QString 
     comandi->addWidget(m_comando);
     comandi->addStretch(1);
     comandi->addWidget(m_esci);
-    for (auto [tasto, chiave] : {std::pair{m_comando, Qt::Key_F2}, std::pair{m_esci, Qt::Key_Escape}}) {
-        tasto->setAutoDefault(false);
-        tasto->setMinimumWidth(18 * u);
-        auto *s = new QShortcut(QKeySequence(chiave), this);
-        s->setContext(Qt::WindowShortcut);
-        connect(s, &QShortcut::activated, this, [this, b = tasto] {
-            if (b->isEnabled() && b->isVisible() && isEnabled())
-                b->click();
-        });
-    }
+    PreparaComando(this, m_comando, Qt::Key_F2, 18 * u);
+    PreparaComando(this, m_esci, Qt::Key_Escape, 18 * u);
     connect(m_comando, &QPushButton::clicked, this, [this] { Comando(); });
     connect(m_esci, &QPushButton::clicked, this, &TelaioScambio::chiusa);
 

@@ -21,6 +21,17 @@ QLabel *CreaIntestazione(const QString &testo, QWidget *parent)
     return etichetta;
 }
 
+QLabel *CreaRigaSegnalazione(const QString &nome, QWidget *parent)
+{
+    auto *riga = new QLabel(parent);
+    riga->setObjectName(nome);
+    riga->setFrameShape(QFrame::StyledPanel);
+    riga->setFrameShadow(QFrame::Sunken);
+    riga->setWordWrap(true);
+    riga->setMinimumHeight(2 * riga->fontMetrics().height() + 10);
+    return riga;
+}
+
 void DimensionaElenco(QListWidget *elenco, int righe)
 {
     elenco->setSpacing(0);

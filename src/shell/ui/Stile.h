@@ -15,6 +15,10 @@ namespace kv {
 // is out of sight.
 QLabel *CreaIntestazione(const QString &testo, QWidget *parent);
 
+// A page's message line, framed and two lines high even when empty, so that the page does not
+// move as messages come and go.
+QLabel *CreaRigaSegnalazione(const QString &nome, QWidget *parent);
+
 // A list as tall as its first righe rows, with room around each entry for the mouse.
 void DimensionaElenco(QListWidget *elenco, int righe);
 
