@@ -8,9 +8,8 @@
 //
 // Usage: bench_cli [runs] [baud]   (default 5 and 38400)
 
-#include "EcuSimulata.h"
 #include "FileS19.h"
-#include "Sveglia.h"
+#include "LatoEcu.h"
 
 #include "programming/FileBlocchi.h"
 
@@ -33,15 +32,6 @@ using namespace kv::sim;
 
 namespace {
 
-double mediana(std::vector<double> v)
-{
-    if (v.empty())
-        return 0;
-    std::sort(v.begin(), v.end());
-    const size_t n = v.size();
-    return n % 2 ? v[n / 2] : (v[n / 2 - 1] + v[n / 2]) / 2;
-}
-
 // What the ECU's side of the line saw of one command, kept in the ECU's thread.
 struct Osservazione
 {
@@ -55,7 +45,6 @@ struct Osservazione
     int risposte = 0;
     bool chiuso = false; // 'F' answered: what follows is no longer the flash
     bool fAscoltato = false;
-    QByteArray uscita;
 };
 
 struct Esito
@@ -72,37 +61,12 @@ struct Esito
 class Banco
 {
 public:
-    explicit Banco(int baud) : m_baud(baud)
-    {
-        OpzioniEcu opzioni;
-        opzioni.baud = baud;
-        opzioni.cadenzaReale = true;
-        m_ecu = new EcuSimulata(opzioni);
-        m_orologio.start();
-    }
-    ~Banco()
-    {
-        m_filo.quit();
-        m_filo.wait();
-    }
+    explicit Banco(int baud) : m_baud(baud), m_lato(baud) {}
 
     bool avvia()
     {
-        if (!m_ecu->apriPty()) {
-            std::fprintf(stderr, "cannot open a pseudo-terminal: %s\n", qPrintable(m_ecu->erroreLinea()));
-            return false;
-        }
         osserva();
-        m_ecu->moveToThread(&m_filo);
-        QObject::connect(&m_filo, &QThread::finished, m_ecu, &QObject::deleteLater);
-        m_filo.start();
-        QMetaObject::invokeMethod(m_ecu, &EcuSimulata::avvia, Qt::QueuedConnection);
-        QMetaObject::invokeMethod(m_ecu, [] {
-            if (!PrioritaReale())
-                std::fprintf(stderr,
-                             "no real-time scheduling for the simulated ECU: its own delays count too\n");
-        });
-        return true;
+        return m_lato.avviaSuPty();
     }
 
     Esito esegui(const QStringList &argomenti, const QString &casa)
@@ -118,7 +82,7 @@ public:
         QElapsedTimer t;
         t.start();
         p.start(QStringLiteral(KV_CLI), QStringList(argomenti)
-                                            << "--port" << m_ecu->percorsoDispositivo() << "--baud"
+                                            << "--port" << m_lato.ecu->percorsoDispositivo() << "--baud"
                                             << QString::number(m_baud) << "--home" << casa << "--quiet");
         const bool finito = p.waitForFinished(180000);
         Esito e;
@@ -131,8 +95,8 @@ public:
         QThread::msleep(5);
         QMutexLocker blocco(&m_oss.mutex);
         e.lavoro = (m_oss.fine - m_oss.inizio) / 1000.0;
-        e.filo = secondiSulFilo(m_oss.byteRichieste + m_oss.byteRisposte);
-        e.flusso = secondiSulFilo(m_oss.byteFlusso);
+        e.filo = m_lato.secondiSulFilo(m_oss.byteRichieste + m_oss.byteRisposte);
+        e.flusso = m_lato.secondiSulFilo(m_oss.byteFlusso);
         e.richieste = m_oss.richieste;
         e.risposte = m_oss.risposte;
         m_oss.inizio = -2; // nothing more counts until the next command
@@ -140,68 +104,41 @@ public:
     }
 
 private:
-    double adessoMs() const { return static_cast<double>(m_orologio.nsecsElapsed()) / 1e6; }
-    double secondiSulFilo(qint64 byte) const { return static_cast<double>(byte) * 10.0 / m_baud; }
-
-    // Both hooks run in the ECU's thread, as the bytes cross its side of the line.
     void osserva()
     {
-        QObject::connect(
-            m_ecu, &EcuSimulata::frameRicevuto, m_ecu,
+        m_lato.osserva(
             [this](const QByteArray &f) {
                 QMutexLocker blocco(&m_oss.mutex);
                 if (f.size() < 5 || m_oss.inizio == -2 || m_oss.chiuso)
                     return;
                 const char l = f.at(4);
-                // Heard when its last byte is in: its first came that long before.
                 if (m_oss.inizio < 0 && (l == 'I' || l == 'W'))
-                    m_oss.inizio = adessoMs() - secondiSulFilo(f.size()) * 1000.0;
+                    m_oss.inizio = m_lato.primoByteMs(f);
                 if (m_oss.inizio < 0)
                     return;
                 m_oss.byteRichieste += f.size();
                 ++m_oss.richieste;
                 m_oss.fAscoltato = m_oss.fAscoltato || l == 'F';
             },
-            Qt::DirectConnection);
-        QObject::connect(
-            m_ecu, &EcuSimulata::datiInviati, m_ecu,
-            [this](const QByteArray &b) {
+            [this](int l, char lettera) {
                 QMutexLocker blocco(&m_oss.mutex);
-                QByteArray &u = m_oss.uscita;
-                u += b;
-                for (;;) { // paced bytes leave a few at a time: a frame counts once it is whole
-                    const qsizetype stx = u.indexOf(char(0x02));
-                    if (stx < 0) {
-                        u.clear();
-                        return;
-                    }
-                    if (u.size() < stx + 2)
-                        return;
-                    const int l = quint8(u.at(stx + 1)) & 0x7F;
-                    if (u.size() < stx + l)
-                        return;
-                    const char lettera = l > 4 ? u.at(stx + 4) : 0;
-                    u.remove(0, stx + l);
-                    if (m_oss.inizio < 0 || m_oss.chiuso)
-                        continue;
-                    if (lettera == 'e' || lettera == 'r') {
-                        m_oss.byteRisposte += l;
-                        ++m_oss.risposte;
-                        m_oss.fine = adessoMs();
-                        m_oss.chiuso = m_oss.fAscoltato;
-                    } else {
-                        m_oss.byteFlusso += l;
-                    }
+                if (m_oss.inizio < 0 || m_oss.chiuso)
+                    return;
+                if (lettera == 'e' || lettera == 'r') {
+                    m_oss.byteRisposte += l;
+                    ++m_oss.risposte;
+                    m_oss.fine = m_lato.adessoMs();
+                    m_oss.chiuso = m_oss.fAscoltato;
+                } else {
+                    m_oss.byteFlusso += l;
                 }
-            },
-            Qt::DirectConnection);
+            });
     }
 
     int m_baud;
-    EcuSimulata *m_ecu;
-    QThread m_filo;
-    QElapsedTimer m_orologio;
     Osservazione m_oss;
+    // After what its hooks touch, so that the ECU's thread ends before that goes.
+    LatoEcu m_lato;
 };
 
 bool scrivi(const QString &percorso, const QByteArray &dati)

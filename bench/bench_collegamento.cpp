@@ -2,8 +2,7 @@
 // as on a real line. Prints the line turnaround (from the last byte of a reply leaving the
 // ECU to the first byte of the next request reaching it) and how close 500 single-value
 // reads come to the time their bytes need on the wire.
-#include "EcuSimulata.h"
-#include "Sveglia.h"
+#include "LatoEcu.h"
 #include "base/Lingua.h"
 #include "link/PortaSeriale.h"
 #include "shell/Programma.h"
@@ -12,7 +11,6 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QTemporaryDir>
-#include <QThread>
 #include <QTimer>
 
 #include <algorithm>
@@ -60,82 +58,37 @@ double percentile(std::vector<double> v, double p)
     return v[std::min(i, v.size() - 1)];
 }
 
-double secondiSulFilo(qint64 byte)
-{
-    return static_cast<double>(byte) * 10.0 / Baud;
-}
-
 } // namespace
 
 int main(int argc, char *argv[])
 {
     QCoreApplication app(argc, argv);
 
-    OpzioniEcu opzioni;
-    opzioni.baud = Baud;
-    opzioni.cadenzaReale = true;
-    auto *ecu = new EcuSimulata(opzioni);
-    if (!ecu->apriPty()) {
-        std::fprintf(stderr, "cannot open a pseudo-terminal: %s\n", qPrintable(ecu->erroreLinea()));
-        return 1;
-    }
-
-    // Times on the ECU's side of the line, taken in the ECU's own thread.
-    QElapsedTimer orologio;
-    orologio.start();
+    // Times on the ECU's side of the line, taken in the ECU's own thread; before the ECU's
+    // side, so that its thread ends before they go.
     std::vector<double> fineRisposta, inizioRichiesta;
     qint64 byteFlusso = 0;
-    QByteArray uscita;
-    QObject::connect(
-        ecu, &EcuSimulata::datiInviati, ecu,
-        [&](const QByteArray &b) {
-            uscita += b;
-            for (;;) { // frames are whole by the time the paced bytes have all gone
-                const qsizetype stx = uscita.indexOf(char(0x02));
-                if (stx < 0 || uscita.size() < stx + 2) {
-                    if (stx < 0)
-                        uscita.clear();
-                    return;
-                }
-                const int l = quint8(uscita.at(stx + 1)) & 0x7F;
-                if (uscita.size() < stx + l)
-                    return;
-                const char lettera = l > 4 ? uscita.at(stx + 4) : 0;
-                if (lettera == 'r')
-                    fineRisposta.push_back(static_cast<double>(orologio.nsecsElapsed()) / 1e6);
-                else if (lettera == 'd')
-                    byteFlusso += l;
-                uscita.remove(0, stx + l);
-            }
-        },
-        Qt::DirectConnection);
-    // The ECU hears a request when its last byte is in; its first byte came that long before.
-    QObject::connect(
-        ecu, &EcuSimulata::frameRicevuto, ecu,
+    LatoEcu lato(Baud);
+    lato.osserva(
         [&](const QByteArray &f) {
             if (f.size() > 4 && f.at(4) == 'R')
-                inizioRichiesta.push_back(static_cast<double>(orologio.nsecsElapsed()) / 1e6
-                                          - secondiSulFilo(f.size()) * 1000.0);
+                inizioRichiesta.push_back(lato.primoByteMs(f));
         },
-        Qt::DirectConnection);
-
-    QThread filo;
-    ecu->moveToThread(&filo);
-    QObject::connect(&filo, &QThread::finished, ecu, &QObject::deleteLater);
-    filo.start();
-    QMetaObject::invokeMethod(ecu, &EcuSimulata::avvia, Qt::QueuedConnection);
-    // The ECU keeps its time as a real one does, whatever else the machine is doing.
-    QMetaObject::invokeMethod(ecu, [] {
-        if (!PrioritaReale())
-            std::fprintf(stderr, "no real-time scheduling for the simulated ECU: its own delays count too\n");
-    });
+        [&](int l, char lettera) {
+            if (lettera == 'r')
+                fineRisposta.push_back(lato.adessoMs());
+            else if (lettera == 'd')
+                byteFlusso += l;
+        });
+    if (!lato.avviaSuPty())
+        return 1;
 
     QTemporaryDir cartella;
     Lingua lingua(cartella.path());
     Programma p(cartella.path(), lingua, std::make_unique<PortaSeriale>(),
                 std::make_unique<TemporizzatoreQt>(), std::make_unique<TemporizzatoreQt>());
     p.seriale.VelocitaCom = Baud;
-    p.dispositivoForzato = ecu->percorsoDispositivo();
+    p.dispositivoForzato = lato.ecu->percorsoDispositivo();
     if (!p.ApriPorta()) {
         std::fprintf(stderr, "cannot open %s: %s\n", qPrintable(p.dispositivoForzato),
                      qPrintable(p.linea.porta().descrizioneErrore()));
@@ -170,12 +123,11 @@ int main(int argc, char *argv[])
     ciclo.exec();
     const double trascorsi = static_cast<double>(t.nsecsElapsed()) / 1e9;
     p.linea.porta().chiudi();
-    filo.quit();
-    filo.wait();
+    lato.ferma();
 
     // Request: 'R', address, count, in a frame; reply: 'r' and two bytes, in a frame.
     const qint64 byteDialogo = qint64(Letture) * ((4 + 6) + (3 + 6));
-    const double filoDialogo = secondiSulFilo(byteDialogo);
+    const double filoDialogo = lato.secondiSulFilo(byteDialogo);
     const qint64 flusso = byteFlusso - flussoPrima;
     std::vector<double> giri;
     for (size_t k = 1; k < inizioRichiesta.size() && k <= fineRisposta.size(); ++k)
@@ -189,7 +141,7 @@ int main(int argc, char *argv[])
                 filoDialogo, trascorsi / filoDialogo);
     std::printf(
         "live frames shared the ECU's side meanwhile: %lld bytes (%.3f s); ratio with them counted %.2f\n",
-        static_cast<long long>(flusso), secondiSulFilo(flusso),
-        trascorsi / (filoDialogo + secondiSulFilo(flusso)));
+        static_cast<long long>(flusso), lato.secondiSulFilo(flusso),
+        trascorsi / (filoDialogo + lato.secondiSulFilo(flusso)));
     return 0;
 }

@@ -7,10 +7,9 @@
 //
 // Usage: bench_flash [runs at 38400] [runs at 9600]   (default 5 and 3)
 
-#include "EcuSimulata.h"
 #include "FileS19.h"
+#include "LatoEcu.h"
 #include "MappaMemoria.h"
-#include "Sveglia.h"
 #include "base/Lingua.h"
 
 #include "link/PortaSeriale.h"
@@ -59,15 +58,6 @@ public:
 private:
     QEventLoop &m_ciclo;
 };
-
-double mediana(std::vector<double> v)
-{
-    if (v.empty())
-        return 0;
-    std::sort(v.begin(), v.end());
-    const size_t n = v.size();
-    return n % 2 ? v[n / 2] : (v[n / 2 - 1] + v[n / 2]) / 2;
-}
 
 double media(const std::vector<double> &v)
 {
@@ -159,57 +149,34 @@ class Banco
 public:
     // diretto: the ECU in the program's own thread, wired straight to its port, without the
     // pseudo-terminal and the kernel's work between the two ends of it.
-    Banco(int baud, const QString &home, bool diretto) : m_baud(baud), m_home(home), m_diretto(diretto)
-    {
-        OpzioniEcu opzioni;
-        opzioni.baud = baud;
-        opzioni.cadenzaReale = true;
-        m_ecu = new EcuSimulata(opzioni);
-        m_orologio.start();
-    }
+    Banco(int baud, const QString &home, bool diretto)
+        : m_baud(baud)
+        , m_home(home)
+        , m_diretto(diretto)
+        , m_lato(baud)
+    {}
 
     ~Banco()
     {
         if (m_programma)
             m_programma->linea.porta().chiudi();
-        if (m_diretto) {
-            m_programma.reset();
-            delete m_ecu;
-            return;
-        }
-        m_filo.quit();
-        m_filo.wait();
     }
 
     bool avvia()
     {
-        if (m_diretto) {
-            osserva();
-            m_ecu->avvia();
-            return apriProgramma(std::make_unique<PortaEcu>(*m_ecu));
-        }
-        if (!m_ecu->apriPty()) {
-            std::fprintf(stderr, "cannot open a pseudo-terminal: %s\n", qPrintable(m_ecu->erroreLinea()));
-            return false;
-        }
         osserva();
-        m_ecu->moveToThread(&m_filo);
-        QObject::connect(&m_filo, &QThread::finished, m_ecu, &QObject::deleteLater);
-        m_filo.start();
-        QMetaObject::invokeMethod(m_ecu, &EcuSimulata::avvia, Qt::QueuedConnection);
-        // The ECU keeps its time as a real one does, whatever else the machine is doing.
-        QMetaObject::invokeMethod(m_ecu, [] {
-            if (!PrioritaReale())
-                std::fprintf(stderr,
-                             "no real-time scheduling for the simulated ECU: its own delays count too\n");
-        });
-
+        if (m_diretto) {
+            m_lato.ecu->avvia();
+            return apriProgramma(std::make_unique<PortaEcu>(*m_lato.ecu));
+        }
+        if (!m_lato.avviaSuPty())
+            return false;
         return apriProgramma(std::make_unique<PortaSeriale>());
     }
 
     bool apriProgramma(std::unique_ptr<Porta> interna)
     {
-        auto porta = std::make_unique<PortaCronometrata>(std::move(interna), m_orologio);
+        auto porta = std::make_unique<PortaCronometrata>(std::move(interna), m_lato.orologio());
         m_porta = porta.get();
         m_lingua = Lingua(m_home);
         m_programma = (std::make_unique<Programma>(m_home, m_lingua, std::move(porta),
@@ -217,7 +184,7 @@ public:
                                                    std::make_unique<TemporizzatoreQt>()));
         m_programma->lingua.LinguaCorrente = QStringLiteral("ENGLISH");
         m_programma->seriale.VelocitaCom = m_baud;
-        m_programma->dispositivoForzato = m_ecu->percorsoDispositivo();
+        m_programma->dispositivoForzato = m_lato.ecu->percorsoDispositivo();
         if (!m_programma->ApriPorta()) {
             std::fprintf(stderr, "cannot open %s\n", qPrintable(m_programma->dispositivoForzato));
             return false;
@@ -279,8 +246,8 @@ public:
         QMutexLocker blocco(&m_oss.mutex);
         m_oss.attivo = false;
         e.secondi = (m_oss.fine - m_oss.inizio) / 1000.0;
-        e.filo = secondiSulFilo(m_oss.byteRichieste + m_oss.byteRisposte);
-        e.flusso = secondiSulFilo(m_oss.byteFlusso);
+        e.filo = m_lato.secondiSulFilo(m_oss.byteRichieste + m_oss.byteRisposte);
+        e.flusso = m_lato.secondiSulFilo(m_oss.byteFlusso);
         e.giroMediano = mediana(m_oss.giri);
         e.giroP99 = percentile(m_oss.giri, 0.99);
         e.giroMedio = media(m_oss.giri);
@@ -292,20 +259,14 @@ public:
     }
 
 private:
-    double adessoMs() const { return static_cast<double>(m_orologio.nsecsElapsed()) / 1e6; }
-    double secondiSulFilo(qint64 byte) const { return static_cast<double>(byte) * 10.0 / m_baud; }
-
-    // Both hooks run in the ECU's thread, as the bytes cross its side of the line.
     void osserva()
     {
-        QObject::connect(
-            m_ecu, &EcuSimulata::frameRicevuto, m_ecu,
+        m_lato.osserva(
             [this](const QByteArray &f) {
                 QMutexLocker blocco(&m_oss.mutex);
                 if (!m_oss.attivo || f.size() < 5)
                     return;
-                // Heard when its last byte is in: its first came that long before.
-                const double primoByte = adessoMs() - secondiSulFilo(f.size()) * 1000.0;
+                const double primoByte = m_lato.primoByteMs(f);
                 const char l = f.at(4);
                 if (l == 'I' && m_oss.inizio < 0)
                     m_oss.inizio = primoByte;
@@ -316,56 +277,36 @@ private:
                     m_oss.giri.push_back(primoByte - m_oss.fineRisposta);
                 if (l == 'F')
                     m_oss.fAscoltato = true;
-                m_oss.uditaMs = adessoMs();
+                m_oss.uditaMs = m_lato.adessoMs();
             },
-            Qt::DirectConnection);
-        QObject::connect(
-            m_ecu, &EcuSimulata::datiInviati, m_ecu,
-            [this](const QByteArray &b) {
+            [this](int l, char lettera) {
                 QMutexLocker blocco(&m_oss.mutex);
-                m_uscita += b;
-                for (;;) { // paced bytes leave a few at a time: a frame counts once it is whole
-                    const qsizetype stx = m_uscita.indexOf(char(0x02));
-                    if (stx < 0) {
-                        m_uscita.clear();
-                        return;
-                    }
-                    if (m_uscita.size() < stx + 2)
-                        return;
-                    const int l = quint8(m_uscita.at(stx + 1)) & 0x7F;
-                    if (m_uscita.size() < stx + l)
-                        return;
-                    const char lettera = l > 4 ? m_uscita.at(stx + 4) : 0;
-                    m_uscita.remove(0, stx + l);
-                    if (!m_oss.attivo || m_oss.inizio < 0 || m_oss.fine >= 0)
-                        continue;
-                    if (lettera == 'e') {
-                        m_oss.byteRisposte += l;
-                        m_oss.fineRisposta = adessoMs();
-                        if (m_oss.uditaMs >= 0)
-                            m_oss.ritardi.push_back(m_oss.fineRisposta - m_oss.uditaMs
-                                                    - secondiSulFilo(l) * 1000.0);
-                        if (m_oss.fAscoltato)
-                            m_oss.fine = m_oss.fineRisposta;
-                    } else if (lettera == 'd') {
-                        m_oss.byteFlusso += l;
-                    }
+                if (!m_oss.attivo || m_oss.inizio < 0 || m_oss.fine >= 0)
+                    return;
+                if (lettera == 'e') {
+                    m_oss.byteRisposte += l;
+                    m_oss.fineRisposta = m_lato.adessoMs();
+                    if (m_oss.uditaMs >= 0)
+                        m_oss.ritardi.push_back(m_oss.fineRisposta - m_oss.uditaMs
+                                                - m_lato.secondiSulFilo(l) * 1000.0);
+                    if (m_oss.fAscoltato)
+                        m_oss.fine = m_oss.fineRisposta;
+                } else if (lettera == 'd') {
+                    m_oss.byteFlusso += l;
                 }
-            },
-            Qt::DirectConnection);
+            });
     }
 
     int m_baud;
     QString m_home;
     bool m_diretto;
-    EcuSimulata *m_ecu;
-    QThread m_filo;
+    Osservazione m_oss;
+    // After what its hooks touch, so that the ECU's thread ends before that goes; before the
+    // program, whose port has the ECU and the clock.
+    LatoEcu m_lato;
     Lingua m_lingua; // lent to the program below, so it outlives it
     std::unique_ptr<Programma> m_programma;
     PortaCronometrata *m_porta = nullptr;
-    QElapsedTimer m_orologio;
-    Osservazione m_oss;
-    QByteArray m_uscita;
 };
 
 bool misura(int baud, int corse, const QString &home, bool diretto)

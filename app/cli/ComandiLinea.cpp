@@ -30,20 +30,20 @@ void interruzione(int)
 int porte(const QStringList &argomenti)
 {
     QCommandLineParser p;
-    SessioneCli::aggiungiOpzioni(p, false);
-    int uscita = Fatto;
-    if (!analizza(
-            p, argomenti,
+    SessioneCli s(p, argomenti, false);
+    if (!s.prepara(
             QStringLiteral("List the serial ports as the Serial port page does: COM1 to COM10 each "
                            "with the device it stands for now, and the port of the program's settings."),
-            0, 0, uscita))
-        return uscita;
-    SessioneCli s(argomenti.first());
-    if (!s.prepara(p, false))
+            0, 0))
         return s.uscita();
-    const ImpSeriale ini = LeggiImpSeriale(PercorsoIni(s.casa()), PortiSeriali());
+    // One look at the system's ports: the settings' port is starred in the list it was named from.
+    const QList<PortaDisponibile> disponibili = PorteDisponibili();
+    QStringList porti;
+    for (const PortaDisponibile &d : disponibili)
+        porti.append(d.percorso);
+    const ImpSeriale ini = LeggiImpSeriale(PercorsoIni(s.casa()), porti);
     QJsonArray elenco;
-    for (const VocePorta &v : ElencoPorte(PorteDisponibili())) {
+    for (const VocePorta &v : ElencoPorte(disponibili)) {
         // The page's second half names the same devices again, by path: one line a port here.
         if (v.dispositivo.isEmpty() || !v.valore.startsWith(QLatin1String("COM")))
             continue;
@@ -69,15 +69,10 @@ int porte(const QStringList &argomenti)
 int identifica(const QStringList &argomenti)
 {
     QCommandLineParser p;
-    SessioneCli::aggiungiOpzioni(p);
-    int uscita = Fatto;
-    if (!analizza(p, argomenti,
-                  QStringLiteral("Identify the ECU as the program does on its first live frame: its version "
-                                 "texts, or that it runs only its boot loader."),
-                  0, 0, uscita))
-        return uscita;
-    SessioneCli s(argomenti.first());
-    if (!s.prepara(p))
+    SessioneCli s(p, argomenti);
+    if (!s.prepara(QStringLiteral("Identify the ECU as the program does on its first live frame: its version "
+                                  "texts, or that it runs only its boot loader."),
+                   0, 0))
         return s.uscita();
     Programma &programma = s.crea();
     if (!s.apri() || !s.attendiEcu())
@@ -106,21 +101,17 @@ int identifica(const QStringList &argomenti)
 int registra(const QStringList &argomenti)
 {
     QCommandLineParser p;
-    SessioneCli::aggiungiOpzioni(p);
+    SessioneCli s(p, argomenti);
     p.addOption({QStringLiteral("seconds"), QStringLiteral("How long to record."), QStringLiteral("N")});
     p.addPositionalArgument(
         QStringLiteral("OUT"),
         QStringLiteral("A recording (.ACQ, the recorder's format; an existing one is added "
                        "to, as the recorder does), or with .csv a CSV as the viewer exports "
                        "it."));
-    int uscita = Fatto;
-    if (!analizza(p, argomenti,
-                  QStringLiteral("Record the ECU's live stream for N seconds. Ctrl-C ends it early and keeps "
-                                 "what came."),
-                  1, 1, uscita))
-        return uscita;
-    SessioneCli s(argomenti.first());
-    if (!s.prepara(p))
+    if (!s.prepara(
+            QStringLiteral("Record the ECU's live stream for N seconds. Ctrl-C ends it early and keeps "
+                           "what came."),
+            1, 1))
         return s.uscita();
     bool ok = false;
     const double secondi = p.value(QStringLiteral("seconds")).toDouble(&ok);

@@ -153,6 +153,7 @@ int differenzeMappe(const QStringList &argomenti)
         return FileCattivo;
     const Confronto c = ConfrontaMappe(std::move(*a), std::move(*b));
     const bool json = p.isSet(QStringLiteral("json"));
+    const bool quiet = p.isSet(QStringLiteral("quiet"));
     QStringList voci;
     perVoce(c.a, [&](int n, const VoceMappa &va) {
         if (!c.diversa(n))
@@ -161,7 +162,7 @@ int differenzeMappe(const QStringList &argomenti)
         if (json)
             voci << QStringLiteral("\"%1\": [%2, %3]")
                         .arg(NomeVoce(n), numeroJson(va.testo), numeroJson(vb.testo));
-        else if (!p.isSet(QStringLiteral("quiet")))
+        else if (!quiet)
             out() << NomeVoce(n).leftJustified(30) << ' ' << va.testo << ' ' << vb.testo << '\n';
     });
     if (json)

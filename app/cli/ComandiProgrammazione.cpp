@@ -177,7 +177,7 @@ bool soloBootLoader(SessioneCli &s)
 int leggiMappa(const QStringList &argomenti)
 {
     QCommandLineParser p;
-    SessioneCli::aggiungiOpzioni(p);
+    SessioneCli s(p, argomenti);
     p.addOption(
         {QStringLiteral("archive"),
          QStringLiteral("File the map in the program's archive instead, as the map reading page does: "
@@ -188,14 +188,9 @@ int leggiMappa(const QStringList &argomenti)
     p.addOption({QStringLiteral("yes"), QStringLiteral("Replace a map of the same names in the archive.")});
     p.addPositionalArgument(QStringLiteral("OUT.LKV"), QStringLiteral("The map file to write."),
                             QStringLiteral("[OUT.LKV]"));
-    int uscita = Fatto;
-    if (!analizza(p, argomenti,
-                  QStringLiteral("Read the ECU's map (512 bytes from 0xC100) into a map file, written only "
-                                 "once every block is in, as the program does."),
-                  0, 1, uscita))
-        return uscita;
-    SessioneCli s(argomenti.first());
-    if (!s.prepara(p))
+    if (!s.prepara(QStringLiteral("Read the ECU's map (512 bytes from 0xC100) into a map file, written only "
+                                  "once every block is in, as the program does."),
+                   0, 1))
         return s.uscita();
     const bool archivio = p.isSet(QStringLiteral("archive"));
     if (archivio == (p.positionalArguments().size() == 1))
@@ -267,17 +262,12 @@ int leggiMappa(const QStringList &argomenti)
 int scriviMappa(const QStringList &argomenti)
 {
     QCommandLineParser p;
-    SessioneCli::aggiungiOpzioni(p);
+    SessioneCli s(p, argomenti);
     p.addOption({QStringLiteral("verify"), QStringLiteral("Read the map back and compare it.")});
     p.addPositionalArgument(QStringLiteral("IN.LKV"), QStringLiteral("The map file to write."));
-    int uscita = Fatto;
-    if (!analizza(p, argomenti,
-                  QStringLiteral("Write a map file into the ECU as the map programming page does: the whole "
-                                 "file checked first, then its 8 blocks from 0xC100."),
-                  1, 1, uscita))
-        return uscita;
-    SessioneCli s(argomenti.first());
-    if (!s.prepara(p))
+    if (!s.prepara(QStringLiteral("Write a map file into the ECU as the map programming page does: the whole "
+                                  "file checked first, then its 8 blocks from 0xC100."),
+                   1, 1))
         return s.uscita();
     const QString ingresso = p.positionalArguments().first();
     const EsitoMappa controllo = LeggiMappa(ingresso);
@@ -327,21 +317,16 @@ int scriviMappa(const QStringList &argomenti)
 int flash(const QStringList &argomenti)
 {
     QCommandLineParser p;
-    SessioneCli::aggiungiOpzioni(p);
+    SessioneCli s(p, argomenti);
     p.addOption({QStringLiteral("yes"),
                  QStringLiteral("Replace the software of an ECU that runs its application without asking; "
                                 "needed when standard input is a terminal.")});
     p.addPositionalArgument(QStringLiteral("IN.S19"), QStringLiteral("The software release."));
-    int uscita = Fatto;
-    if (!analizza(
-            p, argomenti,
+    if (!s.prepara(
             QStringLiteral("Program the ECU's software as the Programming page does: the S19 file checked "
                            "whole, turned into the image with the ECU's identification strings, then "
                            "'I', the 220 blocks and 'F'."),
-            1, 1, uscita))
-        return uscita;
-    SessioneCli s(argomenti.first());
-    if (!s.prepara(p))
+            1, 1))
         return s.uscita();
     const QString ingresso = p.positionalArguments().first();
     QByteArray contenuto;

@@ -38,18 +38,13 @@ QElapsedTimer &orologio()
 
 } // namespace
 
-SessioneCli::SessioneCli(QString comando) : m_comando(std::move(comando))
+SessioneCli::SessioneCli(QCommandLineParser &p, const QStringList &argomenti, bool conPorta)
+    : m_parser(p)
+    , m_argomenti(argomenti)
+    , m_conPorta(conPorta)
+    , m_comando(argomenti.first())
 {
     orologio();
-}
-
-SessioneCli::~SessioneCli()
-{
-    m_avanzamento.chiudi();
-}
-
-void SessioneCli::aggiungiOpzioni(QCommandLineParser &p, bool conPorta)
-{
     if (conPorta) {
         p.addOption(
             {OpzionePorta,
@@ -68,26 +63,35 @@ void SessioneCli::aggiungiOpzioni(QCommandLineParser &p, bool conPorta)
                  QStringLiteral("DIR")});
 }
 
-bool SessioneCli::prepara(const QCommandLineParser &p, bool conPorta)
+SessioneCli::~SessioneCli()
 {
-    m_json = p.isSet(QStringLiteral("json"));
-    m_quiet = p.isSet(QStringLiteral("quiet"));
+    m_avanzamento.chiudi();
+}
+
+bool SessioneCli::prepara(const QString &descrizione, int minimiPosizionali, int massimiPosizionali)
+{
+    if (!analizza(m_parser, m_argomenti, descrizione, minimiPosizionali, massimiPosizionali, m_uscita))
+        return false;
+    m_json = m_parser.isSet(QStringLiteral("json"));
+    m_quiet = m_parser.isSet(QStringLiteral("quiet"));
     m_avanzamento.imposta(!m_quiet, ::isatty(STDERR_FILENO) == 1);
     const QString eseguibile = QCoreApplication::applicationDirPath();
-    m_casa = RisolviPercorsoApp(p.value(OpzioneCasa), eseguibile, CartellaDatiUtente());
+    m_casa = RisolviPercorsoApp(m_parser.value(OpzioneCasa), eseguibile, CartellaDatiUtente());
     m_lingua = Lingua::DellaCartella(m_casa, eseguibile);
     if (!m_propria.isValid()) {
         fallisci(FileNonScritto,
                  QStringLiteral("no temporary folder can be made: ") + m_propria.errorString());
         return false;
     }
-    return !conPorta || risolviPorta(p);
+    return !m_conPorta || risolviPorta();
 }
 
-bool SessioneCli::risolviPorta(const QCommandLineParser &p)
+bool SessioneCli::risolviPorta()
 {
-    const ImpSeriale ini = LeggiImpSeriale(PercorsoIni(m_casa), PortiSeriali());
-    const QString data = p.value(OpzionePorta).trimmed();
+    // The system's ports are looked up once: the settings and --port name them in the same list.
+    const QStringList porti = PortiSeriali();
+    const ImpSeriale ini = LeggiImpSeriale(PercorsoIni(m_casa), porti);
+    const QString data = m_parser.value(OpzionePorta).trimmed();
     if (data.isEmpty()) {
         m_nomePorta = ini.Porta;
         m_porta.dispositivo = ini.nomeDispositivo;
@@ -110,7 +114,7 @@ bool SessioneCli::risolviPorta(const QCommandLineParser &p)
             return false;
         }
         m_nomePorta = QStringLiteral("COM%1").arg(n);
-        m_porta.dispositivo = NomeDispositivo(m_nomePorta, n, PortiSeriali());
+        m_porta.dispositivo = NomeDispositivo(m_nomePorta, n, porti);
     }
     if (m_porta.dispositivo.isEmpty()) {
         fallisci(
@@ -120,11 +124,11 @@ bool SessioneCli::risolviPorta(const QCommandLineParser &p)
         return false;
     }
     m_porta.velocita = ini.VelocitaCom;
-    if (p.isSet(OpzioneBaud)) {
-        const int baud = p.value(OpzioneBaud).toInt();
+    if (m_parser.isSet(OpzioneBaud)) {
+        const int baud = m_parser.value(OpzioneBaud).toInt();
         if (baud != 4800 && baud != 9600 && baud != 19200 && baud != 38400) {
             fallisci(Uso, QStringLiteral("--baud takes 4800, 9600, 19200 or 38400, not '%1'")
-                              .arg(p.value(OpzioneBaud)));
+                              .arg(m_parser.value(OpzioneBaud)));
             return false;
         }
         m_porta.velocita = baud;

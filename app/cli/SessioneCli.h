@@ -32,18 +32,19 @@ public:
     // version request and the four reads behind it, or a frame of its boot loader.
     static constexpr int AttesaEcuMs = 10000;
 
-    explicit SessioneCli(QString comando);
+    // --port and --baud (conPorta) and --home go into p at once, ahead of the command's own
+    // options, so that --help lists them first. p and argomenti stay the command's, and
+    // outlive the session.
+    SessioneCli(QCommandLineParser &p, const QStringList &argomenti, bool conPorta = true);
     ~SessioneCli();
     SessioneCli(const SessioneCli &) = delete;
     SessioneCli &operator=(const SessioneCli &) = delete;
 
-    // --port, --baud and --home added to p (the common --json and --quiet come with analizza).
-    static void aggiungiOpzioni(QCommandLineParser &p, bool conPorta = true);
-
-    // Reads the common options: the folder, its language, and (conPorta) the port and speed,
-    // from the options or from KORVANTINE.INI. False, told, with the status in uscita(), when
-    // they cannot be used.
-    bool prepara(const QCommandLineParser &p, bool conPorta = true);
+    // The arguments parsed as analizza() does, then the common options read: the folder, its
+    // language, and (conPorta) the port and speed, from the options or from KORVANTINE.INI.
+    // False when the command must end now, with the status in uscita(): --help printed, or a
+    // wrong argument or option, told.
+    bool prepara(const QString &descrizione, int minimiPosizionali, int massimiPosizionali);
 
     // The program's state with the real port and timers, in the command's own folder or
     // (nellaCasa) in the program's.
@@ -85,8 +86,11 @@ public:
     [[nodiscard]] double secondi() const;
 
 private:
-    bool risolviPorta(const QCommandLineParser &p);
+    bool risolviPorta();
 
+    QCommandLineParser &m_parser;
+    const QStringList &m_argomenti;
+    bool m_conPorta;
     QString m_comando;
     QString m_casa;
     Lingua m_lingua;
